@@ -1,0 +1,25 @@
+// The line-shaped sets of pixels through the centre whose medians compete, as offsets from the centre.
+#pragma once
+
+#include <cstdint>
+
+constexpr int32_t kMaxRadius = 6;
+constexpr int32_t kMaxSetSize = 4 * kMaxRadius + 1;
+
+struct PixelOffset {
+    int32_t dy;  // lines below the centre
+    int32_t dx;  // pixels right of it
+};
+
+// The first two sets serve every radius, the slanted ones, turned about 27 degrees, from radius 2 on. Within
+// a set the order decides ties.
+struct Neighborhood {
+    int32_t setSize;  // 4 * radius + 1
+    PixelOffset diagonal[kMaxSetSize];
+    PixelOffset upright[kMaxSetSize];
+    PixelOffset firstSlanted[kMaxSetSize];
+    PixelOffset secondSlanted[kMaxSetSize];
+};
+
+// `radius` 0 to kMaxRadius.
+Neighborhood MakeNeighborhood(int32_t radius);

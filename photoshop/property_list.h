@@ -1,0 +1,19 @@
+// The plug-in property list, resource 'PiPL': what a plug-in declares of itself.
+//
+// Big-endian: int32 version 0, int32 count, then per property: vendor, key, int32 id 0, int32 length, data
+// padded to a multiple of 4.
+#pragma once
+
+#include "platform/types.h"
+
+constexpr OSType PIPropertyListType = FourCharCode("PiPL");
+constexpr OSType plugInVendorID = FourCharCode("8BIM");
+constexpr OSType PIKindProperty = FourCharCode("kind");
+constexpr OSType PIFilterKind = FourCharCode("8BFM");
+constexpr OSType PINameProperty = FourCharCode("name");
+constexpr OSType PICategoryProperty = FourCharCode("catg");
+constexpr OSType PIVersionProperty = FourCharCode("vers");
+constexpr OSType PIPriorityProperty = FourCharCode("prty");
+constexpr OSType PIImageModesProperty = FourCharCode("mode");
+constexpr OSType PIEnableInfoProperty = FourCharCode("enbl");
+constexpr OSType PIFilterCaseInfoProperty = FourCharCode("fici");

@@ -1,0 +1,27 @@
+// The calls a host makes of a filter plug-in, and the results it understands.
+#pragma once
+
+#include "platform/types.h"
+
+enum : int16_t {
+    filterSelectorAbout = 0,
+    filterSelectorParameters = 1,
+    filterSelectorPrepare = 2,
+    filterSelectorStart = 3,
+    filterSelectorContinue = 4,
+    filterSelectorFinish = 5,
+};
+
+// A positive result means: stop quietly, the plug-in has told the user itself.
+enum : OSErr {
+    filterBadParameters = -30100,
+    filterBadMode = -30101,
+    errPlugInHostInsufficient = -30900,
+    errReportString = -30904,
+};
+
+struct FilterRecord;
+
+// The signature of the symbol "main" of a plug-in module. For About the host passes an AboutRecord in place
+// of the FilterRecord. `data` is the plug-in's own between calls and starts as 0.
+using FilterEntryProc = void (*)(int16_t selector, FilterRecord *record, intptr_t *data, int16_t *result);

@@ -1,0 +1,17 @@
+// Switches for tests: memory that runs out.
+#pragma once
+
+#include <cstdint>
+
+namespace faults {
+
+// Requests that would take the bytes in use beyond `bytes` fail; a negative number lifts the limit.
+void SetMemoryLimit(int64_t bytes);
+
+// The n-th request from now on fails, once; 0 disarms.
+void FailAllocation(int64_t n);
+
+int64_t BytesInUse();
+int64_t BlocksInUse();
+
+}  // namespace faults

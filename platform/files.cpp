@@ -1,0 +1,248 @@
+// Owns the table of open files. The mark of a file is the descriptor's own position.
+#include "platform/files.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+#include <vector>
+
+#include "platform/folder_lock.h"
+#include "platform/volume.h"
+
+namespace {
+
+constexpr int kClosed = -1;
+constexpr int16_t kFirstReference = 256;
+constexpr size_t kMaxOpenFiles = 4096;
+
+std::vector<int> openFiles;  // descriptors; reference kFirstReference + i is entry i
+
+OSErr LastError() {
+    return volume::ErrorFromErrno(errno);
+}
+
+int DescriptorOf(int16_t refNum) {
+    const auto index = static_cast<size_t>(refNum - kFirstReference);
+    return refNum >= kFirstReference && index < openFiles.size() ? openFiles[index] : kClosed;
+}
+
+OSErr AddReference(int descriptor, int16_t *refNum) {
+    size_t index = 0;
+    while (index < openFiles.size() && openFiles[index] != kClosed) {
+        ++index;
+    }
+    if (index == kMaxOpenFiles) {
+        close(descriptor);
+        return tmfoErr;
+    }
+    if (index == openFiles.size()) {
+        openFiles.push_back(kClosed);
+    }
+    openFiles[index] = descriptor;
+    *refNum = static_cast<int16_t>(kFirstReference + static_cast<int16_t>(index));
+    return noErr;
+}
+
+void PutBigEndian(OSType code, uint8_t *bytes) {
+    for (int i = 0; i < 4; ++i) {
+        bytes[i] = static_cast<uint8_t>(code >> (24 - 8 * i));
+    }
+}
+
+// The Finder's 32 bytes: type, creator, then fields that are nobody's here. Not every file system takes it.
+void SetTypeAndCreator(int descriptor, OSType fileType, OSType creator) {
+    uint8_t finderInfo[32] = {};
+    PutBigEndian(fileType, finderInfo);
+    PutBigEndian(creator, finderInfo + 4);
+    (void)fsetxattr(descriptor, "user.com.apple.FinderInfo", finderInfo, sizeof finderInfo, 0);
+}
+
+// ENOENT means a missing file, but only while its folder is there.
+OSErr ErrorForItem(int error, int16_t vRefNum, int32_t dirID) {
+    std::string folder;
+    struct stat info;
+    if (error == ENOENT && volume::DirectoryPath(vRefNum, dirID, &folder) == noErr &&
+        stat(folder.c_str(), &info) != 0) {
+        return dirNFErr;
+    }
+    return volume::ErrorFromErrno(error);
+}
+
+std::string PreferencesPath() {
+    const auto variable = [](const char *name) -> std::string {
+        const char *value = getenv(name);
+        return value == nullptr ? "" : value;
+    };
+    if (const std::string own = variable("HYMEDIAN_PREFERENCES"); !own.empty()) {
+        return own;
+    }
+    const std::string configHome = variable("XDG_CONFIG_HOME");
+    return (configHome.empty() ? variable("HOME") + "/.config" : configHome) + "/hymedian/Preferences";
+}
+
+}  // namespace
+
+OSErr FindFolder(int16_t vRefNum, OSType folderType, Boolean, int16_t *foundVRefNum, int32_t *foundDirID) {
+    *foundVRefNum = 0;
+    *foundDirID = 0;
+    if (vRefNum != kOnSystemDisk && vRefNum != volume::kReference) {
+        return nsvErr;
+    }
+    if (folderType != kPreferencesFolderType) {
+        return fnfErr;
+    }
+    const OSErr err = volume::DirectoryID(PreferencesPath(), foundDirID);
+    if (err == noErr) {
+        *foundVRefNum = volume::kReference;
+    }
+    return err;
+}
+
+OSErr HCreate(int16_t vRefNum, int32_t dirID, ConstStringPtr name, OSType creator, OSType fileType) {
+    std::string path;
+    if (const OSErr err = volume::ItemPath(vRefNum, dirID, name, &path); err != noErr) {
+        return err;
+    }
+    const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (descriptor < 0) {
+        return ErrorForItem(errno, vRefNum, dirID);
+    }
+    SetTypeAndCreator(descriptor, fileType, creator);
+    close(descriptor);
+    return noErr;
+}
+
+OSErr HOpen(int16_t vRefNum, int32_t dirID, ConstStringPtr name, int8_t permission, int16_t *refNum) {
+    static constexpr int kAccess[] = {O_RDWR, O_RDONLY, O_WRONLY, O_RDWR};
+    if (permission < fsCurPerm || permission > fsRdWrPerm) {
+        return paramErr;
+    }
+    std::string path;
+    if (const OSErr err = volume::ItemPath(vRefNum, dirID, name, &path); err != noErr) {
+        return err;
+    }
+    constexpr int kFlags = O_CLOEXEC | O_NOFOLLOW;
+    int descriptor = open(path.c_str(), kAccess[permission] | kFlags);
+    if (descriptor < 0 && permission == fsCurPerm && (errno == EACCES || errno == EROFS)) {
+        descriptor = open(path.c_str(), O_RDONLY | kFlags);
+    }
+    if (descriptor < 0) {
+        return ErrorForItem(errno, vRefNum, dirID);
+    }
+    return AddReference(descriptor, refNum);
+}
+
+OSErr HDelete(int16_t vRefNum, int32_t dirID, ConstStringPtr name) {
+    std::string path;
+    if (const OSErr err = volume::ItemPath(vRefNum, dirID, name, &path); err != noErr) {
+        return err;
+    }
+    return unlink(path.c_str()) == 0 ? OSErr{noErr} : ErrorForItem(errno, vRefNum, dirID);
+}
+
+OSErr FSRead(int16_t refNum, int64_t *count, void *buffer) {
+    const int64_t wanted = *count;
+    *count = 0;
+    if (wanted < 0) {
+        return paramErr;
+    }
+    while (*count < wanted) {
+        const ssize_t got = read(DescriptorOf(refNum), static_cast<char *>(buffer) + *count,
+                                 static_cast<size_t>(wanted - *count));
+        if (got < 0 && errno != EINTR) {
+            return LastError();
+        }
+        if (got == 0) {
+            return eofErr;
+        }
+        *count += got > 0 ? got : 0;
+    }
+    return DescriptorOf(refNum) == kClosed ? rfNumErr : noErr;
+}
+
+OSErr FSWrite(int16_t refNum, int64_t *count, const void *buffer) {
+    const int64_t wanted = *count;
+    *count = 0;
+    if (wanted < 0) {
+        return paramErr;
+    }
+    while (*count < wanted) {
+        const ssize_t put = write(DescriptorOf(refNum), static_cast<const char *>(buffer) + *count,
+                                  static_cast<size_t>(wanted - *count));
+        if (put < 0 && errno != EINTR) {
+            return LastError();
+        }
+        *count += put > 0 ? put : 0;
+    }
+    return DescriptorOf(refNum) == kClosed ? rfNumErr : noErr;
+}
+
+OSErr SetFPos(int16_t refNum, int16_t positionMode, int64_t offset) {
+    static constexpr int kOrigins[] = {SEEK_CUR, SEEK_SET, SEEK_END, SEEK_CUR};
+    const int descriptor = DescriptorOf(refNum);
+    struct stat info;
+    if (fstat(descriptor, &info) != 0) {
+        return LastError();
+    }
+    if (positionMode < fsAtMark || positionMode > fsFromMark) {
+        return paramErr;
+    }
+    if (positionMode == fsAtMark) {
+        offset = 0;
+    }
+    const off_t position = lseek(descriptor, offset, kOrigins[positionMode]);
+    if (position < 0) {
+        return errno == EINVAL ? OSErr{posErr} : LastError();
+    }
+    if (position > info.st_size) {
+        lseek(descriptor, 0, SEEK_END);
+        return eofErr;
+    }
+    return noErr;
+}
+
+OSErr AllocContig(int16_t refNum, int64_t *count) {
+    if (fallocate(DescriptorOf(refNum), FALLOC_FL_KEEP_SIZE, 0, *count) != 0) {
+        *count = 0;
+        return LastError();
+    }
+    return noErr;
+}
+
+OSErr FSClose(int16_t refNum) {
+    const int descriptor = DescriptorOf(refNum);
+    if (descriptor == kClosed) {
+        return rfNumErr;
+    }
+    openFiles[static_cast<size_t>(refNum - kFirstReference)] = kClosed;
+    return close(descriptor) == 0 ? OSErr{noErr} : LastError();
+}
+
+int LockFolder(int16_t vRefNum, int32_t dirID) {
+    std::string path;
+    if (volume::DirectoryPath(vRefNum, dirID, &path) != noErr) {
+        return -1;
+    }
+    const int lock = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (lock < 0) {
+        return -1;
+    }
+    while (flock(lock, LOCK_EX) != 0) {
+        if (errno != EINTR) {
+            close(lock);
+            return -1;
+        }
+    }
+    return lock;
+}
+
+void UnlockFolder(int lock) {
+    if (lock >= 0) {
+        close(lock);
+    }
+}

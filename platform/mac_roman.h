@@ -1,0 +1,7 @@
+// File names between Mac Roman and UTF-8. Internal to this folder.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+std::string MacRomanToUTF8(std::string_view text);

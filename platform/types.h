@@ -1,0 +1,67 @@
+// The system's basic types and result codes, as every layer above uses them.
+#pragma once
+
+#include <cstdint>
+
+using Boolean = uint8_t;
+using OSErr = int16_t;
+using OSType = uint32_t;
+using Fixed = int32_t;  // 16.16
+using Ptr = char *;
+using Handle = Ptr *;  // a relocatable block: the block's address is read through the handle
+using StringPtr = uint8_t *;
+using ConstStringPtr = const uint8_t *;  // length byte, then that many characters
+using Str255 = uint8_t[256];
+using Str63 = uint8_t[64];
+
+struct Point {
+    int16_t v, h;
+};
+
+struct Rect {
+    int16_t top, left, bottom, right;
+};
+
+struct RGBColor {
+    uint16_t red, green, blue;
+};
+
+// A file or folder: its volume, the directory that holds it, and its name.
+struct FSSpec {
+    int16_t vRefNum;
+    int32_t parID;
+    Str63 name;
+};
+
+// Packs a code such as FourCharCode("nRad"), first character in the most significant byte.
+consteval OSType FourCharCode(const char (&code)[5]) {
+    OSType packed = 0;
+    for (int i = 0; i < 4; ++i) {
+        packed = (packed << 8) | static_cast<uint8_t>(code[i]);
+    }
+    return packed;
+}
+
+enum : OSErr {
+    noErr = 0,
+    dskFulErr = -34,
+    nsvErr = -35,
+    ioErr = -36,
+    bdNamErr = -37,
+    eofErr = -39,
+    posErr = -40,
+    tmfoErr = -42,
+    fnfErr = -43,
+    wPrErr = -44,
+    fBsyErr = -47,
+    dupFNErr = -48,
+    opWrErr = -49,
+    paramErr = -50,
+    rfNumErr = -51,
+    permErr = -54,
+    memFullErr = -108,
+    dirNFErr = -120,
+    userCanceledErr = -128,
+    resNotFound = -192,
+    notAFileErr = -1302,
+};

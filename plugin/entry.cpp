@@ -1,0 +1,177 @@
+#include "plugin/entry.h"
+
+#include <cstddef>
+#include <cstring>
+#include <iterator>
+
+#include "platform/memory.h"
+#include "plugin/run_driver.h"
+#include "plugin/run_geometry.h"
+
+namespace {
+
+// The host keeps this handle with the document, as a sign that parameters were asked for.
+struct HostParameters {
+    int16_t mark;
+    int16_t asked;
+};
+constexpr int16_t kHostParametersMark = 50;
+
+OSErr DoAbout(PluginState *) {
+    return noErr;
+}
+
+int16_t SupportedDepth(int32_t depth) {
+    return depth == 16 || depth == 32 ? static_cast<int16_t>(depth) : int16_t{8};
+}
+
+void ResetRun(PluginState *state) {
+    ReleaseRun(state);
+    state->phase = phaseReading;
+    state->depth = SupportedDepth(state->filterRecord->depth);
+    state->haveMask = false;
+    state->maskAnd = -1;
+    state->maskHasZero = false;
+    state->selectionUsed = false;
+    state->originLeft = state->filterRecord->filterRect.left;
+    state->originTop = state->filterRecord->filterRect.top;
+}
+
+OSErr AllocateRowBuffer(PluginState *state) {
+    RunGeometry run;
+    const OSErr err = GetRunGeometry(state, &run);
+    if (err != noErr) {
+        return err;
+    }
+    state->rowBuffer = NewPtrClear(RowBufferSize(run));
+    return state->rowBuffer == nullptr ? memFullErr : noErr;
+}
+
+void RequestFirstRow(PluginState *state) {
+    FilterRecord *record = state->filterRecord;
+    record->inRect = record->filterRect;
+    record->outRect = record->filterRect;
+    RequestRow(record, 0);
+    state->haveMask = record->haveMask != 0;
+    if (state->haveMask) {
+        record->maskRect = record->filterRect;
+        RequestMaskRow(record, 0);
+    }
+    record->inLoPlane = 0;
+    record->outLoPlane = 0;
+    record->inHiPlane = static_cast<int16_t>(record->planes - 1);
+    record->outHiPlane = record->inHiPlane;
+}
+
+bool RequestsNothing(const FilterRecord *record) {
+    const Rect nothing = {};
+    return std::memcmp(&record->inRect, &nothing, sizeof nothing) == 0 &&
+           std::memcmp(&record->outRect, &nothing, sizeof nothing) == 0;
+}
+
+OSErr AdvanceToTheEnd(PluginState *state) {
+    for (;;) {
+        OSErr err = PhotoshopAdvanceState(state);
+        if (err == noErr) {
+            err = DoContinue(state);
+        }
+        if (err != noErr || RequestsNothing(state->filterRecord)) {
+            return err;
+        }
+    }
+}
+
+OSErr StartRun(PluginState *state) {
+    ResetRun(state);
+    if (IsEmpty(state->filterRecord->filterRect)) {
+        state->phase = phaseIdle;
+        ClearRequest(state->filterRecord);
+        return noErr;
+    }
+    const OSErr err = AllocateRowBuffer(state);
+    if (err != noErr) {
+        return err;
+    }
+    RequestFirstRow(state);
+    return state->filterRecord->advanceState == nullptr ? noErr : AdvanceToTheEnd(state);
+}
+
+constexpr OSErr (*kSelectors[])(PluginState *) = {DoAbout, DoParameters, DoPrepare,
+                                                  DoStart, DoContinue,   DoFinish};
+
+}  // namespace
+
+void InitGlobals(PluginState *state) {
+    state->phase = phaseIdle;
+    state->image = nullptr;
+    state->parametersSet = false;
+}
+
+OSErr DoParameters(PluginState *state) {
+    FilterRecord *record = state->filterRecord;
+    HostParameters parameters = {kHostParametersMark, 1};
+    if (record->parameters == nullptr) {
+        record->parameters = NewHandle(sizeof parameters);
+        if (record->parameters == nullptr) {
+            return memFullErr;
+        }
+        std::memcpy(*record->parameters, &parameters, sizeof parameters);
+    }
+    std::memcpy(*record->parameters + offsetof(HostParameters, asked), &parameters.asked,
+                sizeof parameters.asked);
+    state->parametersSet = true;
+    return noErr;
+}
+
+OSErr DoPrepare(PluginState *state) {
+    state->filterRecord->bufferSpace = 0;
+    return noErr;
+}
+
+OSErr DoStart(PluginState *state) {
+    const OSErr err = StartRun(state);
+    if (err != noErr) {
+        // No Finish follows a failed Start.
+        ReleaseRun(state);
+        ClearRequest(state->filterRecord);
+        state->phase = phaseDone;
+    }
+    return err;
+}
+
+OSErr DoFinish(PluginState *state) {
+    NamedImage *selection = state->selectionImage;
+    state->selectionImage = nullptr;
+    ReleaseRun(state);
+    state->selectionImage = selection;
+    return noErr;
+}
+
+OSErr PhotoshopAdvanceState(PluginState *state) {
+    const auto advanceState = state->filterRecord->advanceState;
+    return advanceState == nullptr ? userCanceledErr : advanceState();
+}
+
+void PluginMain(int16_t selector, FilterRecord *record, intptr_t *data, int16_t *result) {
+    if (*data == 0) {
+        Handle handle = NewHandleClear(sizeof(PluginState));
+        if (handle == nullptr) {
+            *result = memFullErr;
+            return;
+        }
+        *data = reinterpret_cast<intptr_t>(handle);
+    }
+    const Handle handle = reinterpret_cast<Handle>(*data);
+    // Handlers work on a copy; the handle's block is the state as it was when the last call returned.
+    PluginState state;
+    std::memcpy(&state, *handle, sizeof state);
+    state.filterRecord = record;
+    state.result = noErr;
+    if (selector >= 0 && selector < static_cast<int16_t>(std::size(kSelectors))) {
+        state.result = kSelectors[selector](&state);
+    } else {
+        state.result = filterBadParameters;
+    }
+    *result = state.result;
+    std::memcpy(*handle, &state, sizeof state);
+}

@@ -1,0 +1,40 @@
+// What the plug-in keeps between the host's calls, in a handle behind the host's data word.
+#pragma once
+
+#include "imagestore/named_images.h"
+#include "photoshop/filter_record.h"
+#include "platform/types.h"
+
+enum : int16_t {
+    phaseIdle = 0,
+    phaseReading = 1,
+    phaseFiltering = 2,
+    phaseWriting = 3,
+    phaseDone = 4,  // finished or failed
+};
+
+struct PluginState {
+    int16_t phase;
+    int16_t result;
+    NamedImage *image;  // the colour planes; null when there is none, as with the images below
+    Handle parameters;  // the filter's parameter block
+    intptr_t reserved[2];
+    FilterRecord *filterRecord;  // the host's, refreshed on every call
+    Ptr rowBuffer;               // one row of all planes, and one byte per pixel more
+    NamedImage *alphaImage;      // the extra planes
+    NamedImage *selectionImage;  // one byte per pixel
+    Boolean haveMask;
+    Boolean parametersSet;
+    int32_t originLeft;
+    int32_t originTop;
+    int8_t maskAnd;  // AND of all mask bytes: negative while each was 128 or more
+    int16_t depth;   // 8, 16 or 32
+    Boolean maskHasZero;
+    Boolean selectionUsed;
+};
+
+// Tosses whatever images are there.
+void TossImages(PluginState *state);
+
+// Tosses the images and frees the row buffer and the parameter block.
+void ReleaseRun(PluginState *state);

@@ -1,0 +1,169 @@
+#include "plugin/run_driver.h"
+
+#include "platform/memory.h"
+#include "plugin/filter_phase.h"
+#include "plugin/rows.h"
+#include "plugin/run_geometry.h"
+
+namespace {
+
+void ReportProgress(const FilterRecord *record, int32_t done, int32_t total) {
+    if (record->progressProc != nullptr) {
+        record->progressProc(done, total);
+    }
+}
+
+// Ends the run, successfully or not.
+OSErr End(PluginState *state, OSErr result) {
+    state->result = result;
+    state->phase = phaseDone;
+    TossImages(state);
+    return result;
+}
+
+// An image that cannot be made is told by the result; the rest of this call goes on with the images there
+// are. A selection that cannot be made is only left out.
+void MakeImages(PluginState *state, const RunGeometry &run) {
+    const auto width = static_cast<int16_t>(run.width);
+    const auto height = static_cast<int16_t>(run.height);
+    OSErr err =
+        MakeImage(width, height, static_cast<int16_t>(run.sampleBytes * run.colorPlanes), &state->image);
+    state->result = err;
+    if (run.extraPlanes > 0 && state->alphaImage == nullptr) {
+        err = MakeAlphaImage(width, height, static_cast<int16_t>(run.sampleBytes * run.extraPlanes),
+                             &state->alphaImage);
+    }
+    if (err != noErr) {
+        state->result = err;
+        state->haveMask = false;
+    } else if (state->haveMask) {
+        state->haveMask = MakeSelectionImage(width, height, 1, &state->selectionImage) == noErr;
+    }
+}
+
+void StoreMaskRow(PluginState *state, const RunGeometry &run) {
+    const auto *mask = static_cast<const uint8_t *>(state->filterRecord->maskData);
+    if (mask == nullptr) {
+        return;
+    }
+    PutLine(state->selectionImage, 0, run.row, run.width, mask);
+    for (int32_t x = 0; x < run.width; ++x) {
+        state->maskAnd = static_cast<int8_t>(state->maskAnd & static_cast<int8_t>(mask[x]));
+    }
+}
+
+OSErr ReadRow(PluginState *state, const RunGeometry &run) {
+    FilterRecord *record = state->filterRecord;
+    if (record->inData == nullptr) {
+        return End(state, filterBadParameters);
+    }
+    if (state->image == nullptr) {
+        MakeImages(state, run);
+    }
+    if (run.extraPlanes > 0) {
+        if (RowCallsFor(run.sampleBytes).splitExtraPlanes(run, record->inData, state->rowBuffer)) {
+            state->maskHasZero = true;
+        }
+        PutLine(state->alphaImage, 0, run.row, run.width * run.extraPlanes * run.sampleBytes,
+                state->rowBuffer);
+    }
+    const int32_t samples = run.width * run.colorPlanes;
+    if (state->depth == 32) {
+        ScaleFloatsIn(record->inData, samples);
+    }
+    PutLine(state->image, 0, run.row, samples * run.sampleBytes, record->inData);
+    if (state->haveMask) {
+        StoreMaskRow(state, run);
+    }
+    // Reading is the first sixth of the bar; the filter has a scale of its own.
+    ReportProgress(record, run.row, 6 * run.height);
+    const bool last = run.row + 1 >= run.height;
+    if (last) {
+        state->phase = phaseFiltering;
+    }
+    RequestRow(record, last ? 0 : run.row + 1);
+    if (state->haveMask) {
+        RequestMaskRow(record, last ? 0 : run.row + 1);
+    }
+    return state->result;
+}
+
+OSErr WriteRow(PluginState *state, const RunGeometry &run) {
+    FilterRecord *record = state->filterRecord;
+    if (record->outData == nullptr) {
+        return End(state, filterBadParameters);
+    }
+    const int32_t samples = run.width * run.colorPlanes;
+    GetLine(state->image, 0, run.row, samples * run.sampleBytes, record->outData);
+    if (state->depth == 32) {
+        ScaleFloatsOut(record->outData, samples);
+    }
+    if (run.extraPlanes > 0) {
+        GetLine(state->alphaImage, 0, run.row, run.width * run.extraPlanes * run.sampleBytes,
+                state->rowBuffer);
+        RowCallsFor(run.sampleBytes).mergeExtraPlanes(run, record->outData, state->rowBuffer);
+    }
+    // Writing is the last sixth.
+    ReportProgress(record, 5 * run.height + run.row, 6 * run.height);
+    if (run.row + 1 < run.height) {
+        RequestRow(record, run.row + 1);
+    } else {
+        End(state, state->result);
+        ClearRequest(record);
+        record->maskRect = {};
+    }
+    return state->result;
+}
+
+OSErr Filter(PluginState *state, const RunGeometry &run) {
+    const OSErr err = RunFilterPhase(state, run);
+    if (err != noErr) {
+        return End(state, err);
+    }
+    state->phase = phaseWriting;
+    return state->result;
+}
+
+Rect RowOf(Rect rect, int16_t filterTop, int32_t row) {
+    rect.top = static_cast<int16_t>(filterTop + row);
+    rect.bottom = static_cast<int16_t>(rect.top + 1);
+    return rect;
+}
+
+}  // namespace
+
+void ClearRequest(FilterRecord *record) {
+    record->inRect = {};
+    record->outRect = {};
+}
+
+void RequestRow(FilterRecord *record, int32_t row) {
+    record->inRect = RowOf(record->inRect, record->filterRect.top, row);
+    record->outRect = RowOf(record->outRect, record->filterRect.top, row);
+}
+
+void RequestMaskRow(FilterRecord *record, int32_t row) {
+    record->maskRect = RowOf(record->maskRect, record->filterRect.top, row);
+}
+
+OSErr DoContinue(PluginState *state) {
+    if (state->phase == phaseIdle || state->phase == phaseDone) {
+        TossImages(state);
+        ClearRequest(state->filterRecord);
+        return state->result;
+    }
+    static constexpr OSErr (*kSteps[])(PluginState *, const RunGeometry &) = {ReadRow, Filter, WriteRow};
+    if (state->phase < phaseReading || state->phase > phaseWriting) {
+        return state->result;
+    }
+    RunGeometry run;
+    const OSErr err = GetRunGeometry(state, &run);
+    if (err != noErr) {
+        return End(state, err);
+    }
+    // The host may have changed the document's shape since Start.
+    if (GetPtrSize(state->rowBuffer) < RowBufferSize(run)) {
+        return End(state, filterBadParameters);
+    }
+    return kSteps[state->phase - phaseReading](state, run);
+}

@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# Installs the Debian packages of the groups named (build, test, bench, lint) that are missing; asks for nothing else.
+set -euo pipefail
+
+declare -A packages=(
+    [build]="g++ cmake ninja-build pkg-config libvips-dev libcli11-dev nlohmann-json3-dev"
+    [test]="libgtest-dev"
+    [bench]="libbenchmark-dev"
+    [lint]="clang-format"
+)
+
+missing=()
+for group in "$@"; do
+    for package in ${packages[$group]}; do
+        state=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null || true)
+        [ "$state" = installed ] || missing+=("$package")
+    done
+done
+[ ${#missing[@]} -gt 0 ] || exit 0
+
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || { echo "Run as root, or install: ${missing[*]}" >&2; exit 1; }
+    as_root=(sudo)
+fi
+echo "Installing ${missing[*]}"
+"${as_root[@]}" apt-get update -qq
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
