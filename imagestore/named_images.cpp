@@ -188,7 +188,7 @@ OSErr MakeNamedImage(ConstStringPtr name, Boolean keep, int16_t width, int16_t h
     const int lock = LockFolder(folder.vRefNum, folder.dirID);
     HDelete(folder.vRefNum, folder.dirID, name);
     made->onDisk = TakeMemory(made) != noErr || keep != 0;
-    const OSErr err = made->onDisk ? OpenBackingFile(folder, name, made) : OSErr{noErr};
+    const OSErr err = made->onDisk ? OpenBackingFile(folder, name, made) : noErr;
     UnlockFolder(lock);
 
     if (err != noErr) {
@@ -233,7 +233,7 @@ OSErr MakeSelectionImage(int16_t width, int16_t height, int16_t bytesPerPixel, N
 }
 
 OSErr TossImage(NamedImage *image) {
-    return image == nullptr ? OSErr{noErr} : TossNamedImage(image->name, image);
+    return image == nullptr ? noErr : TossNamedImage(image->name, image);
 }
 
 OSErr TossTempImage(NamedImage *image) {

@@ -70,7 +70,7 @@ Color FilteredPixel(const Band &band, int32_t x, const Neighborhood &sets, const
 }
 
 // How samples of a layout become colours and go back.
-template <typename Sample, int kSamples>
+template <typename Sample, size_t kSamples>
 struct Layout {
     static void Widen(const uint8_t *bytes, int32_t width, Color *line) {
         for (int32_t x = 0; x < width; ++x) {
@@ -86,7 +86,7 @@ struct Layout {
     static void StorePixel(const Color &color, int32_t x, uint8_t *bytes) {
         const float components[] = {color.r, color.g, color.b};
         Sample samples[kSamples];
-        for (int i = 0; i < kSamples; ++i) {
+        for (size_t i = 0; i < kSamples; ++i) {
             samples[i] = static_cast<Sample>(components[i]);
         }
         std::memcpy(bytes + static_cast<size_t>(x) * sizeof samples, samples, sizeof samples);
@@ -99,7 +99,7 @@ struct LayoutCalls {
     void (*storePixel)(const Color &color, int32_t x, uint8_t *bytes);
 };
 
-template <typename Sample, int kSamples>
+template <typename Sample, size_t kSamples>
 constexpr LayoutCalls CallsOf() {
     using L = Layout<Sample, kSamples>;
     return {sizeof(Sample) * kSamples, L::Widen, L::StorePixel};

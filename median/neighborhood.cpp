@@ -1,5 +1,7 @@
 #include "median/neighborhood.h"
 
+#include <initializer_list>
+
 namespace {
 
 constexpr PixelOffset kCenter = {0, 0};

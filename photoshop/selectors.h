@@ -13,12 +13,10 @@ enum : int16_t {
 };
 
 // A positive result means: stop quietly, the plug-in has told the user itself.
-enum : OSErr {
-    filterBadParameters = -30100,
-    filterBadMode = -30101,
-    errPlugInHostInsufficient = -30900,
-    errReportString = -30904,
-};
+constexpr OSErr filterBadParameters = -30100;
+constexpr OSErr filterBadMode = -30101;
+constexpr OSErr errPlugInHostInsufficient = -30900;
+constexpr OSErr errReportString = -30904;
 
 struct FilterRecord;
 

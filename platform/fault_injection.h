@@ -11,6 +11,9 @@ void SetMemoryLimit(int64_t bytes);
 // The n-th request from now on fails, once; 0 disarms.
 void FailAllocation(int64_t n);
 
+// TempNewHandle fails while set, which sends images to disk.
+void RefuseTemporaryMemory(bool refuse);
+
 int64_t BytesInUse();
 int64_t BlocksInUse();
 

@@ -142,7 +142,7 @@ OSErr HDelete(int16_t vRefNum, int32_t dirID, ConstStringPtr name) {
     if (const OSErr err = volume::ItemPath(vRefNum, dirID, name, &path); err != noErr) {
         return err;
     }
-    return unlink(path.c_str()) == 0 ? OSErr{noErr} : ErrorForItem(errno, vRefNum, dirID);
+    return unlink(path.c_str()) == 0 ? noErr : ErrorForItem(errno, vRefNum, dirID);
 }
 
 OSErr FSRead(int16_t refNum, int64_t *count, void *buffer) {
@@ -197,7 +197,7 @@ OSErr SetFPos(int16_t refNum, int16_t positionMode, int64_t offset) {
     }
     const off_t position = lseek(descriptor, offset, kOrigins[positionMode]);
     if (position < 0) {
-        return errno == EINVAL ? OSErr{posErr} : LastError();
+        return errno == EINVAL ? posErr : LastError();
     }
     if (position > info.st_size) {
         lseek(descriptor, 0, SEEK_END);
@@ -220,7 +220,7 @@ OSErr FSClose(int16_t refNum) {
         return rfNumErr;
     }
     openFiles[static_cast<size_t>(refNum - kFirstReference)] = kClosed;
-    return close(descriptor) == 0 ? OSErr{noErr} : LastError();
+    return close(descriptor) == 0 ? noErr : LastError();
 }
 
 int LockFolder(int16_t vRefNum, int32_t dirID) {

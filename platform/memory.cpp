@@ -24,6 +24,7 @@ std::atomic<int64_t> bytesInUse = 0;
 std::atomic<int64_t> blocksInUse = 0;
 std::atomic<int64_t> memoryLimit = -1;
 std::atomic<int64_t> requestsUntilFailure = 0;
+std::atomic<bool> refuseTemporaryMemory = false;
 
 bool RefuseRequest(int64_t size) {
     if (requestsUntilFailure > 0 && --requestsUntilFailure == 0) {
@@ -131,7 +132,7 @@ void HLock(Handle) {}
 void HUnlock(Handle) {}
 
 Handle TempNewHandle(int64_t size, OSErr *result) {
-    Handle handle = NewHandle(size);
+    Handle handle = refuseTemporaryMemory ? nullptr : NewHandle(size);
     *result = handle == nullptr ? memFullErr : noErr;
     return handle;
 }
@@ -148,6 +149,10 @@ void faults::SetMemoryLimit(int64_t bytes) {
 
 void faults::FailAllocation(int64_t n) {
     requestsUntilFailure = n;
+}
+
+void faults::RefuseTemporaryMemory(bool refuse) {
+    refuseTemporaryMemory = refuse;
 }
 
 int64_t faults::BytesInUse() {

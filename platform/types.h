@@ -42,26 +42,24 @@ consteval OSType FourCharCode(const char (&code)[5]) {
     return packed;
 }
 
-enum : OSErr {
-    noErr = 0,
-    dskFulErr = -34,
-    nsvErr = -35,
-    ioErr = -36,
-    bdNamErr = -37,
-    eofErr = -39,
-    posErr = -40,
-    tmfoErr = -42,
-    fnfErr = -43,
-    wPrErr = -44,
-    fBsyErr = -47,
-    dupFNErr = -48,
-    opWrErr = -49,
-    paramErr = -50,
-    rfNumErr = -51,
-    permErr = -54,
-    memFullErr = -108,
-    dirNFErr = -120,
-    userCanceledErr = -128,
-    resNotFound = -192,
-    notAFileErr = -1302,
-};
+constexpr OSErr noErr = 0;
+constexpr OSErr dskFulErr = -34;
+constexpr OSErr nsvErr = -35;
+constexpr OSErr ioErr = -36;
+constexpr OSErr bdNamErr = -37;
+constexpr OSErr eofErr = -39;
+constexpr OSErr posErr = -40;
+constexpr OSErr tmfoErr = -42;
+constexpr OSErr fnfErr = -43;
+constexpr OSErr wPrErr = -44;
+constexpr OSErr fBsyErr = -47;
+constexpr OSErr dupFNErr = -48;
+constexpr OSErr opWrErr = -49;
+constexpr OSErr paramErr = -50;
+constexpr OSErr rfNumErr = -51;
+constexpr OSErr permErr = -54;
+constexpr OSErr memFullErr = -108;
+constexpr OSErr dirNFErr = -120;
+constexpr OSErr userCanceledErr = -128;
+constexpr OSErr resNotFound = -192;
+constexpr OSErr notAFileErr = -1302;

@@ -97,5 +97,5 @@ OSErr volume::ErrorFromErrno(int error) {
     };
     const auto *code = std::find_if(std::begin(kCodes), std::end(kCodes),
                                     [error](const auto &entry) { return entry.first == error; });
-    return code == std::end(kCodes) ? OSErr{ioErr} : code->second;
+    return code == std::end(kCodes) ? ioErr : code->second;
 }

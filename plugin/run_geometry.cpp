@@ -59,5 +59,5 @@ OSErr GetRunGeometry(const PluginState *state, RunGeometry *run) {
     if (run->width > INT16_MAX || run->height > INT16_MAX) {
         return filterBadParameters;
     }
-    return run->colorPlanes > 0 && run->extraPlanes >= 0 ? OSErr{noErr} : filterBadMode;
+    return run->colorPlanes > 0 && run->extraPlanes >= 0 ? noErr : filterBadMode;
 }

@@ -1,0 +1,10 @@
+#!/usr/bin/env bash
+# Formats all C++ sources; with --check only tells whether they are formatted.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+if [ "${1:-}" = --check ]; then
+    git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
+else
+    git ls-files '*.cpp' '*.h' | xargs clang-format -i
+fi

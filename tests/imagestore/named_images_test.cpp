@@ -1,0 +1,133 @@
+#include "imagestore/named_images.h"
+
+#include <fstream>
+
+#include "tests/support/scratch_folder.h"
+#include "tests/support/test_images.h"
+
+namespace {
+
+class NamedImages : public ScratchFolder {
+  protected:
+    std::string File(const char *name) const {
+        std::ifstream file(folder / name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+};
+
+constexpr uint8_t kKeptName[] = "\004Kept";
+
+// Room for the image's record, not for its contents.
+void LeaveRoomForRecords() {
+    faults::SetMemoryLimit(faults::BytesInUse() + int64_t{sizeof(NamedImage)});
+}
+
+TEST_F(NamedImages, BackingFileIsHeaderAndRows) {
+    LeaveRoomForRecords();
+    NamedImage *image;
+    ASSERT_EQ(MakeTempImage(1000, 4, 3, &image), dskFulErr) << "not even one row to clear with";
+    EXPECT_EQ(image->fileRef, -1);
+    TossTempImage(image);
+    EXPECT_EQ(FileCount(), 0u);
+
+    faults::SetMemoryLimit(faults::BytesInUse() + int64_t{sizeof(NamedImage)} + 100);
+    ASSERT_EQ(MakeTempImage(10, 4, 3, &image), noErr);
+    EXPECT_TRUE(image->onDisk);
+    EXPECT_EQ(image->memory, nullptr);
+    std::string expected = std::string("\3\0\12\0\4\0", 6) + std::string(120, '\0');
+    EXPECT_EQ(File("TempImage"), expected);
+
+    const char *digits = "0123456789";
+    PutLine(image, 29, 3, 10, digits);
+    expected[125] = '0';
+    EXPECT_EQ(File("TempImage"), expected);
+    TossTempImage(image);
+    EXPECT_EQ(FileCount(), 0u);
+}
+
+TEST_F(NamedImages, LineAccessStaysInsideTheImage) {
+    for (const bool onDisk : {false, true}) {
+        faults::RefuseTemporaryMemory(onDisk);
+        NamedImage *image;
+        ASSERT_EQ(MakeImage(5, 3, 4, &image), noErr);
+        ASSERT_EQ(image->onDisk, onDisk);
+
+        const std::vector<uint8_t> ones(40, 1);
+        const struct {
+            int32_t x, y, count, written;
+        } cases[] = {{-1, 0, 5, 0}, {20, 0, 5, 0}, {0, -1, 5, 0},  {0, 3, 5, 0},         {0, 0, -5, 0},
+                     {0, 0, 0, 0},  {3, 1, 2, 2},  {19, 1, 10, 1}, {1, 2, INT32_MAX, 19}};
+        for (const auto &c : cases) {
+            const auto before = BytesOf(image);
+            PutLine(image, c.x, c.y, c.count, ones.data());
+            const auto after = BytesOf(image);
+            EXPECT_EQ(std::count(after.begin(), after.end(), 1) - std::count(before.begin(), before.end(), 1),
+                      c.written)
+                << c.x << ' ' << c.y << ' ' << c.count;
+            std::vector<uint8_t> read(40, 7);
+            GetLine(image, c.x, c.y, c.count, read.data());
+            EXPECT_EQ(std::count(read.begin(), read.end(), 7), 40 - c.written);
+        }
+        TossImage(image);
+    }
+    PutLine(nullptr, 0, 0, 1, "x");
+    ImageData data = {1, 2, 3};
+    GetImageData(nullptr, &data);
+    EXPECT_EQ(data.bytesPerPixel + data.width + data.height, 0);
+    EXPECT_EQ(TossImage(nullptr), noErr);
+}
+
+TEST_F(NamedImages, LeftOversOfTheNameGo) {
+    std::ofstream(folder / "SelectionImage") << "old";
+    TossSelectionImage(nullptr);
+    EXPECT_EQ(FileCount(), 0u);
+
+    std::ofstream(folder / "AlphaImage") << "old";
+    NamedImage *image;
+    ASSERT_EQ(MakeAlphaImage(2, 2, 1, &image), noErr);
+    EXPECT_EQ(FileCount(), 0u);
+    TossAlphaImage(image);
+}
+
+TEST_F(NamedImages, KeptImagesHaveMemoryAndFile) {
+    NamedImage *image;
+    ASSERT_EQ(MakeNamedImage(kKeptName, true, 4, 2, 1, &image), noErr);
+    EXPECT_TRUE(image->onDisk);
+    EXPECT_NE(image->memory, nullptr);
+    EXPECT_EQ(File("Kept").substr(0, 6), std::string("\1\0\4\0\2\0", 6));
+    TossNamedImage(kKeptName, image);
+    EXPECT_EQ(FileCount(), 0u);
+}
+
+TEST_F(NamedImages, ImagesTooLargeForMemoryGoToDisk) {
+    // One row more than 512 MiB and 8 allow. The file is sparse only where the file system says so, so stop
+    // short of making it: without a folder the file cannot be created.
+    setenv("HYMEDIAN_PREFERENCES", (folder / "missing").c_str(), 1);
+    NamedImage *image;
+    EXPECT_NE(MakeImage(32767, 16385, 1, &image), noErr);
+    ASSERT_NE(image, nullptr);
+    EXPECT_TRUE(image->onDisk);
+    EXPECT_EQ(image->memory, nullptr);
+    TossImage(image);
+    // Negative sides are none.
+    EXPECT_EQ(MakeImage(-5, 7, 3, &image), noErr);
+    EXPECT_EQ(image->data.width, 0);
+    TossImage(image);
+}
+
+TEST_F(NamedImages, EveryFailingAllocationIsAnswered) {
+    for (int64_t n = 1; n <= 3; ++n) {
+        NamedImage *image = nullptr;
+        faults::FailAllocation(n);
+        const OSErr err = MakeImage(30, 20, 3, &image);
+        EXPECT_EQ(err, n == 1 ? memFullErr : noErr);
+        EXPECT_EQ(image == nullptr, n == 1);
+        if (image != nullptr) {
+            EXPECT_EQ(BytesOf(image), std::vector<uint8_t>(30 * 20 * 3, 0));
+        }
+        TossImage(image);
+        EXPECT_EQ(FileCount(), 0u);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,338 @@
+// Whole runs of the plug-in through its entry.
+#include <bit>
+#include <cstring>
+
+#include "photoshop/image_modes.h"
+#include "plugin/entry.h"
+#include "settings/setting_registry.h"
+#include "tests/support/scratch_folder.h"
+#include "tests/support/script_host.h"
+#include "tests/support/test_host.h"
+#include "tests/support/test_images.h"
+#include "toolkit/filter_hooks.h"
+#include "toolkit/run_context.h"
+
+namespace {
+
+constexpr OSType kRadiusKey = FourCharCode("nRad");
+
+class Run : public ScratchFolder {
+  protected:
+    TestRun Play(const TestDocument &document, double radius, TestHostOptions options = {}) {
+        PIDescriptorParameters parameters =
+            script::Parameters({{kRadiusKey, typeFloat, radius}}, plugInDialogDontDisplay);
+        options.descriptorParameters = &parameters;
+        TestRun run = RunPlugin(document, options);
+        DisposeHandle(parameters.descriptor);
+        return run;
+    }
+};
+
+TestDocument Document(int16_t mode, int32_t depth, int16_t planes, int16_t width, int16_t height) {
+    const Rect bounds = {5, 3, static_cast<int16_t>(5 + height), static_cast<int16_t>(3 + width)};
+    return {mode,
+            depth,
+            planes,
+            bounds,
+            RandomBytes(static_cast<size_t>(width * height * planes) * static_cast<size_t>(depth / 8), 11),
+            {}};
+}
+
+// What the filter alone makes of a document without extra planes.
+std::vector<uint8_t> Filtered(const std::vector<uint8_t> &bytes, int16_t width, int16_t height,
+                              int bytesPerPixel, float radius) {
+    const TestImage source = {width, height, static_cast<int16_t>(bytesPerPixel), bytes};
+    NamedImage *image = MakeFrom(source);
+    FilterRecord record = {};
+    RunContext context = {};
+    context.width = width;
+    context.height = height;
+    context.colorPlanes = bytesPerPixel >= 3 ? 3 : 1;
+    context.filterRecord = &record;
+    FilterParameters values = {radius, 1};
+    Handle parameters = NewHandle(sizeof values);
+    std::memcpy(*parameters, &values, sizeof values);
+    SPBlock *settings = _AllocateSPBlock(22);
+    const auto process = bytesPerPixel % 2 == 0 ? ProcessImage16_48 : ProcessImage;
+    EXPECT_EQ(process(image, &context, parameters, settings, true), noErr);
+    std::vector<uint8_t> filtered = BytesOf(image);
+    TossImage(image);
+    DisposeHandle(parameters);
+    _DisposeSPBlock(settings);
+    return filtered;
+}
+
+TEST_F(Run, FiltersTheColorPlanesAndNothingElse) {
+    const struct {
+        int16_t mode;
+        int32_t depth;
+        int16_t planes;
+        int16_t colorPlanes;
+    } cases[] = {
+        {plugInModeGrayScale, 8, 1, 1},    {plugInModeGrayScale, 8, 3, 1},
+        {plugInModeRGBColor, 8, 3, 3},     {plugInModeRGBColor, 8, 5, 3},
+        {plugInModeGray16, 16, 1, 1},      {plugInModeGray16, 16, 2, 1},
+        {plugInModeRGB48, 16, 3, 3},       {plugInModeRGB48, 16, 4, 3},
+        {plugInModeMultichannel, 8, 3, 3}, {plugInModeDeepMultichannel, 16, 1, 1},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(testing::Message() << "mode " << c.mode << ", planes " << c.planes);
+        TestDocument document = Document(c.mode, c.depth, c.planes, 17, 9);
+        const int sampleBytes = c.depth / 8;
+        const int pixelBytes = c.planes * sampleBytes;
+        const int colorBytes = c.colorPlanes * sampleBytes;
+        std::vector<uint8_t> colors;
+        for (size_t pixel = 0; pixel < 17 * 9; ++pixel) {
+            uint8_t *bytes = document.source.data() + pixel * static_cast<size_t>(pixelBytes);
+            if (c.planes > c.colorPlanes && pixel % 7 == 0) {
+                std::fill_n(bytes + colorBytes, sampleBytes, uint8_t{0});  // transparent, enters as white
+            }
+            const bool transparent =
+                c.planes > c.colorPlanes && std::all_of(bytes + colorBytes, bytes + colorBytes + sampleBytes,
+                                                        [](uint8_t b) { return b == 0; });
+            for (int b = 0; b < colorBytes; ++b) {
+                const auto white = static_cast<uint8_t>(sampleBytes == 1 ? 255 : (b % 2) * 0x80);
+                colors.push_back(transparent ? white : bytes[b]);
+            }
+        }
+        const std::vector<uint8_t> filtered = Filtered(colors, 17, 9, colorBytes, 2);
+        std::vector<uint8_t> expected = document.source;
+        for (size_t pixel = 0; pixel < 17 * 9; ++pixel) {
+            std::copy_n(filtered.begin() + static_cast<int64_t>(pixel) * colorBytes, colorBytes,
+                        expected.begin() + static_cast<int64_t>(pixel) * pixelBytes);
+        }
+        const TestRun advanced = Play(document, 2);
+        EXPECT_EQ(advanced.result, noErr);
+        EXPECT_EQ(advanced.destination, expected);
+        const TestRun continued = Play(document, 2, {.advanceState = false});
+        EXPECT_EQ(continued.destination, expected);
+        EXPECT_EQ(continued.progress, advanced.progress);
+
+        faults::RefuseTemporaryMemory(true);
+        const TestRun onDisk = Play(document, 2);
+        faults::RefuseTemporaryMemory(false);
+        EXPECT_EQ(onDisk.result, noErr);
+        EXPECT_EQ(onDisk.destination, expected);
+        EXPECT_EQ(FileCount(), 0u);
+    }
+}
+
+TEST_F(Run, AsksForRowsInOrderAndTellsProgress) {
+    const TestDocument document = Document(plugInModeRGBColor, 8, 3, 4, 2);
+    const TestRun run = Play(document, 2);
+    EXPECT_EQ(run.requestedTops, (std::vector<int16_t>{5, 6, 5, 5, 6}));
+    std::vector<std::pair<int32_t, int32_t>> expected = {{0, 12}, {1, 12}};
+    for (int32_t t = 0; t < 14; ++t) {
+        expected.emplace_back(t, 42);
+    }
+    for (int32_t t = 0; t < 26; ++t) {
+        expected.emplace_back(100 + 100 * t / 26, 300);
+    }
+    expected.insert(expected.end(), {{4, 6}, {5, 6}, {10, 12}, {11, 12}});
+    EXPECT_EQ(run.progress, expected);
+    const Rect &rect = run.record.inRect;
+    EXPECT_EQ(rect.top | rect.left | rect.bottom | rect.right, 0);
+    EXPECT_EQ(run.record.bufferSpace, 0);
+    EXPECT_EQ(run.record.inHiPlane, 2);
+}
+
+TEST_F(Run, CancelLeavesTheDocumentUntouched) {
+    const TestDocument document = Document(plugInModeRGBColor, 8, 4, 12, 6);
+    const int64_t asked = Play(document, 2).abortCalls;
+    EXPECT_EQ(asked, 18 + 30 + 6);
+    for (const bool advanceState : {true, false}) {
+        for (int64_t call = 0; call < asked; call += 5) {
+            const TestRun run = Play(document, 2, {advanceState, call});
+            EXPECT_EQ(run.result, userCanceledErr);
+            EXPECT_EQ(run.destination, document.source);
+            EXPECT_EQ(script::recorded.size(), 1u) << "recorded after a cancel too";
+        }
+    }
+}
+
+TEST_F(Run, DeepFloatsPassThroughScaled) {
+    const struct {
+        int16_t mode, planes, colorPlanes;
+        float in;
+        uint32_t out;
+    } cases[] = {
+        {plugInModeGray32, 1, 1, 0.5f, std::bit_cast<uint32_t>(0.5f)},
+        {plugInModeRGB96, 3, 3, 0.5f, std::bit_cast<uint32_t>(0.5f)},
+        {plugInModeGray32, 2, 1, 0.5f, 0x3B008081},
+        {plugInModeRGB96, 5, 3, 1.0f, 0x3B808081},
+    };
+    for (const auto &c : cases) {
+        TestDocument document = Document(c.mode, 32, c.planes, 3, 2);
+        std::vector<uint32_t> expected;
+        std::vector<float> samples;
+        for (int i = 0; i < 6 * c.planes; ++i) {
+            const bool color = i % c.planes < c.colorPlanes;
+            samples.push_back(color ? c.in : 0.25f);
+            expected.push_back(color ? c.out : std::bit_cast<uint32_t>(0.25f));
+        }
+        std::memcpy(document.source.data(), samples.data(), document.source.size());
+        const TestRun run = Play(document, 2);
+        ASSERT_EQ(run.result, noErr);
+        EXPECT_EQ(std::memcmp(run.destination.data(), expected.data(), run.destination.size()), 0)
+            << c.planes;
+    }
+}
+
+TEST_F(Run, RefusesWhatItCannotFilter) {
+    const struct {
+        int16_t mode, planes, width, height;
+        OSErr result;
+    } cases[] = {
+        {plugInModeBitmap, 1, 4, 4, filterBadMode},
+        {plugInModeIndexedColor, 3, 4, 4, filterBadMode},
+        {18, 3, 4, 4, filterBadMode},
+        {-1, 3, 4, 4, filterBadMode},
+        {plugInModeRGBColor, 2, 4, 4, filterBadMode},
+        {plugInModeMultichannel, 2, 4, 4, filterBadMode},
+        {plugInModeMultichannel, 5, 4, 4, filterBadMode},
+        {plugInModeGrayScale, 1, 0, 4, noErr},
+        {plugInModeGrayScale, 1, 4, 0, noErr},
+        {plugInModeGrayScale, 1, 32760, 1, memFullErr},
+    };
+    for (const auto &c : cases) {
+        for (const bool advanceState : {true, false}) {
+            const TestDocument document = Document(c.mode, 8, c.planes, c.width, c.height);
+            const TestRun run = Play(document, 2, {.advanceState = advanceState});
+            EXPECT_EQ(run.result, c.result) << c.mode << ' ' << c.planes;
+            EXPECT_EQ(run.destination, document.source);
+        }
+    }
+    // Without a script the dialog decides, and there is none to show.
+    EXPECT_EQ(RunPlugin(Document(plugInModeGrayScale, 8, 1, 4, 4), {}).result, userCanceledErr);
+}
+
+TEST_F(Run, RecordsTheRadiusThatWasUsed) {
+    const std::pair<double, float> cases[] = {{2, 2}, {3.5, 3.5f}, {0.5, 1}, {9, 1}};
+    for (const auto &[played, used] : cases) {
+        Play(Document(plugInModeGrayScale, 8, 1, 4, 4), played);
+        EXPECT_EQ(script::recorded, (std::vector<script::Item>{{kRadiusKey, typeFloat, used}})) << played;
+    }
+}
+
+// The mask that the filter is offered cannot be seen from outside; that the run survives each kind can.
+TEST_F(Run, MasksOfEveryKindAreTaken) {
+    for (const int16_t mode : {plugInModeRGBColor, plugInModeRGB48, plugInModeRGB96}) {
+        const int32_t depth = mode == plugInModeRGBColor ? 8 : mode == plugInModeRGB48 ? 16 : 32;
+        for (const int16_t planes : {int16_t{3}, int16_t{5}}) {
+            TestDocument document = Document(mode, depth, planes, 10, 4);
+            std::fill_n(document.source.begin() + RowBytes(document), RowBytes(document), uint8_t{0});
+            const std::vector<uint8_t> without = Play(document, 1).destination;
+            for (const uint8_t lowest : {uint8_t{0}, uint8_t{200}}) {
+                document.mask.assign(40, 255);
+                document.mask[17] = lowest;
+                const TestRun run = Play(document, 1);
+                EXPECT_EQ(run.result, noErr);
+                EXPECT_EQ(run.destination, without);
+            }
+        }
+    }
+}
+
+TEST_F(Run, EveryFailingAllocationLeavesTheDocumentOrTheResult) {
+    const TestDocument document = Document(plugInModeRGB48, 16, 4, 9, 7);
+    const TestRun whole = Play(document, 2);
+    int failures = 0;
+    for (int64_t n = 1; n <= 60; ++n) {
+        PIDescriptorParameters parameters = script::Parameters({{kRadiusKey, typeFloat, 2}}, 0);
+        faults::FailAllocation(n);
+        const TestRun run = RunPlugin(document, {true, -1, &parameters});
+        faults::FailAllocation(0);
+        DisposeHandle(parameters.descriptor);
+        const bool right = run.result == noErr && run.destination == whole.destination;
+        const bool refused = run.result == memFullErr && run.destination == document.source;
+        // A script that cannot be read is one that was not there.
+        const bool defaulted =
+            run.result == noErr && script::recorded.size() == 1 && script::recorded[0].number == 1;
+        EXPECT_TRUE(right || refused || defaulted) << n << ": " << run.result;
+        failures += refused;
+        EXPECT_EQ(FileCount(), 0u);
+    }
+    EXPECT_GE(failures, 8);
+}
+
+TEST_F(Run, SelectorsAnswerAndKeepTheirState) {
+    FilterRecord record = {};
+    intptr_t data = 0;
+    int16_t result = 7;
+    faults::FailAllocation(1);
+    PluginMain(filterSelectorPrepare, &record, &data, &result);
+    EXPECT_EQ(result, memFullErr);
+    EXPECT_EQ(data, 0);
+
+    PluginMain(filterSelectorAbout, nullptr, &data, &result);
+    EXPECT_EQ(result, noErr);
+    ASSERT_NE(data, 0);
+    for (const int unknown : {-1, 6, 32767}) {
+        PluginMain(static_cast<int16_t>(unknown), &record, &data, &result);
+        EXPECT_EQ(result, filterBadParameters);
+    }
+    faults::FailAllocation(1);
+    PluginMain(filterSelectorParameters, &record, &data, &result);
+    EXPECT_EQ(result, memFullErr);
+    for (int round = 0; round < 2; ++round) {
+        PluginMain(filterSelectorParameters, &record, &data, &result);
+        int16_t words[2];
+        std::memcpy(words, *record.parameters, sizeof words);
+        EXPECT_EQ(words[0], 50);
+        EXPECT_EQ(words[1], 1);
+        std::memset(*record.parameters + 2, 9, 2);
+    }
+    DisposeHandle(record.parameters);
+    // Continue and Finish without a Start find nothing to do.
+    for (const int16_t selector : {filterSelectorContinue, filterSelectorFinish}) {
+        PluginMain(selector, &record, &data, &result);
+        EXPECT_EQ(result, noErr);
+    }
+    DisposeHandle(reinterpret_cast<Handle>(data));
+}
+
+TEST_F(Run, RowBufferFitsEveryDepth) {
+    const std::pair<int32_t, int64_t> cases[] = {{8, 50}, {16, 90}, {32, 170}, {1, 50}, {24, 50}};
+    for (const auto &[depth, size] : cases) {
+        FilterRecord record = {};
+        record.depth = depth;
+        record.planes = 4;
+        record.imageMode = plugInModeRGBColor;
+        record.filterRect = {0, 0, 5, 10};
+        PluginState state = {};
+        state.filterRecord = &record;
+        EXPECT_EQ(DoStart(&state), noErr);
+        EXPECT_EQ(GetPtrSize(state.rowBuffer), size);
+        // Starting again releases what the first start took.
+        EXPECT_EQ(DoStart(&state), noErr);
+        DoFinish(&state);
+    }
+}
+
+TEST_F(Run, RadiusIsClampedFromOneToSix) {
+    const float infinity = std::numeric_limits<float>::infinity();
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const std::pair<float, float> cases[] = {
+        {-3, 1},       {0, 1}, {0.5f, 1}, {0.99999994f, 1}, {nan, 1},        {1.0000001f, 1.0000001f},
+        {2.5f, 2.5f},  {4, 4}, {5, 5},    {6, 6},           {6.0000005f, 6}, {7, 6},
+        {infinity, 6},
+    };
+    for (const auto &[remembered, radius] : cases) {
+        RunContext context = {};
+        SetPreferenceFloat(&context, kRememberedRadiusOffset, remembered);
+        SPBlock *settings = _AllocateSPBlock(22);
+        ASSERT_EQ(GetDefaultSettings(&context, settings), noErr);
+        EXPECT_EQ(GetSPWEMBSignature(settings), FourCharCode("HyMd"));
+        Handle parameters = nullptr;
+        ASSERT_EQ(GetParameters(nullptr, &context, &parameters, settings), noErr);
+        FilterParameters values;
+        std::memcpy(&values, *parameters, sizeof values);
+        EXPECT_EQ(GetHandleSize(parameters), 6);
+        EXPECT_EQ(values.radius, radius);
+        EXPECT_EQ(values.enabled, 1);
+        DisposeHandle(parameters);
+        _DisposeSPBlock(settings);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,37 @@
+// A folder of its own for each test, which is also the Preferences folder, and memory that must balance.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "platform/fault_injection.h"
+
+class ScratchFolder : public testing::Test {
+  protected:
+    ScratchFolder() {
+        std::string name = testing::TempDir() + "hymedian-XXXXXX";
+        folder = mkdtemp(name.data());
+        setenv("HYMEDIAN_PREFERENCES", folder.c_str(), 1);
+        blocksBefore = faults::BlocksInUse();
+    }
+
+    ~ScratchFolder() override {
+        faults::SetMemoryLimit(-1);
+        faults::FailAllocation(0);
+        faults::RefuseTemporaryMemory(false);
+        std::filesystem::remove_all(folder);
+    }
+
+    void TearDown() override { EXPECT_EQ(faults::BlocksInUse(), blocksBefore) << "blocks were not released"; }
+
+    size_t FileCount() const {
+        return static_cast<size_t>(std::distance(std::filesystem::directory_iterator(folder), {}));
+    }
+
+    std::filesystem::path folder;
+
+  private:
+    int64_t blocksBefore;
+};
