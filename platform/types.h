@@ -62,4 +62,5 @@ constexpr OSErr memFullErr = -108;
 constexpr OSErr dirNFErr = -120;
 constexpr OSErr userCanceledErr = -128;
 constexpr OSErr resNotFound = -192;
+constexpr OSErr mapReadErr = -199;
 constexpr OSErr notAFileErr = -1302;
