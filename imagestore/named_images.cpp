@@ -5,7 +5,7 @@
 
 #include "imagestore/strings.h"
 #include "platform/files.h"
-#include "platform/folder_lock.h"
+#include "platform/locks.h"
 #include "platform/owned_block.h"
 
 namespace {

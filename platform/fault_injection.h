@@ -1,7 +1,11 @@
-// Switches for tests: memory that runs out.
+// Switches for tests: memory that runs out, volumes and resources of their own.
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/types.h"
 
 namespace faults {
 
@@ -16,5 +20,12 @@ void RefuseTemporaryMemory(bool refuse);
 
 int64_t BytesInUse();
 int64_t BlocksInUse();
+
+// A further volume on the POSIX directory `root`; a mounted one of that name moves there.
+void MountVolume(const std::string &name, const std::string &root);
+
+// As if an open resource file held it; removed again with RemoveResources.
+void AddResource(OSType type, int16_t id, const std::vector<uint8_t> &bytes);
+void RemoveResources();
 
 }  // namespace faults

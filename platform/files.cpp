@@ -11,7 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/folder_lock.h"
+#include "platform/locks.h"
+#include "platform/posix_paths.h"
 #include "platform/volume.h"
 
 namespace {
@@ -73,6 +74,14 @@ OSErr ErrorForItem(int error, int16_t vRefNum, int32_t dirID) {
     return volume::ErrorFromErrno(error);
 }
 
+bool Lock(int descriptor) {
+    int result;
+    do {
+        result = flock(descriptor, LOCK_EX);
+    } while (result != 0 && errno == EINTR);
+    return result == 0;
+}
+
 std::string PreferencesPath() {
     const auto variable = [](const char *name) -> std::string {
         const char *value = getenv(name);
@@ -90,17 +99,56 @@ std::string PreferencesPath() {
 OSErr FindFolder(int16_t vRefNum, OSType folderType, Boolean, int16_t *foundVRefNum, int32_t *foundDirID) {
     *foundVRefNum = 0;
     *foundDirID = 0;
-    if (vRefNum != kOnSystemDisk && vRefNum != volume::kReference) {
+    if (vRefNum != kOnSystemDisk && vRefNum != volume::kStartup) {
         return nsvErr;
     }
     if (folderType != kPreferencesFolderType) {
         return fnfErr;
     }
-    const OSErr err = volume::DirectoryID(PreferencesPath(), foundDirID);
+    const OSErr err = volume::DirectoryID(volume::kStartup, PreferencesPath(), foundDirID);
     if (err == noErr) {
-        *foundVRefNum = volume::kReference;
+        *foundVRefNum = volume::kStartup;
     }
     return err;
+}
+
+OSErr FSMakeFSSpec(int16_t vRefNum, int32_t dirID, ConstStringPtr path, FSSpec *spec) {
+    if (vRefNum != 0 || dirID != 0) {
+        return paramErr;
+    }
+    return volume::ResolvePath({reinterpret_cast<const char *>(path + 1), path[0]}, spec);
+}
+
+OSErr FSpCreate(const FSSpec *spec, OSType creator, OSType fileType, int16_t) {
+    return HCreate(spec->vRefNum, spec->parID, spec->name, creator, fileType);
+}
+
+OSErr FSpDirCreate(const FSSpec *spec, int16_t, int32_t *createdDirID) {
+    std::string path;
+    const OSErr err = volume::ItemPath(spec->vRefNum, spec->parID, spec->name, &path);
+    if (err != noErr) {
+        return err;
+    }
+    if (mkdir(path.c_str(), 0777) != 0) {
+        return ErrorForItem(errno, spec->vRefNum, spec->parID);
+    }
+    return volume::DirectoryID(spec->vRefNum, path, createdDirID);
+}
+
+OSErr FSpOpenDF(const FSSpec *spec, int8_t permission, int16_t *refNum) {
+    return HOpen(spec->vRefNum, spec->parID, spec->name, permission, refNum);
+}
+
+OSErr FSpDelete(const FSSpec *spec) {
+    return HDelete(spec->vRefNum, spec->parID, spec->name);
+}
+
+OSErr PBGetCatInfoSync(CInfoPBRec *block) {
+    DirInfo &info = block->dirInfo;
+    if (info.ioFDirIndex != -1) {
+        return paramErr;
+    }
+    return volume::CatalogueEntry(info.ioVRefNum, info.ioDrDirID, info.ioNamePtr, &info.ioDrParID);
 }
 
 OSErr HCreate(int16_t vRefNum, int32_t dirID, ConstStringPtr name, OSType creator, OSType fileType) {
@@ -135,6 +183,10 @@ OSErr HOpen(int16_t vRefNum, int32_t dirID, ConstStringPtr name, int8_t permissi
         return ErrorForItem(errno, vRefNum, dirID);
     }
     return AddReference(descriptor, refNum);
+}
+
+OSErr HOpenDF(int16_t vRefNum, int32_t dirID, ConstStringPtr name, int8_t permission, int16_t *refNum) {
+    return HOpen(vRefNum, dirID, name, permission, refNum);
 }
 
 OSErr HDelete(int16_t vRefNum, int32_t dirID, ConstStringPtr name) {
@@ -223,6 +275,14 @@ OSErr FSClose(int16_t refNum) {
     return close(descriptor) == 0 ? noErr : LastError();
 }
 
+OSErr SpecFromPosixPath(const std::string &path, FSSpec *spec) {
+    return volume::ResolvePosixPath(path, spec);
+}
+
+OSErr PosixPathFromSpec(const FSSpec &spec, std::string *path) {
+    return volume::ItemPath(spec.vRefNum, spec.parID, spec.name, path);
+}
+
 int LockFolder(int16_t vRefNum, int32_t dirID) {
     std::string path;
     if (volume::DirectoryPath(vRefNum, dirID, &path) != noErr) {
@@ -232,11 +292,9 @@ int LockFolder(int16_t vRefNum, int32_t dirID) {
     if (lock < 0) {
         return -1;
     }
-    while (flock(lock, LOCK_EX) != 0) {
-        if (errno != EINTR) {
-            close(lock);
-            return -1;
-        }
+    if (!Lock(lock)) {
+        close(lock);
+        return -1;
     }
     return lock;
 }
@@ -245,4 +303,12 @@ void UnlockFolder(int lock) {
     if (lock >= 0) {
         close(lock);
     }
+}
+
+void LockFile(int16_t refNum) {
+    Lock(DescriptorOf(refNum));
+}
+
+void UnlockFile(int16_t refNum) {
+    flock(DescriptorOf(refNum), LOCK_UN);
 }

@@ -1,9 +1,8 @@
 // The File Manager and the Folder Manager, on POSIX.
-//
-// There is one volume, "Macintosh HD", reference -1, on "/". Directories are known by IDs: 2 is the root, 1
-// its parent; others get an ID when they are first met, which then names the same directory for the life of
-// the process. Names are in Mac Roman, of 1 to 63 bytes; ':' and '/' change places between a Mac name and a
-// POSIX one.
+// There is one volume, "Macintosh HD", reference -1, on "/". Directories are known by IDs: 2 is a volume's
+// root, 1 its parent; others get an ID when they are first met, which then names the same directory for the
+// life of the process. Names are in Mac Roman, of 1 to 63 bytes; ':' and '/' change places between a Mac name
+// and a POSIX one.
 //
 // Every call returns noErr or a File Manager error. File references are positive and never 0.
 #pragma once
@@ -28,6 +27,20 @@ enum : int16_t {
     fsFromMark = 3,
 };
 
+constexpr int16_t smSystemScript = -2;
+
+// What the catalogue says of a directory.
+struct DirInfo {
+    StringPtr ioNamePtr;  // receives the name, at most 63 characters
+    int16_t ioVRefNum;
+    int16_t ioFDirIndex;  // -1: the directory ioDrDirID itself, the only way to ask
+    int32_t ioDrDirID;
+    int32_t ioDrParID;  // receives the parent
+};
+union CInfoPBRec {
+    DirInfo dirInfo;
+};
+
 constexpr OSType kPreferencesFolderType = FourCharCode("pref");
 
 extern "C" {
@@ -37,11 +50,25 @@ extern "C" {
 OSErr FindFolder(int16_t vRefNum, OSType folderType, Boolean createFolder, int16_t *foundVRefNum,
                  int32_t *foundDirID);
 
+// Makes a specification from a colon path: "Volume:Folder:Name", or, with a leading colon or none at all,
+// relative to the folder the process was started in (volume and directory 0 are the only ones taken). One
+// colon may follow a folder's name. fnfErr: the specification is sound, but nothing has its name.
+OSErr FSMakeFSSpec(int16_t vRefNum, int32_t dirID, ConstStringPtr path, FSSpec *spec);
+
+// The calls on a specification, like those on volume, directory and name below.
+OSErr FSpCreate(const FSSpec *spec, OSType creator, OSType fileType, int16_t scriptTag);
+OSErr FSpDirCreate(const FSSpec *spec, int16_t scriptTag, int32_t *createdDirID);
+OSErr FSpOpenDF(const FSSpec *spec, int8_t permission, int16_t *refNum);
+OSErr FSpDelete(const FSSpec *spec);
+
+OSErr PBGetCatInfoSync(CInfoPBRec *block);
+
 // Creates an empty file that only its owner may read; an existing one gives dupFNErr. Type and creator are
 // kept as an extended attribute where the file system has them.
 OSErr HCreate(int16_t vRefNum, int32_t dirID, ConstStringPtr name, OSType creator, OSType fileType);
 // Opens the data fork. A symbolic link is not followed.
 OSErr HOpen(int16_t vRefNum, int32_t dirID, ConstStringPtr name, int8_t permission, int16_t *refNum);
+OSErr HOpenDF(int16_t vRefNum, int32_t dirID, ConstStringPtr name, int8_t permission, int16_t *refNum);
 // Removes the name at once, also while the file is open somewhere.
 OSErr HDelete(int16_t vRefNum, int32_t dirID, ConstStringPtr name);
 

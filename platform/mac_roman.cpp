@@ -27,6 +27,25 @@ void AppendUTF8(char16_t character, std::string *out) {
     }
 }
 
+// Takes one character off the front; malformed bytes come out as U+FFFD, one at a time.
+char32_t TakeCharacter(std::string_view *text) {
+    const auto first = static_cast<uint8_t>(text->front());
+    const size_t length = first < 0x80       ? 1
+                          : first >> 5 == 6  ? 2
+                          : first >> 4 == 14 ? 3
+                          : first >> 3 == 30 ? 4
+                                             : 0;
+    char32_t character = length == 1 ? first : first & (0x7Fu >> length);
+    bool sound = length > 0 && length <= text->size();
+    for (size_t i = 1; sound && i < length; ++i) {
+        const auto byte = static_cast<uint8_t>((*text)[i]);
+        sound = byte >> 6 == 2;
+        character = (character << 6) | (byte & 0x3F);
+    }
+    text->remove_prefix(sound ? length : 1);
+    return sound ? character : 0xFFFD;
+}
+
 }  // namespace
 
 std::string MacRomanToUTF8(std::string_view text) {
@@ -36,4 +55,17 @@ std::string MacRomanToUTF8(std::string_view text) {
         AppendUTF8(byte < 0x80 ? byte : kUpperHalf[byte - 0x80], &utf8);
     }
     return utf8;
+}
+
+std::string UTF8ToMacRoman(std::string_view text) {
+    std::string macRoman;
+    while (!text.empty()) {
+        const char32_t character = TakeCharacter(&text);
+        const auto *found = std::find(std::begin(kUpperHalf), std::end(kUpperHalf) - 1, character);
+        const auto upper = static_cast<char>(0x80 + (found - kUpperHalf));
+        macRoman += character < 0x80                    ? static_cast<char>(character)
+                    : found != std::end(kUpperHalf) - 1 ? upper
+                                                        : '?';
+    }
+    return macRoman;
 }

@@ -5,3 +5,5 @@
 #include <string_view>
 
 std::string MacRomanToUTF8(std::string_view text);
+// What has no place in Mac Roman becomes '?'.
+std::string UTF8ToMacRoman(std::string_view text);

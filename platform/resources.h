@@ -1,15 +1,16 @@
 // The Resource Manager: typed, numbered blocks of data out of resource files in the published format.
 //
-// The most recently opened file is searched first. A resource's handle belongs to its file: it goes when the file is
-// closed. 'DLOG' and 'DITL' resources come with their numbers in native byte order; all others as they stand in the file.
+// The most recently opened file is searched first. A resource's handle belongs to its file: it goes when the
+// file is closed. 'DLOG' and 'DITL' resources come with their numbers in native byte order; all others as
+// they stand in the file.
 #pragma once
 
 #include "platform/types.h"
 
 extern "C" {
 
-// Reads a whole resource file. Returns a reference of its own kind, or -1; ResError then tells why. A file that is not a
-// sound resource file gives mapReadErr.
+// Reads a whole resource file. Returns a reference of its own kind, or -1; ResError then tells why. A file
+// that is not a sound resource file gives mapReadErr.
 int16_t FSpOpenResFile(const FSSpec *spec, int8_t permission);
 void CloseResFile(int16_t refNum);
 

@@ -1,12 +1,16 @@
+// Owns the volumes and the table of directory IDs.
 #include "platform/volume.h"
 
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <map>
 #include <utility>
+#include <vector>
 
+#include "platform/fault_injection.h"
 #include "platform/mac_roman.h"
 
 namespace {
@@ -14,10 +18,23 @@ namespace {
 constexpr size_t kMaxNameLength = 63;
 constexpr int32_t kFirstFreeDirectory = 16;
 
+struct Volume {
+    std::string name;
+    std::string root;  // POSIX path
+};
+
 using FileIdentity = std::pair<dev_t, ino_t>;
 
+// Reference -1 is entry 0, -2 entry 1.
+std::vector<Volume> volumes = {{"Macintosh HD", "/"}};
 std::map<FileIdentity, int32_t> directoryIDs;
 std::map<int32_t, std::string> directoryPaths;
+const std::string startupFolder = std::filesystem::current_path();
+
+const Volume *FindVolume(int16_t vRefNum) {
+    const auto index = static_cast<size_t>(-vRefNum - 1);
+    return vRefNum < 0 && index < volumes.size() ? &volumes[index] : nullptr;
+}
 
 std::string WithoutTrailingSlashes(std::string path) {
     while (path.size() > 1 && path.back() == '/') {
@@ -32,9 +49,63 @@ void SwapSeparators(std::string *name) {
     }
 }
 
+OSErr CheckName(std::string_view name) {
+    const bool sound = !name.empty() && name.size() <= kMaxNameLength && name != "." && name != ".." &&
+                       name.find('\0') == std::string_view::npos;
+    return sound ? noErr : bdNamErr;
+}
+
+std::string PosixName(std::string_view name) {
+    std::string swapped(name);
+    SwapSeparators(&swapped);
+    return MacRomanToUTF8(swapped);
+}
+
+std::string MacName(std::string_view posixName) {
+    std::string name = UTF8ToMacRoman(posixName);
+    SwapSeparators(&name);
+    return name;
+}
+
+void StoreName(std::string_view name, StringPtr stored) {
+    stored[0] = static_cast<uint8_t>(name.size());
+    std::copy(name.begin(), name.end(), stored + 1);
+}
+
+std::string Joined(const std::string &folder, const std::string &name) {
+    return folder.back() == '/' ? folder + name : folder + '/' + name;
+}
+
+OSErr MakeSpec(int16_t vRefNum, const std::string &folder, std::string_view name, FSSpec *spec) {
+    OSErr err = CheckName(name);
+    if (err == noErr) {
+        err = volume::DirectoryID(vRefNum, folder, &spec->parID);
+    }
+    if (err != noErr) {
+        // A folder on the way that is missing.
+        return err == fnfErr ? dirNFErr : err;
+    }
+    spec->vRefNum = vRefNum;
+    StoreName(name, spec->name);
+    struct stat info;
+    return lstat(Joined(folder, PosixName(name)).c_str(), &info) == 0 ? noErr : volume::ErrorFromErrno(errno);
+}
+
+// Takes the path's next component off its front.
+std::string_view TakeComponent(std::string_view *path) {
+    const size_t colon = std::min(path->find(':'), path->size());
+    const std::string_view component = path->substr(0, colon);
+    path->remove_prefix(std::min(colon + 1, path->size()));
+    return component;
+}
+
 }  // namespace
 
-OSErr volume::DirectoryID(const std::string &path, int32_t *dirID) {
+OSErr volume::DirectoryID(int16_t vRefNum, const std::string &path, int32_t *dirID) {
+    const Volume *on = FindVolume(vRefNum);
+    if (on == nullptr) {
+        return nsvErr;
+    }
     struct stat info;
     if (stat(path.c_str(), &info) != 0) {
         return ErrorFromErrno(errno);
@@ -42,23 +113,25 @@ OSErr volume::DirectoryID(const std::string &path, int32_t *dirID) {
     if (!S_ISDIR(info.st_mode)) {
         return dirNFErr;
     }
-    if (WithoutTrailingSlashes(path) == "/") {
-        *dirID = kRootDirectory;
+    const std::string plainPath = WithoutTrailingSlashes(path);
+    if (plainPath == on->root) {
+        *dirID = kRoot;
         return noErr;
     }
     const auto nextFree = static_cast<int32_t>(directoryIDs.size()) + kFirstFreeDirectory;
     *dirID = directoryIDs.try_emplace({info.st_dev, info.st_ino}, nextFree).first->second;
     // A directory that was renamed since goes by its latest path.
-    directoryPaths[*dirID] = WithoutTrailingSlashes(path);
+    directoryPaths[*dirID] = plainPath;
     return noErr;
 }
 
 OSErr volume::DirectoryPath(int16_t vRefNum, int32_t dirID, std::string *path) {
-    if (vRefNum != kReference) {
+    const Volume *on = FindVolume(vRefNum);
+    if (on == nullptr) {
         return nsvErr;
     }
-    if (dirID == kRootDirectory) {
-        *path = "/";
+    if (dirID == kRoot) {
+        *path = on->root;
         return noErr;
     }
     const auto found = directoryPaths.find(dirID);
@@ -71,22 +144,75 @@ OSErr volume::DirectoryPath(int16_t vRefNum, int32_t dirID, std::string *path) {
 
 OSErr volume::ItemPath(int16_t vRefNum, int32_t dirID, ConstStringPtr name, std::string *path) {
     OSErr err = DirectoryPath(vRefNum, dirID, path);
+    const std::string_view item(reinterpret_cast<const char *>(name + 1), name[0]);
+    if (err == noErr) {
+        err = CheckName(item);
+    }
+    if (err == noErr) {
+        *path = Joined(*path, PosixName(item));
+    }
+    return err;
+}
+
+OSErr volume::CatalogueEntry(int16_t vRefNum, int32_t dirID, StringPtr name, int32_t *parentID) {
+    std::string path;
+    const OSErr err = DirectoryPath(vRefNum, dirID, &path);
     if (err != noErr) {
         return err;
     }
-    std::string item(reinterpret_cast<const char *>(name + 1), name[0]);
-    if (item.empty() || item.size() > kMaxNameLength || item.find('\0') != std::string::npos) {
+    if (dirID == kRoot) {
+        StoreName(FindVolume(vRefNum)->name, name);
+        *parentID = kRootParent;
+        return noErr;
+    }
+    const std::filesystem::path posixPath = path;
+    const std::string macName = MacName(posixPath.filename().string());
+    if (CheckName(macName) != noErr) {
         return bdNamErr;
     }
-    SwapSeparators(&item);
-    if (item == "." || item == "..") {
-        return bdNamErr;
+    StoreName(macName, name);
+    return DirectoryID(vRefNum, posixPath.parent_path(), parentID);
+}
+
+OSErr volume::ResolvePath(std::string_view path, FSSpec *spec) {
+    *spec = {};
+    int16_t vRefNum = kStartup;
+    std::string folder = startupFolder;
+    if (path.find(':') != std::string_view::npos) {
+        const std::string_view name = TakeComponent(&path);
+        if (!name.empty()) {
+            const auto on = std::find_if(volumes.begin(), volumes.end(),
+                                         [name](const Volume &candidate) { return candidate.name == name; });
+            if (on == volumes.end()) {
+                return nsvErr;
+            }
+            vRefNum = static_cast<int16_t>(-1 - (on - volumes.begin()));
+            folder = on->root;
+            if (path.empty()) {
+                spec->vRefNum = vRefNum;
+                spec->parID = kRootParent;
+                StoreName(name, spec->name);
+                return noErr;
+            }
+        }
     }
-    if (path->back() != '/') {
-        *path += '/';
+    for (;;) {
+        const std::string_view component = TakeComponent(&path);
+        if (path.empty()) {
+            return MakeSpec(vRefNum, folder, component, spec);
+        }
+        if (const OSErr err = CheckName(component); err != noErr) {
+            return err;
+        }
+        folder = Joined(folder, PosixName(component));
     }
-    *path += MacRomanToUTF8(item);
-    return noErr;
+}
+
+OSErr volume::ResolvePosixPath(const std::string &path, FSSpec *spec) {
+    *spec = {};
+    std::error_code ignored;
+    const std::filesystem::path whole = std::filesystem::absolute(WithoutTrailingSlashes(path), ignored);
+    return MakeSpec(kStartup, whole.parent_path(), MacName(whole.filename().string()), spec);
 }
 
 OSErr volume::ErrorFromErrno(int error) {
@@ -98,4 +224,14 @@ OSErr volume::ErrorFromErrno(int error) {
     const auto *code = std::find_if(std::begin(kCodes), std::end(kCodes),
                                     [error](const auto &entry) { return entry.first == error; });
     return code == std::end(kCodes) ? ioErr : code->second;
+}
+
+void faults::MountVolume(const std::string &name, const std::string &root) {
+    const auto mounted = std::find_if(volumes.begin(), volumes.end(),
+                                      [&](const Volume &candidate) { return candidate.name == name; });
+    if (mounted == volumes.end()) {
+        volumes.push_back({name, root});
+    } else {
+        mounted->root = root;
+    }
 }

@@ -1,0 +1,117 @@
+// Owns the resources of all open resource files. A file is read whole and checked once, when it is opened.
+#include "platform/resources.h"
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include "platform/dialog_resources.h"
+#include "platform/fault_injection.h"
+#include "platform/files.h"
+#include "platform/memory.h"
+#include "platform/resource_map.h"
+
+namespace {
+
+constexpr int16_t kTestFile = 0;
+constexpr int64_t kLargestFile = 16 << 20;
+
+struct Resource {
+    int16_t file;
+    OSType type;
+    int16_t id;
+    Handle data;
+};
+
+// The file opened last comes first.
+std::vector<Resource> resources;
+int16_t lastFile = kTestFile;
+OSErr lastError = noErr;
+
+OSErr ReadWholeFile(const FSSpec *spec, int8_t permission, std::vector<uint8_t> *bytes) {
+    int16_t refNum;
+    OSErr err = FSpOpenDF(spec, permission, &refNum);
+    if (err != noErr) {
+        return err;
+    }
+    bytes->resize(kLargestFile + 1);
+    int64_t count = kLargestFile + 1;
+    err = FSRead(refNum, &count, bytes->data());
+    FSClose(refNum);
+    bytes->resize(static_cast<size_t>(count));
+    // A file that goes on behind the limit is none of ours.
+    return err == eofErr ? noErr : err == noErr ? mapReadErr : err;
+}
+
+OSErr Add(int16_t file, OSType type, int16_t id, const uint8_t *bytes, size_t size) {
+    Handle data = NewHandle(static_cast<int64_t>(size));
+    if (data == nullptr) {
+        return memFullErr;
+    }
+    BlockMoveData(bytes, *data, static_cast<int64_t>(size));
+    if (!ToNativeByteOrder(type, reinterpret_cast<uint8_t *>(*data), size)) {
+        DisposeHandle(data);
+        return mapReadErr;
+    }
+    resources.insert(resources.begin(), {file, type, id, data});
+    return noErr;
+}
+
+void RemoveFile(int16_t file) {
+    std::erase_if(resources, [file](const Resource &resource) {
+        if (resource.file == file) {
+            DisposeHandle(resource.data);
+        }
+        return resource.file == file;
+    });
+}
+
+}  // namespace
+
+int16_t FSpOpenResFile(const FSSpec *spec, int8_t permission) {
+    std::vector<uint8_t> bytes;
+    std::vector<ResourceEntry> entries;
+    lastError = ReadWholeFile(spec, permission, &bytes);
+    if (lastError == noErr && !ParseResourceFile(bytes, &entries)) {
+        lastError = mapReadErr;
+    }
+    const auto file = static_cast<int16_t>(lastFile + 1);
+    for (auto entry = entries.begin(); lastError == noErr && entry != entries.end(); ++entry) {
+        lastError = Add(file, entry->type, entry->id, entry->data, entry->size);
+    }
+    if (lastError != noErr) {
+        RemoveFile(file);
+        return -1;
+    }
+    lastFile = file;
+    return file;
+}
+
+void CloseResFile(int16_t refNum) {
+    RemoveFile(refNum);
+    lastError = noErr;
+}
+
+Handle GetResource(OSType type, int16_t id) {
+    const auto found = std::find_if(resources.begin(), resources.end(), [=](const Resource &resource) {
+        return resource.type == type && resource.id == id;
+    });
+    lastError = found == resources.end() ? resNotFound : noErr;
+    return found == resources.end() ? nullptr : found->data;
+}
+
+void HNoPurge(Handle) {}
+
+void ReleaseResource(Handle) {}
+
+OSErr ResError() {
+    return lastError;
+}
+
+void faults::AddResource(OSType type, int16_t id, const std::vector<uint8_t> &bytes) {
+    Add(kTestFile, type, id, bytes.data(), bytes.size());
+}
+
+void faults::RemoveResources() {
+    RemoveFile(kTestFile);
+}
