@@ -1,6 +1,10 @@
 #include "plugin/filter_phase.h"
 
+#include "imagestore/paths.h"
+#include "imagestore/strings.h"
+#include "plugin/outputs.h"
 #include "plugin/rows.h"
+#include "settings/preferences_file.h"
 #include "settings/script_bridge.h"
 #include "settings/setting_registry.h"
 #include "toolkit/filter_hooks.h"
@@ -55,10 +59,23 @@ NamedImage *ChooseSelection(PluginState *state, const RunGeometry &run) {
     return nullptr;
 }
 
+// Null for a document that was never saved.
+char *DocumentPath(const FilterRecord *record) {
+    const ReadImageDocumentDesc *info = record->documentInfo;
+    if (info == nullptr || info->maxVersion < 1 || info->documentFileSpec == nullptr) {
+        return nullptr;
+    }
+    char *path = AllocateCString(kTextSize);
+    if (path != nullptr) {
+        FSSpecToCString(info->documentFileSpec, path, kTextSize);
+    }
+    return path;
+}
+
 void FillContext(PluginState *state, const RunGeometry &run, RunContext *context) {
     context->width = static_cast<int16_t>(run.width);
     context->height = static_cast<int16_t>(run.height);
-    context->colorPlanes = static_cast<int16_t>(run.colorPlanes);
+    context->colorPlanes = static_cast<int16_t>(run.filteredPlanes);
     context->extraPlanes = static_cast<int16_t>(run.extraPlanes);
     context->filterRecord = state->filterRecord;
     context->alphaImage = state->alphaImage;
@@ -67,6 +84,7 @@ void FillContext(PluginState *state, const RunGeometry &run, RunContext *context
     context->originTop = state->originTop;
     context->selectionUsed = state->selectionUsed;
     context->maskHasZero = state->maskHasZero;
+    context->logBasePath = DocumentPath(state->filterRecord);
 }
 
 void SetPreferenceDefaults(RunContext *context) {
@@ -96,7 +114,6 @@ OSErr FilterWithSettings(PluginState *state, const RunGeometry &run, RunContext 
     }
     InitializeSPSettings(settings, kUndefinedSignature, false, false);
     GetDefaultSettings(context, settings);
-    SetPreferenceDefaults(context);
     const Boolean skipDialog = _ReadScriptParamFromPS(state->filterRecord, settings);
     OSErr err = GetParameters(state->image, context, &state->parameters, settings);
     if (err == noErr) {
@@ -104,6 +121,8 @@ OSErr FilterWithSettings(PluginState *state, const RunGeometry &run, RunContext 
     }
     // Recorded also after an error or a cancel.
     _WriteScriptParamToPS(state->filterRecord, settings);
+    WriteMeasurements(context, settings);
+    LogMeasurements(context, settings);
     _DisposeSPBlock(settings);
     return err;
 }
@@ -113,5 +132,10 @@ OSErr FilterWithSettings(PluginState *state, const RunGeometry &run, RunContext 
 OSErr RunFilterPhase(PluginState *state, const RunGeometry &run) {
     RunContext context = {};
     FillContext(state, run, &context);
-    return FilterWithSettings(state, run, &context);
+    const int16_t preferences = ReadPreferences(&context);
+    SetPreferenceDefaults(&context);
+    const OSErr err = FilterWithSettings(state, run, &context);
+    WritePreferences(&context, preferences);
+    DisposeCString(context.logBasePath);
+    return err;
 }

@@ -1,26 +1,13 @@
 #include "plugin/rows.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "photoshop/image_modes.h"
+#include "plugin/samples.h"
 
 namespace {
 
 constexpr double kFloatScaleOut = 0.00392156862745098;
-
-template <typename Sample>
-Sample Load(const void *samples, int64_t index) {
-    Sample sample;
-    std::memcpy(&sample, static_cast<const uint8_t *>(samples) + index * int64_t{sizeof(Sample)},
-                sizeof sample);
-    return sample;
-}
-
-template <typename Sample>
-void Store(void *samples, int64_t index, Sample sample) {
-    std::memcpy(static_cast<uint8_t *>(samples) + index * int64_t{sizeof(Sample)}, &sample, sizeof sample);
-}
 
 template <typename Sample>
 constexpr Sample kWhite{};
@@ -66,12 +53,13 @@ bool SplitExtraPlanes(const RunGeometry &run, void *row, void *extra) {
     for (int64_t x = 0; x < run.width; ++x) {
         const int64_t from = x * run.planes;
         for (int32_t p = 0; p < run.extraPlanes; ++p) {
-            Store(extra, x * run.extraPlanes + p, Load<Sample>(row, from + run.colorPlanes + p));
+            StoreSample(extra, x * run.extraPlanes + p, LoadSample<Sample>(row, from + run.colorPlanes + p));
         }
-        const bool transparent = Load<Sample>(row, from + run.colorPlanes) == Sample{0};
+        const bool transparent = LoadSample<Sample>(row, from + run.colorPlanes) == Sample{0};
         foundZero |= transparent;
         for (int32_t p = 0; p < run.colorPlanes; ++p) {
-            Store(row, x * run.colorPlanes + p, transparent ? kWhite<Sample> : Load<Sample>(row, from + p));
+            StoreSample(row, x * run.colorPlanes + p,
+                        transparent ? kWhite<Sample> : LoadSample<Sample>(row, from + p));
         }
     }
     return foundZero;
@@ -83,10 +71,10 @@ void MergeExtraPlanes(const RunGeometry &run, void *row, const void *extra) {
     for (int64_t x = run.width - 1; x >= 0; --x) {
         const int64_t to = x * run.planes;
         for (int32_t p = run.colorPlanes - 1; p >= 0; --p) {
-            Store(row, to + p, MergedSample(Load<Sample>(row, x * run.colorPlanes + p)));
+            StoreSample(row, to + p, MergedSample(LoadSample<Sample>(row, x * run.colorPlanes + p)));
         }
         for (int32_t p = 0; p < run.extraPlanes; ++p) {
-            Store(row, to + run.colorPlanes + p, Load<Sample>(extra, x * run.extraPlanes + p));
+            StoreSample(row, to + run.colorPlanes + p, LoadSample<Sample>(extra, x * run.extraPlanes + p));
         }
     }
 }
@@ -94,7 +82,7 @@ void MergeExtraPlanes(const RunGeometry &run, void *row, const void *extra) {
 template <typename Sample>
 void SelectionFromExtraPlane(const RunGeometry &run, const void *extra, uint8_t *selection) {
     for (int64_t x = 0; x < run.width; ++x) {
-        selection[x] = SelectionByte(Load<Sample>(extra, x * run.extraPlanes));
+        selection[x] = SelectionByte(LoadSample<Sample>(extra, x * run.extraPlanes));
     }
 }
 
@@ -110,12 +98,12 @@ const RowCalls &RowCallsFor(int32_t sampleBytes) {
 
 void ScaleFloatsIn(void *row, int64_t count) {
     for (int64_t i = 0; i < count; ++i) {
-        Store(row, i, Load<float>(row, i) * 255.0f);
+        StoreSample(row, i, LoadSample<float>(row, i) * 255.0f);
     }
 }
 
 void ScaleFloatsOut(void *row, int64_t count) {
     for (int64_t i = 0; i < count; ++i) {
-        Store(row, i, ScaledOut(Load<float>(row, i)));
+        StoreSample(row, i, ScaledOut(LoadSample<float>(row, i)));
     }
 }

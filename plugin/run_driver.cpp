@@ -21,6 +21,11 @@ OSErr End(PluginState *state, OSErr result) {
     return result;
 }
 
+// A CMYK run keeps RGB rows in an image that has room for four samples per pixel.
+int32_t FilteredRowBytes(const RunGeometry &run) {
+    return run.width * run.filteredPlanes * run.sampleBytes;
+}
+
 // An image that cannot be made is told by the result; the rest of this call goes on with the images there
 // are. A selection that cannot be made is only left out.
 void MakeImages(PluginState *state, const RunGeometry &run) {
@@ -67,11 +72,13 @@ OSErr ReadRow(PluginState *state, const RunGeometry &run) {
         PutLine(state->alphaImage, 0, run.row, run.width * run.extraPlanes * run.sampleBytes,
                 state->rowBuffer);
     }
-    const int32_t samples = run.width * run.colorPlanes;
     if (state->depth == 32) {
-        ScaleFloatsIn(record->inData, samples);
+        ScaleFloatsIn(record->inData, int64_t{run.width} * run.colorPlanes);
     }
-    PutLine(state->image, 0, run.row, samples * run.sampleBytes, record->inData);
+    if (run.conversion != nullptr) {
+        run.conversion->toRGB(record->inData, run.width);
+    }
+    PutLine(state->image, 0, run.row, FilteredRowBytes(run), record->inData);
     if (state->haveMask) {
         StoreMaskRow(state, run);
     }
@@ -93,10 +100,12 @@ OSErr WriteRow(PluginState *state, const RunGeometry &run) {
     if (record->outData == nullptr) {
         return End(state, filterBadParameters);
     }
-    const int32_t samples = run.width * run.colorPlanes;
-    GetLine(state->image, 0, run.row, samples * run.sampleBytes, record->outData);
+    GetLine(state->image, 0, run.row, FilteredRowBytes(run), record->outData);
+    if (run.conversion != nullptr) {
+        run.conversion->fromRGB(record->outData, run.width);
+    }
     if (state->depth == 32) {
-        ScaleFloatsOut(record->outData, samples);
+        ScaleFloatsOut(record->outData, int64_t{run.width} * run.colorPlanes);
     }
     if (run.extraPlanes > 0) {
         GetLine(state->alphaImage, 0, run.row, run.width * run.extraPlanes * run.sampleBytes,

@@ -1,40 +1,55 @@
 #include "plugin/run_geometry.h"
 
 #include "photoshop/image_modes.h"
+#include "plugin/color_modes.h"
 
 namespace {
 
-constexpr int8_t kNoColorPlanes = 0;  // a mode that must not reach the run
-constexpr int8_t kAllPlanes = -1;
+constexpr int32_t kNoColorPlanes = 0;  // a mode that must not reach the run
+constexpr int32_t kAllPlanes = -1;
+
+// For samples of one byte, and for larger ones.
+constexpr ModeConversion kLab[] = {{_ConvertLAB8toRGB24, _ConvertRGB24toLAB8},
+                                   {_ConvertLAB16toRGB48, _ConvertRGB48toLAB16}};
+constexpr ModeConversion kCMYK[] = {{_ConvertCMYK8toRGB24, _ConvertRGB24toCMYK8},
+                                    {_ConvertCMYK16toRGB48, _ConvertRGB48toCMYK16}};
+
+struct Mode {
+    int32_t colorPlanes;
+    int32_t filteredPlanes;
+    const ModeConversion *conversions;
+};
+constexpr Mode kUnsupported = {kNoColorPlanes, 0, nullptr};
+constexpr Mode kGray = {1, 1, nullptr};
+constexpr Mode kRGB = {3, 3, nullptr};
+constexpr Mode kLabColor = {3, 3, kLab};
+constexpr Mode kCMYKColor = {4, 3, kCMYK};
+constexpr Mode kMultichannel = {kAllPlanes, kAllPlanes, nullptr};
 
 // By image mode.
-constexpr int8_t kColorPlanes[plugInModeCount] = {
-    /* Bitmap */ kNoColorPlanes,
-    /* Gray */ 1,
-    /* Indexed */ kNoColorPlanes,
-    /* RGB */ 3,
-    /* CMYK */ 4,
-    /* HSL */ kNoColorPlanes,
-    /* HSB */ kNoColorPlanes,
-    /* Multichannel */ kAllPlanes,
-    /* Duotone */ kNoColorPlanes,
-    /* Lab */ 3,
-    /* Gray 16 */ 1,
-    /* RGB 48 */ 3,
-    /* Lab 48 */ 3,
-    /* CMYK 64 */ 4,
-    /* Deep multichannel */ kAllPlanes,
-    /* Duotone 16 */ kNoColorPlanes,
-    /* RGB 96 */ 3,
-    /* Gray 32 */ 1,
+constexpr Mode kModes[plugInModeCount] = {
+    /* Bitmap */ kUnsupported,
+    /* Gray */ kGray,
+    /* Indexed */ kUnsupported,
+    /* RGB */ kRGB,
+    /* CMYK */ kCMYKColor,
+    /* HSL */ kUnsupported,
+    /* HSB */ kUnsupported,
+    /* Multichannel */ kMultichannel,
+    /* Duotone */ kUnsupported,
+    /* Lab */ kLabColor,
+    /* Gray 16 */ kGray,
+    /* RGB 48 */ kRGB,
+    /* Lab 48 */ kLabColor,
+    /* CMYK 64 */ kCMYKColor,
+    /* Deep multichannel */ kMultichannel,
+    /* Duotone 16 */ kUnsupported,
+    /* RGB 96 */ kRGB,
+    /* Gray 32 */ kGray,
 };
 
-int32_t ColorPlanes(int16_t imageMode, int32_t planes) {
-    if (imageMode < 0 || imageMode >= plugInModeCount) {
-        return kNoColorPlanes;
-    }
-    const int8_t count = kColorPlanes[imageMode];
-    return count == kAllPlanes ? planes : count;
+Mode ModeOf(int16_t imageMode) {
+    return imageMode >= 0 && imageMode < plugInModeCount ? kModes[imageMode] : kUnsupported;
 }
 
 }  // namespace
@@ -53,7 +68,11 @@ OSErr GetRunGeometry(const PluginState *state, RunGeometry *run) {
     run->width = record->filterRect.right - record->filterRect.left;
     run->height = record->filterRect.bottom - record->filterRect.top;
     run->planes = record->planes;
-    run->colorPlanes = ColorPlanes(record->imageMode, run->planes);
+    const Mode mode = ModeOf(record->imageMode);
+    run->colorPlanes = mode.colorPlanes == kAllPlanes ? run->planes : mode.colorPlanes;
+    run->filteredPlanes = mode.filteredPlanes == kAllPlanes ? run->planes : mode.filteredPlanes;
+    run->conversion =
+        mode.conversions == nullptr ? nullptr : &mode.conversions[run->sampleBytes == 1 ? 0 : 1];
     run->extraPlanes = run->planes - run->colorPlanes;
     run->row = record->outRect.top - record->filterRect.top;
     if (run->width > INT16_MAX || run->height > INT16_MAX) {

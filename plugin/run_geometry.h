@@ -6,14 +6,22 @@
 #include "platform/types.h"
 #include "plugin/plugin_state.h"
 
+// Turns the colour planes of a row into RGB and back, in place.
+struct ModeConversion {
+    void (*toRGB)(void *row, int32_t width);
+    void (*fromRGB)(void *row, int32_t width);
+};
+
 struct RunGeometry {
     int32_t sampleBytes;  // 1, 2 or 4
     int32_t width;
     int32_t height;
     int32_t planes;
-    int32_t colorPlanes;  // what the document's mode has
-    int32_t extraPlanes;  // the rest: transparency, alpha, spot
-    int32_t row;          // the one that the host has just delivered
+    int32_t colorPlanes;               // what the document's mode has
+    int32_t extraPlanes;               // the rest: transparency, alpha, spot
+    int32_t filteredPlanes;            // what the filter sees of the colour planes: 3 for CMYK
+    const ModeConversion *conversion;  // null where rows need none
+    int32_t row;                       // the one that the host has just delivered
 };
 
 bool IsEmpty(const Rect &rect);

@@ -238,6 +238,7 @@ TEST_F(Run, EveryFailingAllocationLeavesTheDocumentOrTheResult) {
     const TestRun whole = Play(document, 2);
     int failures = 0;
     for (int64_t n = 1; n <= 60; ++n) {
+        std::filesystem::remove(folder / "WEMBpref");
         PIDescriptorParameters parameters = script::Parameters({{kRadiusKey, typeFloat, 2}}, 0);
         faults::FailAllocation(n);
         const TestRun run = RunPlugin(document, {true, -1, &parameters});

@@ -1,0 +1,8 @@
+// Which Mac Roman characters a page holds as HTML entities.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+// Empty for a character that is written as it is.
+std::string_view EntityFor(uint8_t character);

@@ -1,0 +1,20 @@
+// Rows of Lab and CMYK documents to RGB and back: fixed approximations, in place, one row of interleaved
+// samples each.
+//
+// 8-bit samples are bytes, 16-bit ones 0 to 32768. Results are clamped and truncated. There and back is
+// deliberately not the same: exponents and inks differ. Rows need no alignment; a width below 1 does nothing.
+#pragma once
+
+#include <cstdint>
+
+void _ConvertLAB8toRGB24(void *row, int32_t width);
+void _ConvertLAB16toRGB48(void *row, int32_t width);
+void _ConvertRGB24toLAB8(void *row, int32_t width);
+void _ConvertRGB48toLAB16(void *row, int32_t width);
+
+// 8-bit CMYK is stored inverted (255 is no ink), 16-bit is not. Four samples become three, packed, and the
+// reverse.
+void _ConvertCMYK8toRGB24(void *row, int32_t width);
+void _ConvertCMYK16toRGB48(void *row, int32_t width);
+void _ConvertRGB24toCMYK8(void *row, int32_t width);
+void _ConvertRGB48toCMYK16(void *row, int32_t width);

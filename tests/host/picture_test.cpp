@@ -1,0 +1,143 @@
+// Picture files in and out: samples, metadata, and what a format cannot hold.
+#include "host/picture.h"
+
+#include "host/picture_format.h"
+#include "host/picture_mode.h"
+#include "host/picture_writer.h"
+#include "tests/host/host_fixture.h"
+
+namespace {
+
+constexpr char kXMP[] = "<x:xmpmeta xmlns:x='adobe:ns:meta/'/>";
+constexpr char kMake[] = "exif-ifd0-Make";
+
+class PictureFile : public HostTest {
+  protected:
+    // Writes the picture's destination; an empty string for success.
+    std::string Write(const Picture &picture, const std::string &name) {
+        const PictureFormat *format = nullptr;
+        MaybeFailure failure = FindFormat(name, &format);
+        if (!failure) {
+            failure = CheckFormatHolds(*format, picture.document, "in", name);
+        }
+        if (!failure) {
+            failure = WritePicture(picture, *format, Path(name), name, {});
+        }
+        return failure ? failure->sentence : "";
+    }
+
+    std::string Read(const std::string &name, Picture *picture) {
+        MaybeFailure failure = OpenPicture(Path(name), picture);
+        if (!failure) {
+            failure = ReadPixels(picture, {});
+        }
+        return failure ? failure->sentence : "";
+    }
+
+    static Picture MakePicture(int16_t mode, int32_t planes) {
+        const PictureMode &known = ModeOfDocument(mode);
+        Picture picture;
+        picture.document = RandomDocument(mode, known.depth, known.colorPlanes, planes, 30, 70);
+        VipsImage *metadata = vips_image_new();
+        metadata->Xres = metadata->Yres = 11.811;
+        vips_image_set_int(metadata, VIPS_META_ORIENTATION, 6);
+        vips_image_set_string(metadata, kMake, "Acme (Acme, ASCII, 5 components, 5 bytes)");
+        vips_image_set_blob_copy(metadata, VIPS_META_XMP_NAME, kXMP, sizeof kXMP - 1);
+        // A trace of an encoding that must not decide about the output's.
+        vips_image_set_int(metadata, "palette-bit-depth", 1);
+        picture.metadata.reset(metadata);
+        return picture;
+    }
+};
+
+std::string Blob(VipsImage *image, const char *name) {
+    const void *data = nullptr;
+    size_t length = 0;
+    return vips_image_get_blob(image, name, &data, &length) == 0
+               ? std::string(static_cast<const char *>(data), length)
+               : std::string();
+}
+
+TEST_F(PictureFile, SamplesComeBackAsTheyWere) {
+    const struct {
+        int16_t mode;
+        int32_t planes;
+        const char *file;
+    } cases[] = {
+        {plugInModeGrayScale, 1, "a.png"}, {plugInModeGrayScale, 2, "a.PNG"},
+        {plugInModeGray16, 2, "b.png"},    {plugInModeRGBColor, 3, "c.png"},
+        {plugInModeRGB48, 4, "d.png"},     {plugInModeRGBColor, 3, "a.webp"},
+        {plugInModeGrayScale, 1, "a.tif"}, {plugInModeGray16, 3, "b.tiff"},
+        {plugInModeGray32, 1, "c.tif"},    {plugInModeRGBColor, 5, "d.tif"},
+        {plugInModeRGB48, 4, "e.tif"},     {plugInModeRGB96, 3, "f.tif"},
+        {plugInModeRGB96, 4, "g.tif"},
+    };
+    for (const auto &test : cases) {
+        SCOPED_TRACE(test.file);
+        const Picture written = MakePicture(test.mode, test.planes);
+        ASSERT_EQ(Write(written, test.file), "");
+        Picture read;
+        ASSERT_EQ(Read(test.file, &read), "");
+        EXPECT_EQ(read.document.imageMode, test.mode);
+        ASSERT_EQ(read.document.planes, test.planes);
+        const std::vector<uint8_t> expected = BytesOf(written.document, written.document.destination);
+        EXPECT_EQ(BytesOf(read.document, read.document.source), expected);
+        EXPECT_EQ(BytesOf(read.document, read.document.destination), expected);
+        EXPECT_NEAR(read.document.horizontalResolution / 65536.0, 300, 0.5);
+        EXPECT_EQ(Blob(read.metadata.get(), VIPS_META_XMP_NAME), kXMP);
+    }
+}
+
+TEST_F(PictureFile, OrientationAndExifSurviveEveryFormatThatHasThem) {
+    const struct {
+        const char *file;
+        bool orientation, exif;
+    } cases[] = {{"a.jpg", true, true}, {"a.webp", true, true}, {"a.tif", true, false}};
+    for (const auto &test : cases) {
+        SCOPED_TRACE(test.file);
+        ASSERT_EQ(Write(MakePicture(plugInModeRGBColor, 3), test.file), "");
+        Picture read;
+        ASSERT_EQ(Read(test.file, &read), "");
+        EXPECT_EQ(read.document.width, 30) << "turned";
+        int orientation = 0;
+        vips_image_get_int(read.metadata.get(), VIPS_META_ORIENTATION, &orientation);
+        EXPECT_EQ(orientation == 6, test.orientation);
+        EXPECT_EQ(vips_image_get_typeof(read.metadata.get(), kMake) != 0, test.exif);
+    }
+}
+
+TEST_F(PictureFile, NothingIsCutToFitAFormat) {
+    const struct {
+        int16_t mode;
+        int32_t planes;
+        const char *file;
+        const char *choice;  // what the sentence offers
+    } cases[] = {
+        {plugInModeRGB48, 3, "a.jpg", "choose .png or .tif."},
+        {plugInModeRGBColor, 4, "a.jpeg", "choose .png or .tif or .webp."},
+        {plugInModeRGB48, 3, "a.webp", "choose .png or .tif."},
+        {plugInModeRGB96, 3, "a.png", "choose .tif."},
+        {plugInModeRGBColor, 5, "a.png", "choose .tif."},
+    };
+    for (const auto &test : cases) {
+        const std::string sentence = Write(MakePicture(test.mode, test.planes), test.file);
+        EXPECT_NE(sentence.find(test.choice), std::string::npos) << sentence;
+        EXPECT_EQ(sentence.find("in: "), 0U) << sentence;
+    }
+    EXPECT_EQ(FileCount(), 0U);
+}
+
+TEST_F(PictureFile, CancelStopsReadingAndWriting) {
+    const Picture written = MakePicture(plugInModeRGBColor, 3);
+    ASSERT_EQ(Write(written, "a.png"), "");
+    Watcher cancelling;
+    cancelling.cancelled = [] { return true; };
+    Picture read;
+    ASSERT_FALSE(OpenPicture(Path("a.png"), &read));
+    EXPECT_EQ(ReadPixels(&read, cancelling)->status, kExitInterrupted);
+    const PictureFormat *format = nullptr;
+    FindFormat("a.png", &format);
+    EXPECT_EQ(WritePicture(written, *format, Path("b.png"), "b.png", cancelling)->status, kExitInterrupted);
+}
+
+}  // namespace
