@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "imagestore/image_storage.h"
 #include "imagestore/strings.h"
 #include "platform/files.h"
 #include "platform/locks.h"
@@ -10,10 +11,7 @@
 
 namespace {
 
-constexpr int64_t kHeaderSize = sizeof(ImageData);
-constexpr int64_t kLargestMemoryImage = 0x20000008;  // 512 MiB and 8
 constexpr int64_t kClearingBlockSize = 0x80000;
-constexpr int16_t kNoFile = -1;
 
 // The codes under which backing files are known, placeholders as they look.
 constexpr OSType kCreator = FourCharCode("CREA");
@@ -24,37 +22,8 @@ constexpr uint8_t kTempImageName[] = "\011TempImage";
 constexpr uint8_t kAlphaImageName[] = "\012AlphaImage";
 constexpr uint8_t kSelectionImageName[] = "\016SelectionImage";
 
-struct Folder {
-    int16_t vRefNum;
-    int32_t dirID;
-};
-
-// A missing folder makes the file calls fail, which is all that callers need to know.
-Folder PreferencesFolder() {
-    Folder folder;
-    FindFolder(kOnSystemDisk, kPreferencesFolderType, false, &folder.vRefNum, &folder.dirID);
-    return folder;
-}
-
-int64_t RowBytes(const NamedImage *image) {
-    return int64_t{image->data.width} * image->data.bytesPerPixel;
-}
-
-int64_t RowOffset(const NamedImage *image, int64_t y) {
-    return kHeaderSize + y * RowBytes(image);
-}
-
-int64_t ContentsSize(const NamedImage *image) {
-    return RowOffset(image, image->data.height);
-}
-
-OSErr WriteAt(int16_t fileRef, int64_t offset, int64_t count, const void *bytes) {
-    const OSErr err = SetFPos(fileRef, fsFromStart, offset);
-    return err != noErr ? err : FSWrite(fileRef, &count, bytes);
-}
-
 OSErr WriteHeader(const NamedImage *image) {
-    return WriteAt(image->fileRef, 0, kHeaderSize, &image->data);
+    return WriteAt(image->fileRef, 0, kImageHeaderSize, &image->data);
 }
 
 // Memory for one block of zeros could be had. A zero-sized image makes one empty write.
@@ -63,29 +32,29 @@ OSErr ClearInBlocks(NamedImage *image, const void *zeros) {
         WriteHeader(image);
     }
     OSErr err = noErr;
-    int64_t offset = kHeaderSize;
+    int64_t offset = kImageHeaderSize;
     do {
-        int64_t count = std::min(ContentsSize(image) - offset, kClearingBlockSize);
+        int64_t count = std::min(ImageContentsSize(image) - offset, kClearingBlockSize);
         if (image->memory != nullptr) {
             BlockMoveData(zeros, image->contents + offset, count);
         } else {
             err = FSWrite(image->fileRef, &count, zeros);
         }
         offset += kClearingBlockSize;
-    } while (err == noErr && offset < ContentsSize(image));
+    } while (err == noErr && offset < ImageContentsSize(image));
     return err;
 }
 
 OSErr ClearInRows(NamedImage *image) {
-    const OwnedBlock<uint8_t> row = MakeOwnedBlock<uint8_t>(RowBytes(image));
+    const OwnedBlock<uint8_t> row = MakeOwnedBlock<uint8_t>(ImageRowBytes(image));
     if (row == nullptr) {
         return memFullErr;
     }
     for (int32_t y = 0; y < image->data.height; ++y) {
         if (image->memory != nullptr) {
-            BlockMoveData(row.get(), image->contents + RowOffset(image, y), RowBytes(image));
+            BlockMoveData(row.get(), image->contents + ImageRowOffset(image, y), ImageRowBytes(image));
         } else {
-            WriteAt(image->fileRef, RowOffset(image, y), RowBytes(image), row.get());
+            WriteAt(image->fileRef, ImageRowOffset(image, y), ImageRowBytes(image), row.get());
         }
     }
     return noErr;
@@ -96,29 +65,6 @@ OSErr _ClearFile(NamedImage *image) {
     return zeros == nullptr ? ClearInRows(image) : ClearInBlocks(image, zeros.get());
 }
 
-// Takes memory for the contents where it is there and not too much.
-OSErr TakeMemory(NamedImage *image) {
-    if (ContentsSize(image) > kLargestMemoryImage) {
-        return memFullErr;
-    }
-    OSErr err;
-    image->memory = TempNewHandle(ContentsSize(image), &err);
-    if (err == noErr) {
-        HLock(image->memory);
-        image->contents = *image->memory;
-    }
-    return err;
-}
-
-void ReleaseMemory(NamedImage *image) {
-    if (image->memory != nullptr) {
-        HUnlock(image->memory);
-        DisposeHandle(image->memory);
-        image->memory = nullptr;
-        image->contents = nullptr;
-    }
-}
-
 OSErr OpenBackingFile(Folder folder, ConstStringPtr name, NamedImage *image) {
     OSErr err = HCreate(folder.vRefNum, folder.dirID, name, kCreator, kFileType);
     if (err != noErr) {
@@ -127,7 +73,7 @@ OSErr OpenBackingFile(Folder folder, ConstStringPtr name, NamedImage *image) {
     err = HOpen(folder.vRefNum, folder.dirID, name, fsRdWrPerm, &image->fileRef);
     if (err != noErr) {
         HDelete(folder.vRefNum, folder.dirID, name);
-        image->fileRef = kNoFile;
+        image->fileRef = kNoImageFile;
     }
     return err;
 }
@@ -135,24 +81,16 @@ OSErr OpenBackingFile(Folder folder, ConstStringPtr name, NamedImage *image) {
 // Space in one piece, so that row seeks stay cheap. Where it cannot be had, clearing tells.
 OSErr FillBackingFile(Folder folder, NamedImage *image) {
     WriteHeader(image);
-    int64_t size = ContentsSize(image);
+    int64_t size = ImageContentsSize(image);
     AllocContig(image->fileRef, &size);
     if (_ClearFile(image) == noErr) {
         return noErr;
     }
     FSClose(image->fileRef);
-    image->fileRef = kNoFile;
+    image->fileRef = kNoImageFile;
     // Always this name, whichever image is being made.
     HDelete(folder.vRefNum, folder.dirID, kBackingStoreName);
     return dskFulErr;
-}
-
-OSErr DeleteBackingFile(ConstStringPtr name) {
-    const Folder folder = PreferencesFolder();
-    const int lock = LockFolder(folder.vRefNum, folder.dirID);
-    const OSErr err = HDelete(folder.vRefNum, folder.dirID, name);
-    UnlockFolder(lock);
-    return err;
 }
 
 // Where a run of bytes lies, or nothing when there is nothing to copy.
@@ -162,10 +100,10 @@ struct Span {
 };
 
 Span FindSpan(const NamedImage *image, int32_t x, int32_t y, int32_t count) {
-    if (image == nullptr || x < 0 || x >= RowBytes(image) || y < 0 || y >= image->data.height) {
+    if (image == nullptr || x < 0 || x >= ImageRowBytes(image) || y < 0 || y >= image->data.height) {
         return {0, 0};
     }
-    return {RowOffset(image, y) + x, std::clamp<int64_t>(count, 0, RowBytes(image) - x)};
+    return {ImageRowOffset(image, y) + x, std::clamp<int64_t>(count, 0, ImageRowBytes(image) - x)};
 }
 
 }  // namespace
@@ -177,7 +115,7 @@ OSErr MakeNamedImage(ConstStringPtr name, Boolean keep, int16_t width, int16_t h
     if (made == nullptr) {
         return memFullErr;
     }
-    made->fileRef = kNoFile;
+    made->fileRef = kNoImageFile;
     made->keep = keep;
     made->data = {std::max<int16_t>(bytesPerPixel, 0), std::max<int16_t>(width, 0),
                   std::max<int16_t>(height, 0)};
@@ -187,7 +125,7 @@ OSErr MakeNamedImage(ConstStringPtr name, Boolean keep, int16_t width, int16_t h
     // Another process may be making an image of this name in the same folder.
     const int lock = LockFolder(folder.vRefNum, folder.dirID);
     HDelete(folder.vRefNum, folder.dirID, name);
-    made->onDisk = TakeMemory(made) != noErr || keep != 0;
+    made->onDisk = TakeImageMemory(made) != noErr || keep != 0;
     const OSErr err = made->onDisk ? OpenBackingFile(folder, name, made) : noErr;
     UnlockFolder(lock);
 
@@ -203,14 +141,14 @@ OSErr MakeNamedImage(ConstStringPtr name, Boolean keep, int16_t width, int16_t h
 
 OSErr TossNamedImage(ConstStringPtr name, NamedImage *image) {
     if (image == nullptr) {
-        return DeleteBackingFile(name);
+        return DeleteImageFile(name);
     }
-    ReleaseMemory(image);
+    ReleaseImageMemory(image);
     if (image->onDisk) {
-        if (image->fileRef != kNoFile) {
+        if (image->fileRef != kNoImageFile) {
             FSClose(image->fileRef);
         }
-        DeleteBackingFile(name);
+        DeleteImageFile(name);
     }
     DisposePtr(reinterpret_cast<Ptr>(image));
     return noErr;
@@ -261,7 +199,7 @@ OSErr PutLine(NamedImage *image, int32_t x, int32_t y, int32_t count, const void
 }
 
 OSErr GetLine(NamedImage *image, int32_t x, int32_t y, int32_t count, void *buffer) {
-    Span span = FindSpan(image, x, y, count);
+    const Span span = FindSpan(image, x, y, count);
     if (span.count == 0) {
         return noErr;
     }
@@ -269,8 +207,7 @@ OSErr GetLine(NamedImage *image, int32_t x, int32_t y, int32_t count, void *buff
         BlockMoveData(image->contents + span.offset, buffer, span.count);
         return noErr;
     }
-    const OSErr err = SetFPos(image->fileRef, fsFromStart, span.offset);
-    return err != noErr ? err : FSRead(image->fileRef, &span.count, buffer);
+    return ReadAt(image->fileRef, span.offset, span.count, buffer);
 }
 
 void GetImageData(const NamedImage *image, ImageData *data) {

@@ -1,5 +1,6 @@
 #include "settings/preferences_file.h"
 
+#include "imagestore/preferences_folder.h"
 #include "imagestore/strings.h"
 #include "platform/files.h"
 #include "platform/locks.h"
@@ -11,17 +12,6 @@ constexpr OSType kCreator = FourCharCode("CREA");
 constexpr OSType kFileType = FourCharCode("TYPE");
 constexpr int64_t kSlotSize = 1024;
 static_assert(kPreferenceHeaderSize == kSlotSize);
-
-struct Folder {
-    int16_t vRefNum;
-    int32_t dirID;
-};
-
-Folder PreferencesFolder() {
-    Folder folder;
-    FindFolder(kOnSystemDisk, kPreferencesFolderType, false, &folder.vRefNum, &folder.dirID);
-    return folder;
-}
 
 bool ReadSlot(int16_t refNum, int32_t slot, uint8_t *buffer) {
     int64_t count = kSlotSize;

@@ -51,22 +51,32 @@ std::string Deliver(PIReadDescriptor token) {
     Handle text = nullptr, alias = nullptr, object = nullptr;
     const ReadDescriptorProcs &read = Reading();
     std::string letters;
-    const auto note = [&](OSErr err, char letter, bool right) {
-        letters += err != noErr ? "" : right ? std::string(1, letter) : "?";
-    };
     const auto isBytes = [](Handle handle) {
         return handle != nullptr && GetHandleSize(handle) == 3 && std::memcmp(*handle, "a\0b", 3) == 0;
     };
-    note(read.getIntegerProc(token, &integer), 'i', integer == -7);
-    note(read.getFloatProc(token, &number), 'f', number == 2.5);
-    note(read.getUnitFloatProc(token, &unit, &unitNumber), 'u', unit == kUnit && unitNumber == 2.5);
-    note(read.getBooleanProc(token, &boolean), 'b', boolean == 1);
-    note(read.getStringProc(token, &string), 's', std::memcmp(string, "\5hello", 6) == 0);
-    note(read.getTextProc(token, &text), 't', text != nullptr && std::memcmp(*text, "hello", 5) == 0);
-    note(read.getEnumeratedProc(token, &enumerated), 'e', enumerated == kKeys[1]);
-    note(read.getClassProc(token, &classCode), 'c', classCode == kKeys[2]);
-    note(read.getObjectProc(token, &objectType, &object), 'o', objectType == kKeys[3] && isBytes(object));
-    note(read.getAliasProc(token, &alias), 'a', isBytes(alias));
+    const OSErr errors[] = {read.getIntegerProc(token, &integer),
+                            read.getFloatProc(token, &number),
+                            read.getUnitFloatProc(token, &unit, &unitNumber),
+                            read.getBooleanProc(token, &boolean),
+                            read.getStringProc(token, &string),
+                            read.getTextProc(token, &text),
+                            read.getEnumeratedProc(token, &enumerated),
+                            read.getClassProc(token, &classCode),
+                            read.getObjectProc(token, &objectType, &object),
+                            read.getAliasProc(token, &alias)};
+    const bool right[] = {integer == -7,
+                          number == 2.5,
+                          unit == kUnit && unitNumber == 2.5,
+                          boolean == 1,
+                          std::memcmp(string, "\5hello", 6) == 0,
+                          text != nullptr && std::memcmp(*text, "hello", 5) == 0,
+                          enumerated == kKeys[1],
+                          classCode == kKeys[2],
+                          objectType == kKeys[3] && isBytes(object),
+                          isBytes(alias)};
+    for (size_t i = 0; i < std::size(errors); ++i) {
+        letters += errors[i] != noErr ? "" : std::string(1, right[i] ? "ifubstecoa"[i] : '?');
+    }
     for (Handle handle : {text, alias, object}) {
         DisposeHandle(handle);
     }
