@@ -16,6 +16,7 @@
 namespace {
 
 constexpr size_t kMaxNameLength = 63;
+constexpr int32_t kNoDirectory = 0;
 constexpr int32_t kFirstFreeDirectory = 16;
 
 struct Volume {
@@ -76,17 +77,18 @@ std::string Joined(const std::string &folder, const std::string &name) {
     return folder.back() == '/' ? folder + name : folder + '/' + name;
 }
 
+// What cannot be resolved leaves a specification on which every call fails with the same error: an empty
+// name, or no folder.
 OSErr MakeSpec(int16_t vRefNum, const std::string &folder, std::string_view name, FSSpec *spec) {
-    OSErr err = CheckName(name);
-    if (err == noErr) {
-        err = volume::DirectoryID(vRefNum, folder, &spec->parID);
+    *spec = {vRefNum, volume::kRoot, {}};
+    if (const OSErr err = CheckName(name); err != noErr) {
+        return err;
     }
-    if (err != noErr) {
-        // A folder on the way that is missing.
+    StoreName(name, spec->name);
+    if (const OSErr err = volume::DirectoryID(vRefNum, folder, &spec->parID); err != noErr) {
+        spec->parID = kNoDirectory;
         return err == fnfErr ? dirNFErr : err;
     }
-    spec->vRefNum = vRefNum;
-    StoreName(name, spec->name);
     struct stat info;
     return lstat(Joined(folder, PosixName(name)).c_str(), &info) == 0 ? noErr : volume::ErrorFromErrno(errno);
 }
@@ -201,15 +203,14 @@ OSErr volume::ResolvePath(std::string_view path, FSSpec *spec) {
         if (path.empty()) {
             return MakeSpec(vRefNum, folder, component, spec);
         }
-        if (const OSErr err = CheckName(component); err != noErr) {
-            return err;
+        if (CheckName(component) != noErr) {
+            return MakeSpec(vRefNum, folder, {}, spec);
         }
         folder = Joined(folder, PosixName(component));
     }
 }
 
 OSErr volume::ResolvePosixPath(const std::string &path, FSSpec *spec) {
-    *spec = {};
     std::error_code ignored;
     const std::filesystem::path whole = std::filesystem::absolute(WithoutTrailingSlashes(path), ignored);
     return MakeSpec(kStartup, whole.parent_path(), MacName(whole.filename().string()), spec);

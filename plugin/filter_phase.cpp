@@ -107,6 +107,17 @@ OSErr Process(PluginState *state, const RunGeometry &run, RunContext *context, S
     }
 }
 
+// Disposing of the block alone would leave the entries' texts behind.
+void DisposeSettings(SPBlock *settings) {
+    for (uint32_t i = 0; i < CountSPInputs(settings); ++i) {
+        SetSPInputSettingCString(settings, i, nullptr);
+    }
+    for (uint32_t j = 0; j < CountSPOutputs(settings); ++j) {
+        SetSPOutputSettingCString(settings, j, nullptr);
+    }
+    _DisposeSPBlock(settings);
+}
+
 OSErr FilterWithSettings(PluginState *state, const RunGeometry &run, RunContext *context) {
     SPBlock *settings = _AllocateSPBlock(kSettingSlots);
     if (settings == nullptr) {
@@ -123,7 +134,7 @@ OSErr FilterWithSettings(PluginState *state, const RunGeometry &run, RunContext 
     _WriteScriptParamToPS(state->filterRecord, settings);
     WriteMeasurements(context, settings);
     LogMeasurements(context, settings);
-    _DisposeSPBlock(settings);
+    DisposeSettings(settings);
     return err;
 }
 

@@ -75,6 +75,7 @@ void FillRecord() {
     record.haveMask = !document.mask.empty();
     record.advanceState = session->options->advanceState ? AdvanceState : nullptr;
     record.descriptorParameters = session->options->descriptorParameters;
+    record.documentInfo = session->options->documentInfo;
     record.progressProc = [](int32_t done, int32_t total) {
         session->run.progress.emplace_back(done, total);
     };

@@ -20,6 +20,7 @@ struct TestHostOptions {
     bool advanceState = true;   // else the host sends Continue
     int64_t cancelAtCall = -1;  // abortProc answers yes from this call on
     PIDescriptorParameters *descriptorParameters = nullptr;
+    ReadImageDocumentDesc *documentInfo = nullptr;
 };
 
 struct TestRun {
