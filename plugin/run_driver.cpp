@@ -41,7 +41,7 @@ void MakeImages(PluginState *state, const RunGeometry &run) {
     if (err != noErr) {
         state->result = err;
         state->haveMask = false;
-    } else if (state->haveMask) {
+    } else if (state->haveMask && state->selectionImage == nullptr) {
         state->haveMask = MakeSelectionImage(width, height, 1, &state->selectionImage) == noErr;
     }
 }
