@@ -25,8 +25,17 @@ int16_t SupportedDepth(int32_t depth) {
     return depth == 16 || depth == 32 ? static_cast<int16_t>(depth) : int16_t{8};
 }
 
+// Backing files of runs that died; making an image clears its own name only. Images of a run that is alive
+// keep their open files.
+void ClearLeftOvers() {
+    TossTempImage(nullptr);
+    TossAlphaImage(nullptr);
+    TossSelectionImage(nullptr);
+}
+
 void ResetRun(PluginState *state) {
     ReleaseRun(state);
+    ClearLeftOvers();
     state->phase = phaseReading;
     state->depth = SupportedDepth(state->filterRecord->depth);
     state->haveMask = false;

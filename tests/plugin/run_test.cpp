@@ -1,6 +1,7 @@
 // Whole runs of the plug-in through its entry.
 #include <bit>
 #include <cstring>
+#include <fstream>
 
 #include "photoshop/image_modes.h"
 #include "plugin/color_modes.h"
@@ -285,6 +286,29 @@ TEST_F(Run, MasksOfEveryKindAreTaken) {
             }
         }
     }
+}
+
+TEST_F(Run, LeftOversOfDeadRunsGoAndLivingRunsKeepTheirs) {
+    const char *names[] = {"BackingStore", "TempImage", "AlphaImage", "SelectionImage"};
+    for (const char *name : names) {
+        std::ofstream(folder / name) << "left by a run that died";
+    }
+    const TestDocument document = Document(plugInModeRGBColor, 8, 3, 5, 4);
+    EXPECT_EQ(Play(document, 1).result, noErr);
+    EXPECT_EQ(FileCount(), 0u);
+
+    // An image on disk, as another run in this folder would have it.
+    faults::RefuseTemporaryMemory(true);
+    const TestImage source = RandomImage(6, 5, 3, 31);
+    NamedImage *living = nullptr;
+    ASSERT_EQ(MakeAlphaImage(source.width, source.height, source.bytesPerPixel, &living), noErr);
+    for (int32_t y = 0; y < source.height; ++y) {
+        PutLine(living, 0, y, source.RowBytes(), source.bytes.data() + y * source.RowBytes());
+    }
+    EXPECT_EQ(Play(Document(plugInModeRGBColor, 8, 4, 5, 4), 1).result, noErr);
+    faults::RefuseTemporaryMemory(false);
+    EXPECT_EQ(BytesOf(living), source.bytes);
+    TossAlphaImage(living);
 }
 
 TEST_F(Run, SelectorsAnswerAndKeepTheirState) {
