@@ -100,10 +100,10 @@ TEST_F(Program, FailsWithOneSentenceAndLeavesNothing) {
     WriteNoise("good.tif", 40, 30, 3);
     WriteNoise("16.tif", 40, 30, 3, VIPS_FORMAT_USHORT, VIPS_INTERPRETATION_RGB16);
     WriteNoise("cmyk.tif", 40, 30, 4, VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_CMYK);
-    WriteNoise("lab.tif", 40, 30, 3, VIPS_FORMAT_FLOAT, VIPS_INTERPRETATION_LAB);
+    WriteNoise("lab.tif", 40, 30, 3, VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_LAB);
+    WriteNoise("float-lab.tif", 40, 30, 3, VIPS_FORMAT_FLOAT, VIPS_INTERPRETATION_LAB);
     WriteNoise("uint.tif", 40, 30, 1, VIPS_FORMAT_UINT, VIPS_INTERPRETATION_B_W);
     WriteNoise("pages.tif[page-height=15]", 40, 30, 3);
-    WriteNoise("wide.png", 30001, 1, 1, VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_B_W);
     WriteNoise("other.png", 40, 30, 3);
     WriteNoise("whole.jpg", 40, 30, 3);
     for (const char *name : {"whole.jpg", "good.png", "good.tif"}) {
@@ -139,15 +139,14 @@ TEST_F(Program, FailsWithOneSentenceAndLeavesNothing) {
         {{"cut-good.tif", "-o", "new.tif"}, 1, "cut-good.tif"},
         {{"cut-whole.jpg", "-o", "new.png"}, 1, "cut-whole.jpg"},
         {{"folder.png", "-o", "new.png"}, 1, "folder.png: this is a folder"},
-        {{"cmyk.tif", "-o", "new.tif"}, 1, "CMYK"},
-        {{"lab.tif", "-o", "new.tif"}, 1, "Lab"},
+        {{"cmyk.tif", "-o", "new.png"}, 1, "CMYK"},
+        {{"lab.tif", "-o", "new.jpg"}, 1, "choose .tif"},
+        {{"float-lab.tif", "-o", "new.tif"}, 1, "float"},
         {{"uint.tif", "-o", "new.tif"}, 1, "uint"},
         {{"pages.tif", "-o", "new.tif"}, 1, "pages.tif: it has several pages"},
         {{"animated.png", "-o", "new.png"}, 1, "animated.png: it has several pages"},
-        {{"wide.png", "-o", "new.png"}, 1, "30000"},
         {{"16.tif", "-o", "new.jpg"}, 1, "16.tif"},
         {{"good.png", "-o", "other.png"}, 1, "other.png: exists already"},
-        {{"good.png", "-o", "folder.png", "-f"}, 1, "folder.png"},
         {{"good.png", "-o", "good.png", "-f"}, 2, "--in-place"},
         {{"good.png", "-o", "nowhere/new.png"}, 1, "nowhere"},
         {{"good.png", "-o", "/proc/new.png"}, 1, "/proc/new.png"},
