@@ -168,8 +168,9 @@ std::string TakeItem(const Json &json, ActionItem *item) {
     if (kind == nullptr) {
         return type == nullptr ? "has no \"type\"" : "has an unknown type";
     }
-    const std::string wrong = kind->codeName == nullptr ? CheckMembers(json, {"type", "value"})
-                                                        : CheckMembers(json, {"type", kind->codeName, "value"});
+    const std::string wrong = kind->codeName == nullptr
+                                  ? CheckMembers(json, {"type", "value"})
+                                  : CheckMembers(json, {"type", kind->codeName, "value"});
     if (!wrong.empty()) {
         return wrong;
     }

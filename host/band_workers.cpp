@@ -54,7 +54,8 @@ FilterOutcome FilterInWorkers(const BandRequest &request, const std::vector<Tile
         return false;
     };
     calls.cancelled = request.watcher.cancelled;
-    const auto workers = static_cast<int32_t>(std::min<size_t>(tiles.size(), static_cast<size_t>(request.workers)));
+    const auto workers =
+        static_cast<int32_t>(std::min<size_t>(tiles.size(), static_cast<size_t>(request.workers)));
     switch (RunWorkers(workers, SharedBlocks(*request.document), calls)) {
         case PoolEnd::cancelled:
             return {userCanceledErr, {}, {}};

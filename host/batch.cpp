@@ -38,9 +38,9 @@ struct Batch {
     size_t failedCount = 0;
     int status = kExitDone;  // the latest failure's
 
-    size_t next = 0;            // request to be given to a worker
-    size_t jobCount = 0;        // given so far
-    std::vector<size_t> large = {};  // requests that are left for later
+    size_t next = 0;                                            // request to be given to a worker
+    size_t jobCount = 0;                                        // given so far
+    std::vector<size_t> large = {};                             // requests that are left for later
     std::map<size_t, std::unique_ptr<Assigned>> assigned = {};  // by the number of the job
 };
 
@@ -85,8 +85,8 @@ MaybeFailure DoHere(Batch *batch, size_t index, FileReport *report) {
     const Watcher watcher = {[=](double done) { Advance(batch, index, done); }, Interrupted};
     PlannedFile planned;
     Picture picture;
-    if (MaybeFailure failure = PlanFile((*batch->requests)[index], *batch->settings, batch->plugin->info,
-                                        &planned, &picture)) {
+    if (MaybeFailure failure =
+            PlanFile((*batch->requests)[index], *batch->settings, batch->plugin->info, &planned, &picture)) {
         return failure;
     }
     const auto filter = [=](Document *document, const Watcher &ofFilter) {
@@ -136,7 +136,8 @@ bool TakeAnswer(Batch *batch, size_t job, const std::string &packed) {
     const std::unique_ptr<Assigned> assigned = TakeBack(batch, job);
     FileAnswer answer;
     if (!UnpackAnswer(packed, &answer)) {
-        answer.failure = FileFailure(assigned->planned.task.inputFile, "its worker process answered nonsense");
+        answer.failure =
+            FileFailure(assigned->planned.task.inputFile, "its worker process answered nonsense");
     }
     if (!answer.failure) {
         answer.failure = PublishFile(&assigned->planned);
@@ -147,8 +148,8 @@ bool TakeAnswer(Batch *batch, size_t job, const std::string &packed) {
 
 bool TakeDeath(Batch *batch, size_t job, const std::string &how) {
     const std::unique_ptr<Assigned> assigned = TakeBack(batch, job);
-    const Failure failure = FileFailure(assigned->planned.task.inputFile,
-                                        "its worker process " + how + ", nothing was written");
+    const Failure failure =
+        FileFailure(assigned->planned.task.inputFile, "its worker process " + how + ", nothing was written");
     Settle(batch, assigned->request, failure, {}, assigned->start);
     return true;
 }
@@ -157,9 +158,7 @@ bool TakeDeath(Batch *batch, size_t job, const std::string &how) {
 void RunInWorkers(Batch *batch) {
     WorkerCalls calls;
     calls.next = [=](std::string *job) { return NextJob(batch, job); };
-    calls.progress = [=](size_t job, double done) {
-        Advance(batch, batch->assigned.at(job)->request, done);
-    };
+    calls.progress = [=](size_t job, double done) { Advance(batch, batch->assigned.at(job)->request, done); };
     calls.answered = [=](size_t job, const std::string &answer) { return TakeAnswer(batch, job, answer); };
     calls.died = [=](size_t job, const std::string &how) { return TakeDeath(batch, job, how); };
     calls.cancelled = Interrupted;
@@ -196,7 +195,8 @@ std::string OutputOf(const Options &options, const std::string &input) {
 
 MaybeFailure PlanBatch(const Options &options, std::vector<FileRequest> *requests) {
     std::error_code error;
-    if (options.inputFiles.size() > 1 && !options.output.empty() && !fs::is_directory(options.output, error)) {
+    if (options.inputFiles.size() > 1 && !options.output.empty() &&
+        !fs::is_directory(options.output, error)) {
         return Failure{kExitUsage, options.output + ": several pictures need an existing folder to go to."};
     }
     std::map<fs::path, std::string> inputs;  // by the outputs' places
@@ -207,15 +207,19 @@ MaybeFailure PlanBatch(const Options &options, std::vector<FileRequest> *request
             return Failure{kExitUsage, input + ": its output would be " + output + ", which is that of " +
                                            taken->second + " already."};
         }
-        requests->push_back({input, output, options.comparisonFile, options.recordFile, options.force,
-                             options.inPlace});
+        requests->push_back(
+            {input, output, options.comparisonFile, options.recordFile, options.force, options.inPlace});
     }
     return std::nullopt;
 }
 
-int RunBatch(const Options &options, const FilterSettings &settings,
-             const std::vector<FileRequest> &requests, Plugin *plugin) {
-    Batch batch = {&options, &settings, &requests, plugin, MakeProgressBar(!options.quiet),
+int RunBatch(const Options &options, const FilterSettings &settings, const std::vector<FileRequest> &requests,
+             Plugin *plugin) {
+    Batch batch = {&options,
+                   &settings,
+                   &requests,
+                   plugin,
+                   MakeProgressBar(!options.quiet),
                    std::vector<double>(requests.size())};
     const bool several = requests.size() > 1;
     if (several && options.jobs > 1) {

@@ -11,5 +11,5 @@
 MaybeFailure PlanBatch(const Options &options, std::vector<FileRequest> *requests);
 
 // Does the work and tells of it; a failure ends one picture only. Returns the exit status.
-int RunBatch(const Options &options, const FilterSettings &settings,
-             const std::vector<FileRequest> &requests, Plugin *plugin);
+int RunBatch(const Options &options, const FilterSettings &settings, const std::vector<FileRequest> &requests,
+             Plugin *plugin);

@@ -44,9 +44,8 @@ Image Apply(Image image, Operation operation) {
 }
 
 Image Scaled(Image image, const PictureMode &mode) {
-    const auto *scale = std::find_if(std::begin(kScales), std::end(kScales), [&](const Scale &known) {
-        return known.imageMode == mode.imageMode;
-    });
+    const auto *scale = std::find_if(std::begin(kScales), std::end(kScales),
+                                     [&](const Scale &known) { return known.imageMode == mode.imageMode; });
     if (scale == std::end(kScales)) {
         return image;
     }
@@ -72,7 +71,8 @@ Image InDisplayColors(Image image) {
     image = Apply(std::move(image), [](VipsImage *in, VipsImage **out) {
         return vips_colourspace(in, out, VIPS_INTERPRETATION_sRGB, nullptr);
     });
-    return Apply(std::move(image), [](VipsImage *in, VipsImage **out) { return vips_cast_uchar(in, out, nullptr); });
+    return Apply(std::move(image),
+                 [](VipsImage *in, VipsImage **out) { return vips_cast_uchar(in, out, nullptr); });
 }
 
 Image Middle(Image image) {
@@ -94,9 +94,8 @@ Image ViewOf(const Picture &picture, const PixelBlock &pixels) {
     }
     image->Type = mode.interpretation;
     CopyMetadata(picture.metadata.get(), image.get());
-    image = Middle(Apply(std::move(image), [](VipsImage *in, VipsImage **out) {
-        return vips_autorot(in, out, nullptr);
-    }));
+    image = Middle(Apply(std::move(image),
+                         [](VipsImage *in, VipsImage **out) { return vips_autorot(in, out, nullptr); }));
     image = Apply(std::move(image), [&](VipsImage *in, VipsImage **out) {
         return vips_extract_band(in, out, 0, "n", mode.colorPlanes, nullptr);
     });

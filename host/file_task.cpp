@@ -101,7 +101,8 @@ MaybeFailure PlanFile(const FileRequest &request, const FilterSettings &settings
     };
     for (const auto &[file, output, written, inPlace] : outputs) {
         if (!file.empty()) {
-            if (MaybeFailure failure = PlanOutput({request.inputFile, file, request.force, inPlace}, output)) {
+            if (MaybeFailure failure =
+                    PlanOutput({request.inputFile, file, request.force, inPlace}, output)) {
                 return failure;
             }
         }

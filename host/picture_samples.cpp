@@ -72,9 +72,8 @@ int32_t PlanesOf(VipsImage *image) {
 }
 
 void TakeSamples(Delivered delivered, const void *row, const Document &document, uint8_t *samples) {
-    static constexpr void (*kTake[])(const void *, const Document &,
-                                     uint8_t *) = {TakeAsInFile, TakePackedLab, TakeSignedLabFrom8,
-                                                   TakeSignedLabFrom16};
+    static constexpr void (*kTake[])(const void *, const Document &, uint8_t *) = {
+        TakeAsInFile, TakePackedLab, TakeSignedLabFrom8, TakeSignedLabFrom16};
     kTake[static_cast<int>(delivered)](row, document, samples);
     const PictureMode &mode = ModeOfDocument(document.imageMode);
     // The last colour plane is flipped in every mode that has flips.

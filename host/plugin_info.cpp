@@ -109,9 +109,8 @@ bool ParsePropertyList(std::string_view bytes, PluginInfo *info) {
         if (!TakeEntry(&bytes, &entry)) {
             return false;
         }
-        const auto *property =
-            std::find_if(std::begin(kProperties), std::end(kProperties),
-                         [&](const Property &known) { return known.key == entry.key; });
+        const auto *property = std::find_if(std::begin(kProperties), std::end(kProperties),
+                                            [&](const Property &known) { return known.key == entry.key; });
         if (entry.vendor != plugInVendorID || property == std::end(kProperties)) {
             continue;
         }

@@ -45,13 +45,14 @@ MaybeFailure ReadMask(const std::string &maskFile, const std::string &file, cons
     }
     const Document &grey = mask.document;
     if (grey.planes != 1 || grey.depth > 16) {
-        return FileFailure(maskFile, "a mask must be grey, of 8 or 16 bits and without further channels, and "
-                                     "this picture is " +
-                                         DescribePicture(mask));
+        return FileFailure(maskFile,
+                           "a mask must be grey, of 8 or 16 bits and without further channels, and "
+                           "this picture is " +
+                               DescribePicture(mask));
     }
     if (grey.width != document->width || grey.height != document->height) {
-        return FileFailure(maskFile, "the mask is " + SizeOf(grey) + ", and " + file + " is " +
-                                         SizeOf(*document));
+        return FileFailure(maskFile,
+                           "the mask is " + SizeOf(grey) + ", and " + file + " is " + SizeOf(*document));
     }
     if (MaybeFailure failure = ReadPixels(&mask, watcher)) {
         return failure;
@@ -110,7 +111,8 @@ std::optional<VRect> ParseRect(const std::string &text) {
     const auto [left, top, width, height] = numbers;
     const int64_t right = int64_t{left} + width;
     const int64_t bottom = int64_t{top} + height;
-    if (place != end || !IsSize(width) || !IsSize(height) || right > VIPS_MAX_COORD || bottom > VIPS_MAX_COORD) {
+    if (place != end || !IsSize(width) || !IsSize(height) || right > VIPS_MAX_COORD ||
+        bottom > VIPS_MAX_COORD) {
         return std::nullopt;
     }
     return VRect{top, left, static_cast<int32_t>(bottom), static_cast<int32_t>(right)};
@@ -119,12 +121,12 @@ std::optional<VRect> ParseRect(const std::string &text) {
 MaybeFailure Select(const Selection &selection, const std::string &file, const Watcher &watcher,
                     Document *document) {
     if (selection.rect && !LiesInside(*selection.rect, *document)) {
-        return Failure{kExitUsage, file + ": the rectangle of --select does not lie inside the picture, which is " +
-                                       SizeOf(*document) + "."};
+        return Failure{kExitUsage,
+                       file + ": the rectangle of --select does not lie inside the picture, which is " +
+                           SizeOf(*document) + "."};
     }
     document->selection = selection.rect;
-    return selection.maskFile.empty() ? std::nullopt
-                                      : ReadMask(selection.maskFile, file, watcher, document);
+    return selection.maskFile.empty() ? std::nullopt : ReadMask(selection.maskFile, file, watcher, document);
 }
 
 void BlendByMask(Document *document) {

@@ -16,8 +16,8 @@ struct Selection {
 // "X,Y,W,H"; nothing for other texts, and for what no picture could hold.
 std::optional<VRect> ParseRect(const std::string &text);
 
-// Takes the selection into the document of `file`: refuses a rectangle that does not lie inside it, and a mask
-// that is not a grey picture of its size.
+// Takes the selection into the document of `file`: refuses a rectangle that does not lie inside it, and a
+// mask that is not a grey picture of its size.
 MaybeFailure Select(const Selection &selection, const std::string &file, const Watcher &watcher,
                     Document *document);
 

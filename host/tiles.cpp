@@ -154,7 +154,8 @@ FilterOutcome FilterTiles(const FilterRequest &request, const std::vector<Tile> 
         FilterRequest ofTile = request;
         const double from = static_cast<double>(done) / static_cast<double>(total);
         done += AreaOf(tile);
-        ofTile.watcher = PartOf(request.watcher, from, static_cast<double>(done) / static_cast<double>(total));
+        ofTile.watcher =
+            PartOf(request.watcher, from, static_cast<double>(done) / static_cast<double>(total));
         outcome = FilterTile(ofTile, tile);
         if (outcome.result != noErr) {
             break;

@@ -55,8 +55,9 @@ bool Spawn(const std::vector<int> &descriptors, pid_t *process) {
     bool sound = true;
     for (size_t i = 0; i < descriptors.size(); ++i) {
         moved.push_back(fcntl(descriptors[i], F_DUPFD_CLOEXEC, kOutOfTheWay));
-        sound = sound && moved.back() >= 0 &&
-                posix_spawn_file_actions_adddup2(&actions, moved.back(), kWorkerLine + static_cast<int>(i)) == 0;
+        sound =
+            sound && moved.back() >= 0 &&
+            posix_spawn_file_actions_adddup2(&actions, moved.back(), kWorkerLine + static_cast<int>(i)) == 0;
     }
     char program[] = "hymedian";
     std::string argument = kWorkerArgument;
@@ -83,9 +84,9 @@ bool StartWorker(const std::vector<int> &shared, Worker *worker) {
 }
 
 std::string HowItEnded(int status) {
-    return WIFSIGNALED(status)
-               ? "was ended by signal " + std::to_string(WTERMSIG(status)) + " (" + strsignal(WTERMSIG(status)) + ")"
-               : "ended with status " + std::to_string(WEXITSTATUS(status));
+    return WIFSIGNALED(status) ? "was ended by signal " + std::to_string(WTERMSIG(status)) + " (" +
+                                     strsignal(WTERMSIG(status)) + ")"
+                               : "ended with status " + std::to_string(WEXITSTATUS(status));
 }
 
 struct Pool {
@@ -93,7 +94,7 @@ struct Pool {
     const WorkerCalls *calls;
     size_t wanted;
     std::list<Worker> workers = {};
-    size_t jobs = 0;      // handed out so far
+    size_t jobs = 0;       // handed out so far
     bool drained = false;  // no more jobs
 };
 

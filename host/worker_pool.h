@@ -1,5 +1,5 @@
-// Worker processes of this program, which do jobs that are put into messages. The filter runs once at a time in
-// a process, so this is how several run at once.
+// Worker processes of this program, which do jobs that are put into messages. The filter runs once at a time
+// in a process, so this is how several run at once.
 #pragma once
 
 #include <cstdint>

@@ -71,7 +71,9 @@ TEST_F(PictureFile, SamplesComeBackAsTheyWere) {
         {plugInModeGrayScale, 1, "a.tif"}, {plugInModeGray16, 3, "b.tiff"},
         {plugInModeGray32, 1, "c.tif"},    {plugInModeRGBColor, 5, "d.tif"},
         {plugInModeRGB48, 4, "e.tif"},     {plugInModeRGB96, 3, "f.tif"},
-        {plugInModeRGB96, 4, "g.tif"},
+        {plugInModeRGB96, 4, "g.tif"},     {plugInModeLabColor, 3, "h.tif"},
+        {plugInModeLabColor, 5, "i.tif"},  {plugInModeCMYKColor, 6, "j.tif"},
+        {plugInModeCMYK64, 5, "k.tif"},
     };
     for (const auto &test : cases) {
         SCOPED_TRACE(test.file);
@@ -128,6 +130,8 @@ TEST_F(PictureFile, NothingIsCutToFitAFormat) {
         {plugInModeRGB48, 3, "a.webp", "choose .png or .tif."},
         {plugInModeRGB96, 3, "a.png", "choose .tif."},
         {plugInModeRGBColor, 5, "a.png", "choose .tif."},
+        {plugInModeLabColor, 3, "a.webp", "choose .tif."},
+        {plugInModeCMYKColor, 4, "a.png", "choose .jpg or .tif."},
     };
     for (const auto &test : cases) {
         const std::string sentence = Write(MakePicture(test.mode, test.planes), test.file);
