@@ -16,7 +16,6 @@
 
 namespace {
 
-constexpr size_t kLargestPacket = 1 << 17;
 // A job is reported on so often that a bar moves smoothly, and no oftener.
 constexpr double kProgressStep = 1.0 / 128;
 

@@ -15,7 +15,6 @@
 
 namespace {
 
-constexpr size_t kLargestPacket = 1 << 17;
 // So often a signal that came between two calls is noticed.
 constexpr int kPollMilliseconds = 100;
 // Descriptors are moved up there first, since one of them could stand where another has to go.

@@ -2,6 +2,7 @@
 // in a process, so this is how several run at once.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -18,6 +19,7 @@ constexpr int kFirstShared = 4;
 // answer to the job.
 constexpr char kProgressMark = 'p';
 constexpr char kAnswerMark = 'a';
+constexpr size_t kLargestPacket = 1 << 17;
 
 struct WorkerCalls {
     // The message of the next job, which gets the next number from 0 on; false when there are no more.

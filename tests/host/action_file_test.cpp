@@ -44,12 +44,16 @@ TEST_F(ActionFile, RadiiComeBackExactly) {
 }
 
 TEST_F(ActionFile, EachKindIsWrittenInWords) {
-    const Action action = {kHybridMedianEvent,
-                           {{.key = FourCharCode("unit"), .type = typeUnitFloat, .code = FourCharCode("#Pxl"), .number = 2.5},
-                            {.key = FourCharCode("int "), .type = typeInteger, .integer = 0xFFFFFFF9},
-                            {.key = FourCharCode("bool"), .type = typeBoolean, .integer = 1},
-                            {.key = FourCharCode("text"), .type = typeText, .bytes = "a\"\xC9"},
-                            {.key = FourCharCode("en\xA5m"), .type = typeEnumerated, .code = FourCharCode("UniT"), .integer = FourCharCode("inch")}}};
+    const Action action = {
+        kHybridMedianEvent,
+        {{.key = FourCharCode("unit"), .type = typeUnitFloat, .code = FourCharCode("#Pxl"), .number = 2.5},
+         {.key = FourCharCode("int "), .type = typeInteger, .integer = 0xFFFFFFF9},
+         {.key = FourCharCode("bool"), .type = typeBoolean, .integer = 1},
+         {.key = FourCharCode("text"), .type = typeText, .bytes = "a\"\xC9"},
+         {.key = FourCharCode("en\xA5m"),
+          .type = typeEnumerated,
+          .code = FourCharCode("UniT"),
+          .integer = FourCharCode("inch")}}};
     EXPECT_EQ(Written(action),
               R"({"event":"HyMd","parameters":{"unit":{"type":"unitfloat","unit":"#Pxl","value":2.5},)"
               R"("int":{"type":"integer","value":-7},"bool":{"type":"boolean","value":true},)"
@@ -78,7 +82,8 @@ TEST_F(ActionFile, RefusesWhatTheFilterWouldIgnore) {
         {R"({"event": 5, "parameters": {}})", "another event"},
         {R"({"event": "HyMd", "parameters": [1]})", "\"parameters\" is not an object"},
         {R"({"event": "HyMd", "parameters": {"radius": {"type": "float", "value": 2}}})", "four characters"},
-        {R"({"event": "HyMd", "parameters": {"rads": {"type": "float", "value": 2}}})", "\"rads\" is not one"},
+        {R"({"event": "HyMd", "parameters": {"rads": {"type": "float", "value": 2}}})",
+         "\"rads\" is not one"},
         {radius("2"), "no \"type\""},
         {radius(R"({"type": "float"})"), "no \"value\""},
         {radius(R"({"type": "double", "value": 2})"), "unknown type"},
@@ -89,7 +94,8 @@ TEST_F(ActionFile, RefusesWhatTheFilterWouldIgnore) {
         {radius(R"({"type": "integer", "value": 18446744073709551615})"), "no value of the type \"integer\""},
         {radius(R"({"type": "integer", "value": 2.5})"), "no value of the type \"integer\""},
         {radius(R"({"type": "unit float", "unit": "#Pxl", "value": 2})"), "must be of the type \"float\""},
-        {radius(R"({"type": "unit float", "unit": "pixels", "value": 2})"), "no value of the type \"unit float\""},
+        {radius(R"({"type": "unit float", "unit": "pixels", "value": 2})"),
+         "no value of the type \"unit float\""},
         {radius(R"({"type": "boolean", "value": 1})"), "no value of the type \"boolean\""},
         {radius(R"({"type": "text", "value": "2"})"), "must be of the type \"float\""},
         {radius(R"({"type": "enumerated", "of": "UniT", "value": "two"})"), "no value of the type"},

@@ -67,7 +67,8 @@ constexpr Kind kKinds[] = {
     {"grey 8", plugInModeGrayScale, 8, 1, VIPS_INTERPRETATION_B_W, Same, Same, Same, Same},
     {"RGB 8", plugInModeRGBColor, 8, 3, VIPS_INTERPRETATION_sRGB, Same, Same, Same, Same},
     {"Lab 8", plugInModeLabColor, 8, 3, VIPS_INTERPRETATION_LAB, Same, OffsetBy128, Same, OffsetBy128},
-    {"CMYK 8", plugInModeCMYKColor, 8, 4, VIPS_INTERPRETATION_CMYK, Inverted8, Inverted8, Inverted8, Inverted8},
+    {"CMYK 8", plugInModeCMYKColor, 8, 4, VIPS_INTERPRETATION_CMYK, Inverted8, Inverted8, Inverted8,
+     Inverted8},
     {"grey 16", plugInModeGray16, 16, 1, VIPS_INTERPRETATION_GREY16, To32768, To32768, From32768, From32768},
     {"RGB 16", plugInModeRGB48, 16, 3, VIPS_INTERPRETATION_RGB16, To32768, To32768, From32768, From32768},
     {"Lab 16", plugInModeLab48, 16, 3, VIPS_INTERPRETATION_LAB, LightnessTo32768, SignedTo32768, From32768,
@@ -103,8 +104,7 @@ struct Samples {
         Samples converted = *this;
         for (size_t i = 0; i < values.size(); ++i) {
             const int plane = static_cast<int>(i) % planes;
-            converted.values[i] =
-                (plane == 0 ? first : plane < kind.colorPlanes ? other : extra)(values[i]);
+            converted.values[i] = (plane == 0 ? first : plane < kind.colorPlanes ? other : extra)(values[i]);
         }
         return converted;
     }
@@ -128,9 +128,9 @@ class ColorDocuments : public Program {
   protected:
     void WriteTiff(const std::string &name, const Samples &samples) {
         const std::vector<uint8_t> bytes = samples.Bytes();
-        const OwnedObject<VipsImage> image(vips_image_new_from_memory(
-            bytes.data(), bytes.size(), kWidth, kHeight, samples.planes,
-            samples.kind.depth == 8 ? VIPS_FORMAT_UCHAR : VIPS_FORMAT_USHORT));
+        const OwnedObject<VipsImage> image(
+            vips_image_new_from_memory(bytes.data(), bytes.size(), kWidth, kHeight, samples.planes,
+                                       samples.kind.depth == 8 ? VIPS_FORMAT_UCHAR : VIPS_FORMAT_USHORT));
         image->Type = samples.kind.interpretation;
         vips_image_set_blob_copy(image.get(), VIPS_META_ICC_NAME, kProfile.data(), kProfile.size());
         ASSERT_EQ(vips_tiffsave(image.get(), Path(name).c_str(), nullptr), 0) << vips_error_buffer();
@@ -143,12 +143,9 @@ class ColorDocuments : public Program {
     }
 
     static Samples FilteredByPlugin(const Samples &samples) {
-        TestDocument document = {samples.kind.mode,
-                                 samples.kind.depth,
-                                 static_cast<int16_t>(samples.planes),
-                                 {0, 0, kHeight, kWidth},
-                                 samples.Bytes(),
-                                 {}};
+        TestDocument document = {
+            samples.kind.mode,       samples.kind.depth, static_cast<int16_t>(samples.planes),
+            {0, 0, kHeight, kWidth}, samples.Bytes(),    {}};
         PIDescriptorParameters parameters =
             script::Parameters({{kRadiusKey, typeFloat, 2}}, plugInDialogDontDisplay);
         TestHostOptions options;
@@ -186,7 +183,8 @@ TEST_F(ColorDocuments, MatchThePluginSampleForSample) {
             EXPECT_NE(contents.find(kProfile), std::string::npos) << "the profile is missing";
 
             // What the program wrote, it reads as it was: outside of a rectangle nothing changes any more.
-            ASSERT_EQ(Wait(Start({"out.tif", "-o", "in.tif", "-f", "--select", "0,0,1,1", "-r", "1"})).status, 0);
+            ASSERT_EQ(Wait(Start({"out.tif", "-o", "in.tif", "-f", "--select", "0,0,1,1", "-r", "1"})).status,
+                      0);
             const Samples again = ReadTiff(samples, Contents(folder / "in.tif"));
             const auto planes = static_cast<ptrdiff_t>(samples.planes);
             EXPECT_TRUE(std::equal(again.values.begin() + planes, again.values.end(),

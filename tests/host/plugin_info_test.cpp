@@ -27,8 +27,8 @@ TEST(PluginInfo, IsWhatTheListDeclares) {
     EXPECT_EQ(info.version, 4);
     EXPECT_EQ(info.modes, (std::vector<int16_t>{1, 3, 4, 9, 10, 11, 12, 13, 16, 17}));
     // The third of a property's numbers is its length, behind it come the data.
-    ASSERT_TRUE(ParsePropertyList(WithBytes(RealList(), "mode", 12, std::string("\x80\0\x40\0", 4)),
-                                  &(info = {})));
+    ASSERT_TRUE(
+        ParsePropertyList(WithBytes(RealList(), "mode", 12, std::string("\x80\0\x40\0", 4)), &(info = {})));
     EXPECT_EQ(info.modes, (std::vector<int16_t>{0, 17}));
 }
 
@@ -39,12 +39,12 @@ TEST(PluginInfo, DamagedListsAreRefused) {
         ASSERT_FALSE(ParsePropertyList(whole.substr(0, size), &info)) << size;
     }
     const std::string damaged[] = {
-        WithBytes(whole, std::string("\0\0\0\0", 4), 3, "\1"),         // another version
-        std::string(whole).replace(4, 4, "\xFF\xFF\xFF\xFF"),          // count
-        WithBytes(whole, "kind", 8, "\xFF\xFF\xFF\xFC"),               // length
-        WithBytes(whole, "kind", 12, "8BAM"),                          // no filter
-        WithBytes(whole, "name", 12, "\x7F"),                          // longer than its property
-        WithBytes(whole, "catg", 0, "name"),                           // one twice, one missing
+        WithBytes(whole, std::string("\0\0\0\0", 4), 3, "\1"),  // another version
+        std::string(whole).replace(4, 4, "\xFF\xFF\xFF\xFF"),   // count
+        WithBytes(whole, "kind", 8, "\xFF\xFF\xFF\xFC"),        // length
+        WithBytes(whole, "kind", 12, "8BAM"),                   // no filter
+        WithBytes(whole, "name", 12, "\x7F"),                   // longer than its property
+        WithBytes(whole, "catg", 0, "name"),                    // one twice, one missing
         WithBytes(whole, "mode", 0, "Mode"),
     };
     for (const std::string &list : damaged) {

@@ -16,8 +16,8 @@ TEST_F(SelectionTest, RectanglesAreFourNumbersAndNotEmpty) {
     EXPECT_EQ(rect->top, 4);
     EXPECT_EQ(rect->right, 13);
     EXPECT_EQ(rect->bottom, 24);
-    for (const char *text : {"", "1,2,3", "1,2,3,4,5", "1,2,3,4 ", "1;2,3,4", "a,2,3,4", "1,2,0,4", "1,2,3,-4",
-                             "1,2,3,", "2147483647,0,1,1", "1,2,99999999999,4"}) {
+    for (const char *text : {"", "1,2,3", "1,2,3,4,5", "1,2,3,4 ", "1;2,3,4", "a,2,3,4", "1,2,0,4",
+                             "1,2,3,-4", "1,2,3,", "2147483647,0,1,1", "1,2,99999999999,4"}) {
         EXPECT_FALSE(ParseRect(text)) << text;
     }
     // Inside is for the picture to say.

@@ -46,8 +46,12 @@ TEST_F(SharedFolder, BothProcessesGetTheirOwnResults) {
     pid_t children[2];
     for (const int i : {0, 1}) {
         const auto planes = static_cast<int16_t>(3 + i);
-        const TestDocument document = {
-            plugInModeRGBColor, 8, planes, {0, 0, 11, 13}, RandomBytes(static_cast<size_t>(11 * 13 * planes), 5), {}};
+        const TestDocument document = {plugInModeRGBColor,
+                                       8,
+                                       planes,
+                                       {0, 0, 11, 13},
+                                       RandomBytes(static_cast<size_t>(11 * 13 * planes), 5),
+                                       {}};
         const std::vector<uint8_t> expected = Filter(document, 1 + i);
         ASSERT_FALSE(expected.empty());
         children[i] = StartChild(document, 1 + i, expected);

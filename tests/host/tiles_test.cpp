@@ -14,7 +14,8 @@ TEST_F(Tiles, CoresCoverTheAreaOnceAndFramesStayWithin) {
     for (const VRect &area : areas) {
         for (const int32_t bands : {1, 2, 7}) {
             for (const int32_t maxSide : {13, 30, 1000}) {
-                std::vector<int> covered(static_cast<size_t>(WidthOf(area)) * static_cast<size_t>(HeightOf(area)));
+                std::vector<int> covered(static_cast<size_t>(WidthOf(area)) *
+                                         static_cast<size_t>(HeightOf(area)));
                 for (const Tile &tile : CutIntoTiles(area, {bands, maxSide})) {
                     ASSERT_LE(std::max(WidthOf(tile.framed), HeightOf(tile.framed)), maxSide);
                     // Six pixels around the core, up to the area's border.
@@ -38,8 +39,11 @@ TEST_F(Tiles, GiveTheResultOfOneRun) {
     const struct {
         int16_t mode;
         int32_t depth, colorPlanes, planes;
-    } kinds[] = {{plugInModeGrayScale, 8, 1, 2}, {plugInModeRGB48, 16, 3, 4}, {plugInModeCMYKColor, 8, 4, 4},
-                 {plugInModeLab48, 16, 3, 3},    {plugInModeRGB96, 32, 3, 3}};
+    } kinds[] = {{plugInModeGrayScale, 8, 1, 2},
+                 {plugInModeRGB48, 16, 3, 4},
+                 {plugInModeCMYKColor, 8, 4, 4},
+                 {plugInModeLab48, 16, 3, 3},
+                 {plugInModeRGB96, 32, 3, 3}};
     const std::optional<VRect> selections[] = {std::nullopt, VRect{9, 5, 52, 40}};
     Action action;
     action.items.push_back({.key = kRadiusKey, .type = typeFloat, .number = 4});
@@ -67,7 +71,8 @@ TEST_F(Tiles, GiveTheResultOfOneRun) {
                 // Around a rectangle nothing changes; alone it comes out as a picture of its own would.
                 if (selection) {
                     const auto pixel = static_cast<size_t>(PixelBytes(document) / MaskBytes(document));
-                    EXPECT_TRUE(std::equal(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(pixel * (9 * 45 + 5)),
+                    EXPECT_TRUE(std::equal(whole.begin(),
+                                           whole.begin() + static_cast<ptrdiff_t>(pixel * (9 * 45 + 5)),
                                            document.source.get()));
                 }
             }
