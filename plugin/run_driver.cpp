@@ -26,6 +26,10 @@ int32_t FilteredRowBytes(const RunGeometry &run) {
     return run.width * run.filteredPlanes * run.sampleBytes;
 }
 
+int32_t ExtraRowBytes(const RunGeometry &run) {
+    return run.width * run.extraPlanes * run.sampleBytes;
+}
+
 // An image that cannot be made is told by the result; the rest of this call goes on with the images there
 // are. A selection that cannot be made is only left out.
 void MakeImages(PluginState *state, const RunGeometry &run) {
@@ -46,9 +50,14 @@ void MakeImages(PluginState *state, const RunGeometry &run) {
     }
 }
 
+// Whether the host delivered a row of that many bytes. Hosts that say nothing of row bytes are believed.
+bool HasRow(const void *data, int32_t rowBytes, int64_t needed) {
+    return data != nullptr && (rowBytes <= 0 || rowBytes >= needed);
+}
+
 void StoreMaskRow(PluginState *state, const RunGeometry &run) {
     const auto *mask = static_cast<const uint8_t *>(state->filterRecord->maskData);
-    if (mask == nullptr) {
+    if (!HasRow(mask, state->filterRecord->maskRowBytes, run.width)) {
         return;
     }
     PutLine(state->selectionImage, 0, run.row, run.width, mask);
@@ -57,20 +66,24 @@ void StoreMaskRow(PluginState *state, const RunGeometry &run) {
     }
 }
 
+int64_t DeliveredRowBytes(const RunGeometry &run) {
+    return int64_t{run.width} * run.planes * run.sampleBytes;
+}
+
 OSErr ReadRow(PluginState *state, const RunGeometry &run) {
     FilterRecord *record = state->filterRecord;
-    if (record->inData == nullptr) {
+    if (!HasRow(record->inData, record->inRowBytes, DeliveredRowBytes(run))) {
         return End(state, filterBadParameters);
     }
     if (state->image == nullptr) {
         MakeImages(state, run);
     }
+    OSErr err = noErr;
     if (run.extraPlanes > 0) {
         if (RowCallsFor(run.sampleBytes).splitExtraPlanes(run, record->inData, state->rowBuffer)) {
             state->maskHasZero = true;
         }
-        PutLine(state->alphaImage, 0, run.row, run.width * run.extraPlanes * run.sampleBytes,
-                state->rowBuffer);
+        err = PutLine(state->alphaImage, 0, run.row, ExtraRowBytes(run), state->rowBuffer);
     }
     if (state->depth == 32) {
         ScaleFloatsIn(record->inData, int64_t{run.width} * run.colorPlanes);
@@ -78,7 +91,13 @@ OSErr ReadRow(PluginState *state, const RunGeometry &run) {
     if (run.conversion != nullptr) {
         run.conversion->toRGB(record->inData, run.width);
     }
-    PutLine(state->image, 0, run.row, FilteredRowBytes(run), record->inData);
+    if (err == noErr) {
+        err = PutLine(state->image, 0, run.row, FilteredRowBytes(run), record->inData);
+    }
+    // Where an image could not be made, that is what the host is told.
+    if (err != noErr && state->result == noErr) {
+        return End(state, err);
+    }
     if (state->haveMask) {
         StoreMaskRow(state, run);
     }
@@ -97,10 +116,10 @@ OSErr ReadRow(PluginState *state, const RunGeometry &run) {
 
 OSErr WriteRow(PluginState *state, const RunGeometry &run) {
     FilterRecord *record = state->filterRecord;
-    if (record->outData == nullptr) {
+    if (!HasRow(record->outData, record->outRowBytes, DeliveredRowBytes(run))) {
         return End(state, filterBadParameters);
     }
-    GetLine(state->image, 0, run.row, FilteredRowBytes(run), record->outData);
+    OSErr err = GetLine(state->image, 0, run.row, FilteredRowBytes(run), record->outData);
     if (run.conversion != nullptr) {
         run.conversion->fromRGB(record->outData, run.width);
     }
@@ -108,9 +127,12 @@ OSErr WriteRow(PluginState *state, const RunGeometry &run) {
         ScaleFloatsOut(record->outData, int64_t{run.width} * run.colorPlanes);
     }
     if (run.extraPlanes > 0) {
-        GetLine(state->alphaImage, 0, run.row, run.width * run.extraPlanes * run.sampleBytes,
-                state->rowBuffer);
+        const OSErr extraErr = GetLine(state->alphaImage, 0, run.row, ExtraRowBytes(run), state->rowBuffer);
+        err = err == noErr ? extraErr : err;
         RowCallsFor(run.sampleBytes).mergeExtraPlanes(run, record->outData, state->rowBuffer);
+    }
+    if (err != noErr) {
+        return End(state, err);
     }
     // Writing is the last sixth.
     ReportProgress(record, 5 * run.height + run.row, 6 * run.height);

@@ -1,0 +1,63 @@
+#!/usr/bin/env bash
+# Compares with what one would take instead, as far as it is installed: median filters of the same diameter on the same
+# picture, each on one thread. Prints seconds as Markdown. Install what you want compared with: python3-opencv,
+# graphicsmagick, imagemagick, gegl.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+build=$PWD/build
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+export HYMEDIAN_PREFERENCES=$work/preferences
+export OMP_NUM_THREADS=1 MAGICK_THREAD_LIMIT=1 GEGL_THREADS=1
+
+# 24 megapixels: the noisy chart, laid side by side.
+"$build/chart" draw "$work/chart.png" "$work/noisy.png"
+"$build/chart" tile "$work/noisy.png" 6000 4000 "$work/picture.tif"
+
+# The best of three runs, in seconds.
+seconds() {
+    local best=
+    for _ in 1 2 3; do
+        local start end
+        start=$(date +%s%N)
+        "$@" >/dev/null 2>&1 || { echo "failed"; return; }
+        end=$(date +%s%N)
+        local took=$((end - start))
+        if [ -z "$best" ] || [ "$took" -lt "$best" ]; then best=$took; fi
+    done
+    awk -v ns="$best" 'BEGIN { printf "%.2f", ns / 1e9 }'
+}
+
+opencv_seconds() {
+    python3 - "$work/picture.tif" "$1" <<'PYTHON'
+import sys, time, cv2
+cv2.setNumThreads(1)
+picture = cv2.imread(sys.argv[1])
+best = None
+for _ in range(3):
+    start = time.perf_counter()
+    cv2.medianBlur(picture, int(sys.argv[2]))
+    took = time.perf_counter() - start
+    best = took if best is None else min(best, took)
+print(f"{best:.2f}")
+PYTHON
+}
+
+echo "| diameter | hymedian, whole run | OpenCV medianBlur, filter alone | GraphicsMagick -median | ImageMagick -statistic Median | GEGL median-blur |"
+echo "|---|---|---|---|---|---|"
+for radius in 1 2 3 4; do
+    diameter=$((2 * radius + 1))
+    row="| $diameter | $(seconds "$build/hymedian" --quiet --force --jobs 1 --radius $radius "$work/picture.tif" -o "$work/out.tif")"
+    if python3 -c 'import cv2' 2>/dev/null; then row+=" | $(opencv_seconds $diameter)"; else row+=" | not installed"; fi
+    if command -v gm >/dev/null; then
+        row+=" | $(seconds gm convert "$work/picture.tif" -median $radius "$work/out.tif")"
+    else row+=" | not installed"; fi
+    if convert -version 2>/dev/null | grep -q ImageMagick; then
+        row+=" | $(seconds convert -limit memory 4GiB "$work/picture.tif" -statistic Median ${diameter}x${diameter} "$work/out.tif")"
+    else row+=" | not installed"; fi
+    if command -v gegl >/dev/null; then
+        row+=" | $(seconds gegl "$work/picture.tif" -o "$work/out.tif" -- median-blur radius=$radius)"
+    else row+=" | not installed"; fi
+    echo "$row |"
+done

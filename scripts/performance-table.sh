@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# Prints tables of the filter's speed, by kernel and radius, as Markdown: megapixels per second, the ratio to the plain
+# routines of the same run, and nanoseconds per pair of samples. LAYOUTS (rgb8) may name further layouts: gray8 gray16 rgb16.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/install-packages.sh build bench
+cmake --preset bench >/dev/null
+cmake --build --preset bench --target filter_bench >/dev/null
+
+for layout in ${LAYOUTS:-rgb8}; do
+    # Interleaved repetitions, so that what else the machine does meets all alike.
+    build/bench/filter_bench --benchmark_filter="/$layout/" --benchmark_format=csv --benchmark_min_time=0.1 \
+        --benchmark_repetitions=5 --benchmark_enable_random_interleaving=true \
+        --benchmark_report_aggregates_only=true 2>/dev/null |
+        awk -F, -v layout="$layout" '
+            /_median"/ {
+                gsub(/"/, "", $1)
+                split($1, place, /[\/_]/)
+                kernel = place[1]; radius = place[3]
+                if (!(kernel in seen)) { seen[kernel] = 1; kernels[++count] = kernel }
+                speed[kernel, radius] = $(NF - 1); pair[kernel, radius] = $NF * 1e9
+            }
+            function table(title, value, form,    k, r) {
+                printf "\n%s, %s\n\n| radius | 1 | 2 | 3 | 4 | 5 | 6 |\n|---|---|---|---|---|---|---|\n", layout, title
+                for (k = 1; k <= count; ++k) {
+                    printf "| %s |", kernels[k]
+                    for (r = 1; r <= 6; ++r) printf form, cell(value, kernels[k], r)
+                    print ""
+                }
+            }
+            function cell(value, kernel, radius) {
+                if (value == "ratio") return speed[kernel, radius] / speed["plain", radius]
+                return value == "pair" ? pair[kernel, radius] : speed[kernel, radius]
+            }
+            END {
+                table("megapixels per second", "speed", " %.3g |")
+                table("ratio to the plain routines", "ratio", " %.1f |")
+                table("nanoseconds per pair", "pair", " %.3f |")
+            }'
+done
