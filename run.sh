@@ -6,13 +6,12 @@ build=$here/build
 out=$here/out
 
 "$here/scripts/install-packages.sh" build
-(cd "$here" && cmake --preset release >/dev/null && cmake --build --preset release --target hymedian chart HybridMedian resources)
+(cd "$here" && cmake --preset release >/dev/null && cmake --build --preset release --target hymedian chart)
 mkdir -p "$out"
 
-# Filters $1 into $2 and joins both into $3.
+# Filters $1 into $2, with both side by side in $3.
 clean() {
-    "$build/hymedian" --radius 2 --force "$1" -o "$2"
-    "$build/chart" side-by-side "$1" "$2" "$3"
+    "$build/hymedian" --radius 2 --force "$1" -o "$2" --compare "$3"
 }
 
 if [ $# -eq 0 ]; then

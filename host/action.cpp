@@ -4,11 +4,11 @@
 #include <cstring>
 #include <string_view>
 
+#include "host/packing.h"
 #include "platform/memory.h"
 
 namespace {
 
-// Native byte order: the encoding never leaves the process.
 constexpr OSType kMark = FourCharCode("actn");
 
 struct ActionHeader {
@@ -17,55 +17,42 @@ struct ActionHeader {
     uint32_t itemCount;
 };
 
+// Followed by the item's bytes.
 struct ItemHeader {
     OSType key;
     OSType type;
     OSType code;
     uint32_t integer;
     double number;
-    uint64_t byteCount;  // of the bytes that follow
 };
 
-template <typename Record>
-void Append(std::string *encoded, const Record &record) {
-    encoded->append(reinterpret_cast<const char *>(&record), sizeof record);
-}
-
-template <typename Record>
-bool Take(std::string_view *encoded, Record *record) {
-    if (encoded->size() < sizeof *record) {
-        return false;
-    }
-    std::memcpy(record, encoded->data(), sizeof *record);
-    encoded->remove_prefix(sizeof *record);
-    return true;
-}
-
-bool TakeItem(std::string_view *encoded, ActionItem *item) {
+bool TakeItem(std::string_view *packed, ActionItem *item) {
     ItemHeader header;
-    if (!Take(encoded, &header) || encoded->size() < header.byteCount) {
+    if (!TakeRecord(packed, &header) || !TakeText(packed, &item->bytes)) {
         return false;
     }
-    *item = {header.key,     header.type,   header.code,
-             header.integer, header.number, std::string(encoded->substr(0, header.byteCount))};
-    encoded->remove_prefix(header.byteCount);
+    item->key = header.key;
+    item->type = header.type;
+    item->code = header.code;
+    item->integer = header.integer;
+    item->number = header.number;
     return true;
 }
 
-bool TakeAction(std::string_view encoded, Action *action) {
+bool TakeAction(std::string_view packed, Action *action) {
     ActionHeader header;
-    if (!Take(&encoded, &header) || header.mark != kMark) {
+    if (!TakeRecord(&packed, &header) || header.mark != kMark) {
         return false;
     }
     action->event = header.event;
     for (uint32_t i = 0; i < header.itemCount; ++i) {
         ActionItem item;
-        if (!TakeItem(&encoded, &item)) {
+        if (!TakeItem(&packed, &item)) {
             return false;
         }
         action->items.push_back(std::move(item));
     }
-    return true;
+    return packed.empty();
 }
 
 }  // namespace
@@ -76,27 +63,37 @@ const ActionItem *FindItem(const Action &action, OSType key) {
     return found == action.items.end() ? nullptr : &*found;
 }
 
-Handle EncodeAction(const Action &action) {
-    std::string encoded;
-    Append(&encoded, ActionHeader{kMark, action.event, static_cast<uint32_t>(action.items.size())});
+std::string PackAction(const Action &action) {
+    std::string packed;
+    AppendRecord(&packed, ActionHeader{kMark, action.event, static_cast<uint32_t>(action.items.size())});
     for (const ActionItem &item : action.items) {
-        Append(&encoded,
-               ItemHeader{item.key, item.type, item.code, item.integer, item.number, item.bytes.size()});
-        encoded += item.bytes;
+        AppendRecord(&packed, ItemHeader{item.key, item.type, item.code, item.integer, item.number});
+        AppendText(&packed, item.bytes);
     }
-    Handle handle = NewHandle(static_cast<int64_t>(encoded.size()));
+    return packed;
+}
+
+bool UnpackAction(std::string_view packed, Action *action) {
+    *action = {};
+    const bool sound = TakeAction(packed, action);
+    if (!sound) {
+        *action = {};
+    }
+    return sound;
+}
+
+Handle EncodeAction(const Action &action) {
+    const std::string packed = PackAction(action);
+    Handle handle = NewHandle(static_cast<int64_t>(packed.size()));
     if (handle != nullptr) {
-        std::memcpy(*handle, encoded.data(), encoded.size());
+        std::memcpy(*handle, packed.data(), packed.size());
     }
     return handle;
 }
 
 bool DecodeAction(Handle handle, Action *action) {
-    *action = {};
-    if (handle == nullptr ||
-        !TakeAction(std::string_view(*handle, static_cast<size_t>(GetHandleSize(handle))), action)) {
-        *action = {};
-        return false;
-    }
-    return true;
+    const std::string_view packed =
+        handle == nullptr ? std::string_view()
+                          : std::string_view(*handle, static_cast<size_t>(GetHandleSize(handle)));
+    return UnpackAction(packed, action);
 }

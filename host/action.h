@@ -1,8 +1,10 @@
-// An action: the parameters of a recorded filter run, and their private encoding behind a Handle.
+// An action: the parameters of a recorded filter run, and their private encoding, for other processes and
+// behind a Handle.
 #pragma once
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "photoshop/descriptors.h"
@@ -27,6 +29,11 @@ struct Action {
 };
 
 const ActionItem *FindItem(const Action &action, OSType key);
+
+// As bytes for another process of this program. Unpacking gives false, and an empty action, for bytes that
+// PackAction did not make.
+std::string PackAction(const Action &action);
+bool UnpackAction(std::string_view packed, Action *action);
 
 // The caller disposes of the handle; null when memory is short.
 Handle EncodeAction(const Action &action);

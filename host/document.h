@@ -6,15 +6,15 @@
 #include <memory>
 #include <optional>
 
+#include "photoshop/document_info.h"
 #include "platform/types.h"
 
-// Longer sides are refused: the filter's interface counts rows and columns in 16 bits.
-constexpr int32_t kMaxSide = 30000;
 // As many channels as documents of this interface have at most.
 constexpr int32_t kMaxPlanes = 56;
 
 struct PixelUnmapper {
     size_t size = 0;
+    int descriptor = -1;  // of the memory, through which another process maps the same block
     void operator()(uint8_t *pixels) const;
 };
 using PixelBlock = std::unique_ptr<uint8_t[], PixelUnmapper>;
@@ -24,7 +24,7 @@ struct Document {
     int32_t depth = 0;        // bits per sample: 8, 16 or 32
     int32_t colorPlanes = 0;  // of the mode
     int32_t planes = 0;       // colour planes first, extra planes behind
-    int32_t width = 0;        // 1 to kMaxSide
+    int32_t width = 0;
     int32_t height = 0;
     Fixed horizontalResolution = 0;  // pixels per inch
     Fixed verticalResolution = 0;
@@ -32,16 +32,31 @@ struct Document {
     // Where the document was read from; none for a name that the File Manager cannot hold.
     std::optional<FSSpec> file;
 
-    // In the file's sample format (16-bit white is 65535), interleaved, rows without padding.
+    // Interleaved, rows without padding. 16-bit samples go up to 65535; a and b of Lab are offset by half
+    // their range; 8-bit CMYK is inverted, 255 being no ink.
     PixelBlock source;
     PixelBlock destination;
+
+    // What is to be filtered: a rectangle inside the document, none meaning all, and a byte per pixel of the
+    // whole document, 255 being selected; null when all are.
+    std::optional<VRect> selection;
+    PixelBlock mask;
 };
 
 int32_t SampleBytes(const Document &document);
 int64_t RowBytes(const Document &document);
 int64_t PixelBytes(const Document &document);  // of one whole block
+int64_t MaskBytes(const Document &document);
+VRect SelectedRect(const Document &document);
+int32_t WidthOf(const VRect &rect);
+int32_t HeightOf(const VRect &rect);
 
-// Maps both blocks, zeroed; false when memory is short.
+// Zeroed; null when memory is short.
+PixelBlock MapBlock(int64_t size);
+// Another process's block; takes the descriptor over.
+PixelBlock MapShared(int descriptor, int64_t size);
+
+// Maps both blocks; false when memory is short.
 bool MapPixels(Document *document);
 // Makes the destination a copy of the source.
 void ResetDestination(Document *document);

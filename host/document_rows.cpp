@@ -6,89 +6,76 @@
 
 namespace {
 
-template <typename Sample>
-Sample Load(const uint8_t *samples, int64_t index) {
-    Sample sample;
-    std::memcpy(&sample, samples + index * int64_t{sizeof(Sample)}, sizeof sample);
-    return sample;
-}
+// Neighbouring samples, in the document's block and in the rows.
+struct Stretch {
+    int64_t index;   // in samples, from the block's start
+    int64_t offset;  // in bytes, from the rows' start
+    int64_t count;   // in samples: whole pixels of the planes asked for
+};
 
-template <typename Sample>
-void Put(uint8_t *samples, int64_t index, Sample sample) {
-    std::memcpy(samples + index * int64_t{sizeof(Sample)}, &sample, sizeof sample);
-}
-
-// Calls visit(index in the document's block, sample in the rows, whether it is a colour sample).
+// Calls visit(stretch) for each row, or for each pixel where not all planes are asked for.
 template <typename Visit>
-void VisitSamples(const Document &document, const Area &area, int32_t sampleBytes, Visit visit) {
-    const int32_t planes = area.hiPlane - area.loPlane + 1;
+void VisitStretches(const Document &document, const Area &area, Visit visit) {
+    const int64_t planes = area.hiPlane - area.loPlane + 1;
+    const int64_t width = area.rect.right - area.rect.left;
+    const int64_t pixels = planes == document.planes ? width : 1;
     for (int64_t y = area.rect.top; y < area.rect.bottom; ++y) {
         const int64_t row = (y - area.rect.top) * area.rowBytes;
-        for (int64_t x = area.rect.left; x < area.rect.right; ++x) {
-            const int64_t pixel = (y * document.width + x) * document.planes + area.loPlane;
-            const int64_t inRow = row + (x - area.rect.left) * planes * sampleBytes;
-            for (int32_t p = 0; p < planes; ++p) {
-                visit(pixel + p, inRow + int64_t{p} * sampleBytes, area.loPlane + p < document.colorPlanes);
-            }
+        for (int64_t x = 0; x < width; x += pixels) {
+            const int64_t pixel = y * document.width + area.rect.left + x;
+            visit(Stretch{pixel * document.planes + area.loPlane, row + x * planes * SampleBytes(document),
+                          pixels * planes});
         }
     }
 }
 
-template <typename Sample>
-Sample Delivered(Sample sample) {
-    return sample;
-}
-
-template <>
-uint16_t Delivered<uint16_t>(uint16_t sample) {
-    return FilterSample(sample);
-}
-
-template <typename Sample>
-Sample Returned(Sample sample, Sample, bool) {
-    return sample;
-}
-
-template <>
-uint16_t Returned<uint16_t>(uint16_t sample, uint16_t original, bool color) {
-    return !color && sample == FilterSample(original) ? original : FileSample(sample);
-}
-
-template <typename Sample>
-void Deliver(const Document &document, const uint8_t *pixels, const Area &area, uint8_t *rows) {
-    VisitSamples(document, area, sizeof(Sample), [&](int64_t index, int64_t offset, bool) {
-        Put(rows + offset, 0, Delivered(Load<Sample>(pixels, index)));
+void DeliverUnchanged(const Document &document, const uint8_t *pixels, const Area &area, uint8_t *rows) {
+    const int64_t bytes = SampleBytes(document);
+    VisitStretches(document, area, [&](const Stretch &stretch) {
+        std::memcpy(rows + stretch.offset, pixels + stretch.index * bytes,
+                    static_cast<size_t>(stretch.count * bytes));
     });
 }
 
-template <typename Sample>
-void Store(Document *document, const Area &area, const uint8_t *rows) {
-    const uint8_t *source = document->source.get();
+void StoreUnchanged(Document *document, const Area &area, const uint8_t *rows) {
+    const int64_t bytes = SampleBytes(*document);
     uint8_t *destination = document->destination.get();
-    VisitSamples(*document, area, sizeof(Sample), [&](int64_t index, int64_t offset, bool color) {
-        Put(destination, index, Returned(Load<Sample>(rows + offset, 0), Load<Sample>(source, index), color));
+    VisitStretches(*document, area, [&](const Stretch &stretch) {
+        std::memcpy(destination + stretch.index * bytes, rows + stretch.offset,
+                    static_cast<size_t>(stretch.count * bytes));
     });
 }
 
-struct RowCalls {
-    void (*deliver)(const Document &document, const uint8_t *pixels, const Area &area, uint8_t *rows);
-    void (*store)(Document *document, const Area &area, const uint8_t *rows);
-};
+void DeliverScaled(const Document &document, const uint8_t *pixels, const Area &area, uint8_t *rows) {
+    VisitStretches(document, area, [&](const Stretch &stretch) {
+        const auto *from = reinterpret_cast<const uint16_t *>(pixels) + stretch.index;
+        auto *to = reinterpret_cast<uint16_t *>(rows + stretch.offset);
+        for (int64_t i = 0; i < stretch.count; ++i) {
+            to[i] = FilterSample(from[i]);
+        }
+    });
+}
 
-template <typename Sample>
-constexpr RowCalls kCalls = {Deliver<Sample>, Store<Sample>};
-
-const RowCalls &CallsFor(const Document &document) {
-    const int32_t bytes = SampleBytes(document);
-    return bytes == 1 ? kCalls<uint8_t> : bytes == 2 ? kCalls<uint16_t> : kCalls<float>;
+void StoreScaled(Document *document, const Area &area, const uint8_t *rows) {
+    VisitStretches(*document, area, [&](const Stretch &stretch) {
+        const auto *original = reinterpret_cast<const uint16_t *>(document->source.get()) + stretch.index;
+        auto *to = reinterpret_cast<uint16_t *>(document->destination.get()) + stretch.index;
+        const auto *from = reinterpret_cast<const uint16_t *>(rows + stretch.offset);
+        int32_t plane = area.loPlane;
+        for (int64_t i = 0; i < stretch.count; ++i) {
+            const bool kept = plane >= document->colorPlanes && from[i] == FilterSample(original[i]);
+            to[i] = kept ? original[i] : FileSample(from[i]);
+            plane = plane == area.hiPlane ? area.loPlane : plane + 1;
+        }
+    });
 }
 
 }  // namespace
 
 void DeliverRows(const Document &document, const PixelBlock &pixels, const Area &area, uint8_t *rows) {
-    CallsFor(document).deliver(document, pixels.get(), area, rows);
+    (document.depth == 16 ? DeliverScaled : DeliverUnchanged)(document, pixels.get(), area, rows);
 }
 
 void StoreRows(Document *document, const Area &area, const uint8_t *rows) {
-    CallsFor(*document).store(document, area, rows);
+    (document->depth == 16 ? StoreScaled : StoreUnchanged)(document, area, rows);
 }

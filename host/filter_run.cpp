@@ -1,6 +1,7 @@
 #include "host/filter_run.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "host/descriptor_suites.h"
 #include "host/document_rows.h"
@@ -11,7 +12,9 @@
 namespace {
 
 constexpr OSType kHostSignature = FourCharCode("HyMh");
-constexpr int16_t kFlatImageNoSelection = 1;  // filter case
+// Filter cases.
+constexpr int16_t kFlatImageNoSelection = 1;
+constexpr int16_t kFlatImageWithSelection = 2;
 constexpr Fixed kFixedOne = 1 << 16;
 constexpr int32_t kRowAlignment = 64;
 constexpr uint8_t kSelected = 255;
@@ -84,22 +87,36 @@ OSErr Deliver(const Document &document, const PixelBlock &pixels, Area area, Del
     return noErr;
 }
 
-// The whole document is selected.
+// Of a document without a mask all is selected.
+void FillMask(const Document &document, const Rect &rect, int32_t rowBytes, uint8_t *rows) {
+    const auto width = static_cast<size_t>(rect.right - rect.left);
+    for (int64_t y = rect.top; y < rect.bottom; ++y, rows += rowBytes) {
+        if (document.mask == nullptr) {
+            std::memset(rows, kSelected, width);
+        } else {
+            std::memcpy(rows, document.mask.get() + y * document.width + rect.left, width);
+        }
+    }
+}
+
 OSErr DeliverMask(Run *run) {
     FilterRecord *record = &run->record;
+    const Rect &rect = record->maskRect;
     run->mask.reset();
     record->maskData = nullptr;
     record->maskRowBytes = 0;
-    if (IsEmpty(record->maskRect)) {
+    if (IsEmpty(rect)) {
         return noErr;
     }
-    const int32_t rowBytes = PaddedRowBytes(record->maskRect.right - record->maskRect.left);
-    const int64_t size = int64_t{rowBytes} * (record->maskRect.bottom - record->maskRect.top);
-    run->mask = MakeOwnedBlock<uint8_t>(size);
+    if (!LiesInside(*run->document, {rect, 0, 0, 0})) {
+        return filterBadParameters;
+    }
+    const int32_t rowBytes = PaddedRowBytes(rect.right - rect.left);
+    run->mask = MakeOwnedBlock<uint8_t>(int64_t{rowBytes} * (rect.bottom - rect.top));
     if (run->mask == nullptr) {
         return memFullErr;
     }
-    std::fill_n(run->mask.get(), size, kSelected);
+    FillMask(*run->document, rect, rowBytes, run->mask.get());
     record->maskData = run->mask.get();
     record->maskRowBytes = rowBytes;
     return noErr;
@@ -165,6 +182,15 @@ void FillDocumentInfo(Document &document, ReadImageDocumentDesc *info) {
     }
 }
 
+Rect Narrow(const VRect &rect) {
+    return {static_cast<int16_t>(rect.top), static_cast<int16_t>(rect.left),
+            static_cast<int16_t>(rect.bottom), static_cast<int16_t>(rect.right)};
+}
+
+bool HasSelection(const Document &document) {
+    return document.mask != nullptr || document.selection.has_value();
+}
+
 void FillRecord(Run *run) {
     const Document &document = *run->document;
     const Point size = {static_cast<int16_t>(document.height), static_cast<int16_t>(document.width)};
@@ -175,7 +201,9 @@ void FillRecord(Run *run) {
     record->progressProc = ShowProgress;
     record->imageSize = size;
     record->planes = static_cast<int16_t>(document.planes);
-    record->filterRect = {0, 0, size.v, size.h};
+    record->filterRect = Narrow(SelectedRect(document));
+    record->haveMask = document.mask != nullptr;
+    record->autoMask = document.mask != nullptr;
     record->background = {UINT16_MAX, UINT16_MAX, UINT16_MAX};
     record->backColor = {{UINT8_MAX, UINT8_MAX, UINT8_MAX, UINT8_MAX}};
     record->maxSpace = INT32_MAX;
@@ -187,7 +215,7 @@ void FillRecord(Run *run) {
     record->wholeSize = size;
     record->bufferProcs = HostBufferProcs();
     record->handleProcs = HostHandleProcs();
-    record->filterCase = kFlatImageNoSelection;
+    record->filterCase = HasSelection(document) ? kFlatImageWithSelection : kFlatImageNoSelection;
     record->advanceState = run->request->offerAdvanceState ? AdvanceState : nullptr;
     record->inputRate = kFixedOne;
     record->maskRate = kFixedOne;

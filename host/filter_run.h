@@ -23,6 +23,10 @@ struct FilterOutcome {
     Action recorded;      // what the filter wrote, also after an error; else the action played
 };
 
-// Filters the source into the destination. After anything but noErr the destination is a copy of the source.
-// One run at a time: the callbacks of the interface are told nothing of whose they are.
+// The interface counts rows and columns in 16 bits; this much of them is left to filters for margins.
+constexpr int32_t kMaxRunSide = 30000;
+
+// Filters what is selected of the source into the destination, whose sides must not exceed kMaxRunSide. After
+// anything but noErr the destination is a copy of the source. One run at a time: the callbacks of the
+// interface are told nothing of whose they are.
 FilterOutcome RunFilter(const FilterRequest &request);

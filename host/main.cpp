@@ -1,134 +1,63 @@
-// hymedian: runs the filter over a picture file.
-#include <chrono>
+// hymedian: runs the filter over picture files.
 #include <cstdio>
-#include <string>
+#include <cstring>
+#include <vector>
 
-#include "host/filter_result.h"
-#include "host/filter_run.h"
+#include "host/action_file.h"
+#include "host/batch.h"
 #include "host/interrupt.h"
-#include "host/module.h"
 #include "host/options.h"
-#include "host/output_file.h"
-#include "host/picture.h"
-#include "host/picture_format.h"
-#include "host/picture_writer.h"
+#include "host/plugin.h"
 #include "host/preferences_folder.h"
-#include "host/progress_bar.h"
+#include "host/tell.h"
 #include "host/vips_library.h"
-#include "host/watcher.h"
+#include "host/worker.h"
+#include "host/worker_pool.h"
 
 namespace {
 
-// Parts of the bar; the filter takes longest by far.
-constexpr double kReadUntil = 0.05;
-constexpr double kFilteredUntil = 0.95;
-
-using Clock = std::chrono::steady_clock;
-
 // Never unloaded: the filter keeps a block of its own behind it.
-Module filter;
+Plugin plugin;
 
-// What is known of a run while it goes on.
-struct Work {
-    const PictureFormat *format = nullptr;
-    Picture picture;
-    Action recorded;
-};
-
-Action ActionOf(const Options &options) {
-    Action action;
+MaybeFailure TakeSettings(const Options &options, FilterSettings *settings) {
+    settings->selection = {options.selection, options.maskFile};
     if (options.radius) {
-        action.items.push_back({.key = kRadiusKey, .type = typeFloat, .number = *options.radius});
+        settings->action.items.push_back({.key = kRadiusKey, .type = typeFloat, .number = *options.radius});
     }
-    return action;
+    return options.playFile.empty() ? std::nullopt : ReadAction(options.playFile, &settings->action);
 }
 
-void PrintSummary(const Options &options, const Work &work, Clock::time_point start) {
-    std::string radius;
-    if (const ActionItem *item = FindItem(work.recorded, kRadiusKey)) {
-        char text[32];
-        std::snprintf(text, sizeof text, ", radius %g", item->number);
-        radius = text;
+MaybeFailure Prepare(const Options &options, FilterSettings *settings, std::vector<FileRequest> *requests) {
+    if (MaybeFailure failure = PlanBatch(options, requests)) {
+        return failure;
     }
-    const std::chrono::duration<double> elapsed = Clock::now() - start;
-    // The filter hands 32-bit pictures back unfiltered.
-    const char *unfiltered = work.picture.document.depth == 32 ? ", passed through unfiltered" : "";
-    std::string lost = LostMetadata(*work.format, work.picture.metadata.get());
-    if (!lost.empty()) {
-        lost = std::string(" (") + work.format->name + " keeps no " + lost + " data)";
+    if (MaybeFailure failure = TakeSettings(options, settings)) {
+        return failure;
     }
-    std::printf("%s -> %s: %s%s%s, %.1f s%s\n", options.inputFile.c_str(), options.outputFile.c_str(),
-                DescribePicture(work.picture).c_str(), unfiltered, radius.c_str(), elapsed.count(),
-                lost.c_str());
+    return OpenPlugin(options.pluginFolder, &plugin);
 }
 
-// Everything that can be refused is refused before the first pixel is read.
-MaybeFailure FilterFile(const Options &options, const Watcher &watcher, Work *work) {
-    Picture *picture = &work->picture;
-    OutputFile output;
-    if (MaybeFailure failure = FindFormat(options.outputFile, &work->format)) {
-        return failure;
+int Run(const Options &options) {
+    FilterSettings settings;
+    std::vector<FileRequest> requests;
+    if (MaybeFailure failure = Prepare(options, &settings, &requests)) {
+        return Tell(*failure);
     }
-    if (MaybeFailure failure = OpenPicture(options.inputFile, picture)) {
-        return failure;
+    if (options.info) {
+        std::fputs(DescribePlugin(plugin.info).c_str(), stdout);
+        return kExitDone;
     }
-    if (MaybeFailure failure =
-            CheckFormatHolds(*work->format, picture->document, options.inputFile, options.outputFile)) {
-        return failure;
-    }
-    if (MaybeFailure failure =
-            PlanOutput({options.inputFile, options.outputFile, options.force, options.inPlace}, &output)) {
-        return failure;
-    }
-    if (MaybeFailure failure = LoadModule(options.pluginFolder, &filter)) {
-        return failure;
-    }
-    if (MaybeFailure failure = CreateTemporary(&output)) {
-        return failure;
-    }
-    if (MaybeFailure failure = ReadPixels(picture, PartOf(watcher, 0, kReadUntil))) {
-        return failure;
-    }
-    const FilterOutcome outcome = RunFilter(
-        {&filter, &picture->document, ActionOf(options), true, PartOf(watcher, kReadUntil, kFilteredUntil)});
-    work->recorded = outcome.recorded;
-    if (MaybeFailure failure = FailureOfFilter(outcome, options.inputFile)) {
-        return failure;
-    }
-    if (MaybeFailure failure = WritePicture(*picture, *work->format, output.temporary, options.outputFile,
-                                            PartOf(watcher, kFilteredUntil, 1))) {
-        return failure;
-    }
-    return Publish(&output);
-}
-
-MaybeFailure Run(const Options &options) {
-    const Clock::time_point start = Clock::now();
-    ProgressBar bar = MakeProgressBar(!options.quiet);
-    const Watcher watcher = {[&](double done) { AdvanceBar(&bar, done); }, Interrupted};
-    Work work;
-    MaybeFailure failure = FilterFile(options, watcher, &work);
-    ClearBar(&bar);
-    if (!failure && !options.quiet) {
-        PrintSummary(options, work, start);
-    }
-    return failure;
-}
-
-// Names may hold what would break the line.
-int Tell(Failure failure) {
-    for (char &character : failure.sentence) {
-        character = static_cast<unsigned char>(character) < ' ' || character == 0x7F ? '?' : character;
-    }
-    if (!failure.sentence.empty()) {
-        std::fprintf(stderr, "hymedian: %s\n", failure.sentence.c_str());
-    }
-    return failure.status;
+    WatchForInterrupts();
+    MakePreferencesFolder();
+    return RunBatch(options, settings, requests, &plugin);
 }
 
 }  // namespace
 
 int main(int count, char **arguments) {
+    if (count == 2 && std::strcmp(arguments[1], kWorkerArgument) == 0) {
+        return RunWorker();
+    }
     Options options;
     if (MaybeFailure failure = ParseOptions(count, arguments, &options)) {
         return Tell(*failure);
@@ -137,12 +66,10 @@ int main(int count, char **arguments) {
         std::fputs(options.answer.c_str(), stdout);
         return kExitDone;
     }
-    WatchForInterrupts();
-    MakePreferencesFolder();
     if (!StartVips(arguments[0])) {
         return Tell({kExitFailed, "The picture library cannot be started."});
     }
-    const MaybeFailure failure = Run(options);
+    const int status = Run(options);
     vips_shutdown();
-    return failure ? Tell(*failure) : kExitDone;
+    return status;
 }

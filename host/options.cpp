@@ -1,14 +1,18 @@
 #include "host/options.h"
 
 #include <CLI/CLI.hpp>
+#include <iterator>
+#include <thread>
 
 #include "host/module.h"
+#include "host/selection.h"
 
 namespace {
 
 // What an action may hold.
 constexpr double kMinRadius = 1;
 constexpr double kMaxRadius = 4;
+constexpr int32_t kMaxJobs = 256;
 
 Failure WrongUsage(const std::string &reason) {
     return {kExitUsage, reason + "; 'hymedian --help' lists the options."};
@@ -20,33 +24,67 @@ std::string OneLine(std::string text) {
     return text;
 }
 
-MaybeFailure CheckOptions(Options *options) {
-    // Also refuses what is not a number.
-    if (options->radius && !(*options->radius >= kMinRadius && *options->radius <= kMaxRadius)) {
-        return WrongUsage("The radius must be from 1 to 4");
-    }
-    if (options->outputFile.empty() && !options->inPlace) {
-        return WrongUsage(options->inputFile + ": an output is missing: name one with -o, or use --in-place");
-    }
-    if (options->outputFile.empty()) {
-        options->outputFile = options->inputFile;
-    }
-    return std::nullopt;
+bool HasSuffix(const std::string &file, const std::string &suffix) {
+    return file.size() >= suffix.size() &&
+           file.compare(file.size() - suffix.size(), suffix.size(), suffix) == 0;
+}
+
+MaybeFailure CheckOptions(const Options &options) {
+    const bool radiusSound =
+        !options.radius || (*options.radius >= kMinRadius && *options.radius <= kMaxRadius);
+    const std::string first = options.inputFiles.empty() ? "" : options.inputFiles.front();
+    const bool several = options.inputFiles.size() > 1;
+    const bool nowhere = options.output.empty() && !options.inPlace;
+    const struct {
+        bool refused;
+        std::string reason;
+    } checks[] = {
+        {options.inputFiles.empty() && !options.info, "A picture is missing"},
+        // Also refuses what is not a number.
+        {!radiusSound, "The radius must be from 1 to 4"},
+        {options.jobs < 1 || options.jobs > kMaxJobs,
+         "The number of jobs must be from 1 to " + std::to_string(kMaxJobs)},
+        {several && !options.comparisonFile.empty(), "--compare takes one picture"},
+        {several && !options.recordFile.empty(), "--record takes one picture"},
+        {!options.comparisonFile.empty() && !HasSuffix(options.comparisonFile, ".png"),
+         options.comparisonFile + ": the name of a comparison must end in .png"},
+        {nowhere && !options.info, first + ": an output is missing: name one with -o, or use --in-place"},
+    };
+    const auto *failed =
+        std::find_if(std::begin(checks), std::end(checks), [](const auto &check) { return check.refused; });
+    return failed == std::end(checks) ? std::nullopt : MaybeFailure(WrongUsage(failed->reason));
 }
 
 }  // namespace
 
 MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
     options->pluginFolder = DefaultPluginFolder();
-    CLI::App app("Removes noise from a picture and keeps its edges and fine lines.", "hymedian");
-    app.add_option("INPUT", options->inputFile, "The picture: PNG, JPEG, TIFF or WebP")->required();
-    app.add_option("-o,--output", options->outputFile, "The filtered picture; its suffix decides the format");
-    app.add_option("-r,--radius", options->radius,
-                   "How far the filter reaches, from 1 to 4; without it, as far as the last time");
-    app.add_flag("--in-place", options->inPlace, "Write over the input");
-    app.add_flag("-f,--force", options->force, "Write over an existing output");
+    options->jobs =
+        static_cast<int32_t>(std::clamp(std::thread::hardware_concurrency(), 1u, unsigned{kMaxJobs}));
+    std::string selection;
+    CLI::App app("Removes noise from pictures and keeps their edges and fine lines.", "hymedian");
+    app.add_option("INPUT", options->inputFiles, "The pictures: PNG, JPEG, TIFF or WebP");
+    app.add_option("-o,--output", options->output,
+                   "The filtered picture, whose suffix decides the format; or the folder of all outputs");
+    auto *radius =
+        app.add_option("-r,--radius", options->radius,
+                       "How far the filter reaches, from 1 to 4; without it, as far as the last time");
+    app.add_option("--play", options->playFile, "Play a recorded action back")
+        ->type_name("FILE")
+        ->excludes(radius);
+    app.add_option("--record", options->recordFile, "Write the action for --play")->type_name("FILE");
+    app.add_option("--select", selection, "Filter this rectangle alone")->type_name("X,Y,W,H");
+    app.add_option("--mask", options->maskFile, "Filter as far as this grey picture is white")
+        ->type_name("FILE");
+    app.add_option("--compare", options->comparisonFile, "Write before and after, side by side")
+        ->type_name("FILE.png");
+    app.add_option("-j,--jobs", options->jobs, "How many processes filter; without it, one per processor")
+        ->type_name("N");
+    app.add_flag("--in-place", options->inPlace, "Write over the inputs");
+    app.add_flag("-f,--force", options->force, "Write over existing outputs");
     app.add_option("--plugin", options->pluginFolder, "The folder of the filter's module")
         ->type_name("FOLDER");
+    app.add_flag("--info", options->info, "Tell what the plug-in says of itself");
     app.add_flag("-q,--quiet", options->quiet, "No progress bar and no summary");
     app.set_version_flag("--version", "hymedian " HYMEDIAN_VERSION);
     try {
@@ -60,5 +98,9 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
     } catch (const CLI::ParseError &error) {
         return WrongUsage(OneLine(error.what()));
     }
-    return CheckOptions(options);
+    options->selection = ParseRect(selection);
+    if (!selection.empty() && !options->selection) {
+        return WrongUsage("--select " + selection + ": a rectangle is X,Y,W,H in pixels, and not empty");
+    }
+    return CheckOptions(*options);
 }

@@ -1,19 +1,29 @@
 // The command line.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/failure.h"
+#include "photoshop/document_info.h"
 
 struct Options {
-    std::string inputFile;
-    std::string outputFile;  // the input's, with --in-place alone
+    std::vector<std::string> inputFiles;
+    std::string output;  // a file, or a folder; empty with --in-place alone
     std::optional<double> radius;
+    std::string playFile;  // empty for none, like the three that follow
+    std::string recordFile;
+    std::string maskFile;
+    std::string comparisonFile;
+    std::optional<VRect> selection;
     std::string pluginFolder;
+    int32_t jobs = 1;
     bool inPlace = false;
     bool force = false;
     bool quiet = false;
+    bool info = false;
     // What --help or --version is answered with; nothing else is to be done then.
     std::string answer;
 };

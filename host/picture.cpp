@@ -12,6 +12,8 @@
 
 #include "host/animated_png.h"
 #include "host/picture_mode.h"
+#include "host/picture_samples.h"
+#include "host/tiff_depth.h"
 #include "platform/posix_paths.h"
 
 namespace {
@@ -106,7 +108,7 @@ int32_t IntegerField(VipsImage *image, const char *name) {
     return value;
 }
 
-MaybeFailure CheckShape(const std::string &file, VipsImage *image) {
+MaybeFailure CheckShape(const std::string &file, VipsImage *image, int32_t depth) {
     const VipsInterpretation interpretation = vips_image_get_interpretation(image);
     const int32_t width = vips_image_get_width(image);
     const int32_t height = vips_image_get_height(image);
@@ -118,17 +120,14 @@ MaybeFailure CheckShape(const std::string &file, VipsImage *image) {
         {IntegerField(image, "n-pages") > 1 || IntegerField(image, "n-subifds") > 0 || IsAnimatedPng(file),
          "it has several pages or frames, of which only the first would be left"},
         {width < 1 || height < 1, "the picture is empty"},
-        {width > kMaxSide || height > kMaxSide,
-         "the picture is " + std::to_string(width) + " x " + std::to_string(height) +
-             ", and its sides must not exceed " + std::to_string(kMaxSide)},
-        {colorPlanes == 0 || vips_image_get_bands(image) < colorPlanes,
-         "its colour mode is " + ColorSpaceName(interpretation) + ", and only grey and RGB can be filtered"},
-        {ModeOfFile(interpretation, vips_image_get_format(image)) == nullptr,
+        {colorPlanes == 0 || PlanesOf(image) < colorPlanes,
+         "its colour mode is " + ColorSpaceName(interpretation) +
+             ", and only grey, RGB, Lab and CMYK can be filtered"},
+        {ModeOfFile(interpretation, vips_image_get_format(image), depth) == nullptr,
          std::string("its samples are of the kind '") +
              vips_enum_nick(VIPS_TYPE_BAND_FORMAT, vips_image_get_format(image)) +
              "', and only 8 bits, 16 bits and 32-bit floats can be filtered"},
-        {vips_image_get_bands(image) > kMaxPlanes,
-         "it has more than " + std::to_string(kMaxPlanes) + " channels"},
+        {PlanesOf(image) > kMaxPlanes, "it has more than " + std::to_string(kMaxPlanes) + " channels"},
     };
     for (const auto &[refused, reason] : checks) {
         if (refused) {
@@ -143,12 +142,11 @@ Fixed PixelsPerInch(double pixelsPerMillimeter) {
     return static_cast<Fixed>(std::lround(perInch * 65536));
 }
 
-void FillShape(VipsImage *image, VipsImage *metadata, Document *document) {
-    const PictureMode &mode = *ModeOfFile(vips_image_get_interpretation(image), vips_image_get_format(image));
+void FillShape(VipsImage *image, const PictureMode &mode, VipsImage *metadata, Document *document) {
     document->imageMode = mode.imageMode;
     document->depth = mode.depth;
     document->colorPlanes = mode.colorPlanes;
-    document->planes = vips_image_get_bands(image);
+    document->planes = PlanesOf(image);
     document->width = vips_image_get_width(image);
     document->height = vips_image_get_height(image);
     document->horizontalResolution = PixelsPerInch(vips_image_get_xres(metadata));
@@ -189,14 +187,15 @@ std::optional<FSSpec> SpecOf(const std::string &file) {
                                                                                      : std::nullopt;
 }
 
-bool ReadStrip(VipsRegion *region, const VipsRect &strip, Document *document) {
+bool ReadStrip(VipsRegion *region, const VipsRect &strip, Picture *picture) {
+    const Document &document = picture->document;
     if (vips_region_prepare(region, &strip) != 0) {
         return false;
     }
-    const int64_t rowBytes = RowBytes(*document);
+    const auto rowStep = static_cast<int64_t>(region->bpl);
     for (int64_t y = strip.top; y < strip.top + strip.height; ++y) {
-        std::memcpy(document->source.get() + y * rowBytes,
-                    region->data + (y - region->valid.top) * region->bpl, static_cast<size_t>(rowBytes));
+        TakeSamples(picture->delivered, region->data + (y - region->valid.top) * rowStep, document,
+                    document.source.get() + y * RowBytes(document));
     }
     return true;
 }
@@ -212,14 +211,17 @@ MaybeFailure OpenPicture(const std::string &file, Picture *picture) {
         return failure;
     }
     VipsImage *image = picture->unread.get();
-    if (MaybeFailure failure = CheckShape(file, image)) {
+    const int32_t depth = TiffDepth(file);
+    if (MaybeFailure failure = CheckShape(file, image, depth)) {
         return failure;
     }
+    picture->delivered = DeliveryOf(image, depth);
     VipsImage *metadata = vips_image_new();
     picture->metadata.reset(metadata);
     CopyMetadata(image, metadata);
     CompleteResolution(metadata);
-    FillShape(image, metadata, &picture->document);
+    FillShape(image, *ModeOfFile(vips_image_get_interpretation(image), vips_image_get_format(image), depth),
+              metadata, &picture->document);
     picture->document.file = SpecOf(file);
     return std::nullopt;
 }
@@ -235,7 +237,7 @@ MaybeFailure ReadPixels(Picture *picture, const Watcher &watcher) {
             return Interruption(picture->file);
         }
         const VipsRect strip = {0, top, document->width, std::min(kStripHeight, document->height - top)};
-        if (!ReadStrip(region.get(), strip, document)) {
+        if (!ReadStrip(region.get(), strip, picture)) {
             return Unreadable(picture->file);
         }
         watcher.progress(double{1} * top / document->height);

@@ -5,6 +5,7 @@
 
 #include "host/document.h"
 #include "host/failure.h"
+#include "host/picture_samples.h"
 #include "host/vips_library.h"
 #include "host/watcher.h"
 
@@ -15,6 +16,7 @@ struct Picture {
     OwnedObject<VipsImage> metadata;
     // The file, until its pixels have been read.
     OwnedObject<VipsImage> unread;
+    Delivered delivered = Delivered::asInFile;
 };
 
 // Opens the file and fills everything but the document's blocks. Refuses what cannot be filtered, and what

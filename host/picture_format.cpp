@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <iterator>
 
+#include "host/picture_mode.h"
+
 namespace {
 
 constexpr int kJpegQuality = 95;
@@ -35,14 +37,35 @@ int SaveWebp(VipsImage *image, const char *path) {
     return vips_webpsave(image, path, "lossless", TRUE, nullptr);
 }
 
+constexpr int32_t kMaxJpegSide = 65500;
 constexpr int32_t kMaxWebpSide = 16383;
 
+// For the colour spaces beside grey and RGB.
+constexpr std::string_view kNoOther = "";
+constexpr std::string_view kAlsoCMYK = "CMYK";
+constexpr std::string_view kAlsoLabAndCMYK = "Lab CMYK";
+
 constexpr PictureFormat kFormats[] = {
-    {"PNG", {".png", nullptr}, 16, 1, kMaxSide, {VIPS_META_IPTC_NAME, "IPTC"}, SavePng},
-    {"JPEG", {".jpg", ".jpeg"}, 8, 0, kMaxSide, {nullptr, nullptr}, SaveJpeg},
-    {"TIFF", {".tif", ".tiff"}, 32, kMaxPlanes, kMaxSide, {VIPS_META_EXIF_NAME, "EXIF"}, SaveTiff},
-    {"WebP", {".webp", nullptr}, 8, 1, kMaxWebpSide, {VIPS_META_IPTC_NAME, "IPTC"}, SaveWebp},
+    {"PNG", {".png", nullptr}, 16, 1, VIPS_MAX_COORD, kNoOther, {VIPS_META_IPTC_NAME, "IPTC"}, SavePng},
+    {"JPEG", {".jpg", ".jpeg"}, 8, 0, kMaxJpegSide, kAlsoCMYK, {nullptr, nullptr}, SaveJpeg},
+    {"TIFF",
+     {".tif", ".tiff"},
+     32,
+     kMaxPlanes,
+     VIPS_MAX_COORD,
+     kAlsoLabAndCMYK,
+     {VIPS_META_EXIF_NAME, "EXIF"},
+     SaveTiff},
+    {"WebP", {".webp", nullptr}, 8, 1, kMaxWebpSide, kNoOther, {VIPS_META_IPTC_NAME, "IPTC"}, SaveWebp},
 };
+
+constexpr std::string_view kEverywhere[] = {"grey", "RGB"};
+
+bool HoldsColors(const PictureFormat &format, const Document &document) {
+    const std::string_view space = ModeOfDocument(document.imageMode).name;
+    return format.furtherSpaces.find(space) != std::string_view::npos ||
+           std::find(std::begin(kEverywhere), std::end(kEverywhere), space) != std::end(kEverywhere);
+}
 
 int32_t ExtraPlanes(const Document &document) {
     return document.planes - document.colorPlanes;
@@ -53,8 +76,8 @@ int32_t LongerSide(const Document &document) {
 }
 
 bool Holds(const PictureFormat &format, const Document &document) {
-    return document.depth <= format.maxDepth && ExtraPlanes(document) <= format.maxExtraPlanes &&
-           LongerSide(document) <= format.maxSide;
+    return HoldsColors(format, document) && document.depth <= format.maxDepth &&
+           ExtraPlanes(document) <= format.maxExtraPlanes && LongerSide(document) <= format.maxSide;
 }
 
 // ".png or .tif"
@@ -93,6 +116,7 @@ MaybeFailure CheckFormatHolds(const PictureFormat &format, const Document &docum
         bool refused;
         std::string what;
     } checks[] = {
+        {!HoldsColors(format, document), std::string(ModeOfDocument(document.imageMode).name) + " colours"},
         {document.depth > format.maxDepth, std::to_string(document.depth) + "-bit samples"},
         {ExtraPlanes(document) > format.maxExtraPlanes,
          ExtraPlanes(document) == 1 ? "extra channel"

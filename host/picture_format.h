@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "host/document.h"
 #include "host/failure.h"
@@ -14,6 +15,7 @@ struct PictureFormat {
     int32_t maxDepth;
     int32_t maxExtraPlanes;
     int32_t maxSide;
+    std::string_view furtherSpaces;  // names of colour spaces that it holds beside grey and RGB
     struct {
         const char *field;  // of the library's metadata; null when all kinds are kept
         const char *name;

@@ -1,5 +1,8 @@
 #include "host/picture_writer.h"
 
+#include <algorithm>
+#include <vector>
+
 #include "host/picture_mode.h"
 
 namespace {
@@ -12,6 +15,19 @@ void FollowWriting(VipsImage *image, VipsProgress *progress, void *data) {
     }
 }
 
+// As files have it. Exclusive or with nothing leaves further channels as they are.
+OwnedObject<VipsImage> Flipped(OwnedObject<VipsImage> image, const PictureMode &mode) {
+    if (image == nullptr || mode.flips[mode.colorPlanes - 1] == 0) {
+        return image;
+    }
+    std::vector<double> flips(static_cast<size_t>(vips_image_get_bands(image.get())));
+    std::copy_n(mode.flips, mode.colorPlanes, flips.begin());
+    VipsImage *flipped = nullptr;
+    vips_boolean_const(image.get(), &flipped, VIPS_OPERATION_BOOLEAN_EOR, flips.data(),
+                       static_cast<int>(flips.size()), nullptr);
+    return OwnedObject<VipsImage>(flipped);
+}
+
 // Shows the destination's pixels without copying them.
 OwnedObject<VipsImage> ImageOf(const Picture &picture) {
     const Document &document = picture.document;
@@ -19,6 +35,7 @@ OwnedObject<VipsImage> ImageOf(const Picture &picture) {
     OwnedObject<VipsImage> image(
         vips_image_new_from_memory(document.destination.get(), static_cast<size_t>(PixelBytes(document)),
                                    document.width, document.height, document.planes, mode.format));
+    image = Flipped(std::move(image), mode);
     if (image != nullptr) {
         image->Type = mode.interpretation;
         CopyMetadata(picture.metadata.get(), image.get());

@@ -45,5 +45,5 @@ void ClearBar(ProgressBar *bar) {
     if (bar->percent >= 0) {
         std::fputs(kEraseLine, stderr);
     }
-    bar->shown = false;
+    bar->percent = -1;
 }

@@ -10,5 +10,5 @@ struct ProgressBar {
 // Only a terminal shows a bar.
 ProgressBar MakeProgressBar(bool wanted);
 void AdvanceBar(ProgressBar *bar, double done);
-// Leaves an empty line for what comes next.
+// Leaves an empty line for what comes next; the next advance draws the bar again.
 void ClearBar(ProgressBar *bar);

@@ -1,4 +1,4 @@
-// File names between Mac Roman and UTF-8. Internal to this folder.
+// Text between Mac Roman and UTF-8.
 #pragma once
 
 #include <string>

@@ -14,8 +14,6 @@
 
 namespace {
 
-constexpr int kSeam = 8;  // white columns between two pictures
-
 int TellVipsError() {
     std::fprintf(stderr, "chart: %s", vips_error_buffer());
     return 1;
@@ -60,19 +58,6 @@ int PrintPSNR(char **files) {
     return 0;
 }
 
-int JoinSideBySide(char **files) {
-    PictureRGB left, right;
-    if (!ReadPair(files, &left, &right)) {
-        return TellVipsError();
-    }
-    PictureRGB both = MakePicture(2 * left.width + kSeam, left.height, {255, 255, 255});
-    for (int y = 0; y < left.height; ++y) {
-        std::copy_n(&At(left, 0, y), left.width, &At(both, 0, y));
-        std::copy_n(&At(right, 0, y), right.width, &At(both, left.width + kSeam, y));
-    }
-    return WriteRGB(both, files[2]) ? 0 : TellVipsError();
-}
-
 struct Command {
     const char *name;
     int files;
@@ -83,7 +68,6 @@ struct Command {
 constexpr Command kCommands[] = {
     {"draw", 2, "CLEAN.png NOISY.png", Draw},
     {"psnr", 2, "CLEAN OTHER", PrintPSNR},
-    {"side-by-side", 3, "LEFT RIGHT OUT.png", JoinSideBySide},
 };
 
 int TellUsage() {

@@ -1,9 +1,12 @@
 // Picture files in and out: samples, metadata, and what a format cannot hold.
 #include "host/picture.h"
 
+#include <fstream>
+
 #include "host/picture_format.h"
 #include "host/picture_mode.h"
 #include "host/picture_writer.h"
+#include "host/tiff_depth.h"
 #include "platform/posix_paths.h"
 #include "tests/host/host_fixture.h"
 
@@ -71,7 +74,9 @@ TEST_F(PictureFile, SamplesComeBackAsTheyWere) {
         {plugInModeGrayScale, 1, "a.tif"}, {plugInModeGray16, 3, "b.tiff"},
         {plugInModeGray32, 1, "c.tif"},    {plugInModeRGBColor, 5, "d.tif"},
         {plugInModeRGB48, 4, "e.tif"},     {plugInModeRGB96, 3, "f.tif"},
-        {plugInModeRGB96, 4, "g.tif"},
+        {plugInModeRGB96, 4, "g.tif"},     {plugInModeLabColor, 3, "h.tif"},
+        {plugInModeLabColor, 5, "i.tif"},  {plugInModeCMYKColor, 6, "j.tif"},
+        {plugInModeCMYK64, 5, "k.tif"},
     };
     for (const auto &test : cases) {
         SCOPED_TRACE(test.file);
@@ -128,6 +133,8 @@ TEST_F(PictureFile, NothingIsCutToFitAFormat) {
         {plugInModeRGB48, 3, "a.webp", "choose .png or .tif."},
         {plugInModeRGB96, 3, "a.png", "choose .tif."},
         {plugInModeRGBColor, 5, "a.png", "choose .tif."},
+        {plugInModeLabColor, 3, "a.webp", "choose .tif."},
+        {plugInModeCMYKColor, 4, "a.png", "choose .jpg or .tif."},
     };
     for (const auto &test : cases) {
         const std::string sentence = Write(MakePicture(test.mode, test.planes), test.file);
@@ -148,6 +155,31 @@ TEST_F(PictureFile, CancelStopsReadingAndWriting) {
     const PictureFormat *format = nullptr;
     FindFormat("a.png", &format);
     EXPECT_EQ(WritePicture(written, *format, Path("b.png"), "b.png", cancelling)->status, kExitInterrupted);
+}
+
+TEST_F(PictureFile, DepthOfTiffIsReadInEveryLayout) {
+    using namespace std::string_literals;
+    const std::string before = "\x01\x00\x03\x00\x01\x00\x00\x00\x09\x00\x00\x00"s;  // another entry
+    const std::string big = "II\x2B\0\x08\0\0\0\x10\0\0\0\0\0\0\0\x01\0\0\0\0\0\0\0"s;
+    const std::string sound = "II*\0\x08\0\0\0\x02\0"s + before + "\x02\x01\x03\0\x02\0\0\0\x08\0\x08\0"s;
+    const struct {
+        std::string bytes;
+        int32_t depth;
+    } cases[] = {
+        {sound, 8},
+        {"MM\0*\0\0\0\x08\0\x01\x01\x02\0\x03\0\0\0\x01\0\x10\0\0"s, 16},
+        // Three values stand elsewhere.
+        {"II*\0\x08\0\0\0\x01\0\x02\x01\x03\0\x03\0\0\0\x16\0\0\0\x0C\0\x0C\0\x0C\0"s, 12},
+        {big + "\x02\x01\x03\0\x04\0\0\0\0\0\0\0\x10\0\x10\0\x10\0\x10\0"s, 16},
+        {sound.substr(0, sound.size() - 4), 0},
+        {"II*\0\xFF\xFF\xFF\xFF"s, 0},
+        {"\x89PNG\r\n\x1A\n"s, 0},
+        {"", 0},
+    };
+    for (const auto &test : cases) {
+        std::ofstream(folder / "a.tif", std::ios::binary) << test.bytes;
+        EXPECT_EQ(TiffDepth(Path("a.tif")), test.depth) << &test - cases;
+    }
 }
 
 }  // namespace

@@ -1,109 +1,22 @@
 // The program as its users meet it: exit status, one sentence, and what is in the folder afterwards.
-#include <fcntl.h>
-#include <signal.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <algorithm>
 #include <chrono>
-#include <fstream>
-#include <iterator>
-#include <set>
 #include <thread>
 
-#include "tests/host/host_fixture.h"
+#include "tests/host/program_fixture.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-struct Ended {
-    int status;
-    std::string out, err;
-};
-
-std::string Contents(const fs::path &path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-class Program : public HostTest {
-  protected:
-    Program() {
-        setenv("HYMEDIAN_PREFERENCES", (output / "preferences").c_str(), 1);
-        fs::create_directory(output);
-    }
-
-    ~Program() override { fs::remove_all(output); }
-
-    // Starts the program in the test's folder; what it prints goes to files outside.
-    pid_t Start(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), HYMEDIAN_PROGRAM);
-        std::vector<char *> pointers;
-        for (std::string &argument : arguments) {
-            pointers.push_back(argument.data());
-        }
-        pointers.push_back(nullptr);
-        const pid_t child = fork();
-        if (child == 0) {
-            const auto redirect = [&](int descriptor, const char *name) {
-                dup2(open((output / name).c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), descriptor);
-            };
-            redirect(STDOUT_FILENO, "out");
-            redirect(STDERR_FILENO, "err");
-            if (chdir(folder.c_str()) == 0) {
-                execv(HYMEDIAN_PROGRAM, pointers.data());
-            }
-            _exit(127);
-        }
-        return child;
-    }
-
-    Ended Wait(pid_t child) {
-        int status = 0;
-        waitpid(child, &status, 0);
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Contents(output / "out"),
-                Contents(output / "err")};
-    }
-
-    void WriteBytes(const std::string &name, const std::string &bytes) {
-        std::ofstream(folder / name, std::ios::binary) << bytes;
-    }
-
-    // A picture of grey noise in the given format and colour space.
-    void WriteNoise(const std::string &name, int width, int height, int bands,
-                    VipsBandFormat format = VIPS_FORMAT_UCHAR,
-                    VipsInterpretation interpretation = VIPS_INTERPRETATION_sRGB) {
-        std::vector<uint8_t> bytes(static_cast<size_t>(width * height * bands) * vips_format_sizeof(format));
-        std::generate(bytes.begin(), bytes.end(), std::mt19937(3));
-        const OwnedObject<VipsImage> image(
-            vips_image_new_from_memory(bytes.data(), bytes.size(), width, height, bands, format));
-        image->Type = interpretation;
-        ASSERT_EQ(vips_image_write_to_file(image.get(), Path(name).c_str(), nullptr), 0)
-            << vips_error_buffer();
-    }
-
-    std::set<std::string> Names() const {
-        std::set<std::string> names;
-        for (const auto &entry : fs::directory_iterator(folder)) {
-            names.insert(entry.path().filename());
-        }
-        return names;
-    }
-
-    fs::path output = folder.string() + "-output";
-};
 
 TEST_F(Program, FailsWithOneSentenceAndLeavesNothing) {
     WriteNoise("good.png", 40, 30, 3);
     WriteNoise("good.tif", 40, 30, 3);
     WriteNoise("16.tif", 40, 30, 3, VIPS_FORMAT_USHORT, VIPS_INTERPRETATION_RGB16);
     WriteNoise("cmyk.tif", 40, 30, 4, VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_CMYK);
-    WriteNoise("lab.tif", 40, 30, 3, VIPS_FORMAT_FLOAT, VIPS_INTERPRETATION_LAB);
+    WriteNoise("lab.tif", 40, 30, 3, VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_LAB);
+    WriteNoise("float-lab.tif", 40, 30, 3, VIPS_FORMAT_FLOAT, VIPS_INTERPRETATION_LAB);
     WriteNoise("uint.tif", 40, 30, 1, VIPS_FORMAT_UINT, VIPS_INTERPRETATION_B_W);
     WriteNoise("pages.tif[page-height=15]", 40, 30, 3);
-    WriteNoise("wide.png", 30001, 1, 1, VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_B_W);
     WriteNoise("other.png", 40, 30, 3);
     WriteNoise("whole.jpg", 40, 30, 3);
     for (const char *name : {"whole.jpg", "good.png", "good.tif"}) {
@@ -124,6 +37,20 @@ TEST_F(Program, FailsWithOneSentenceAndLeavesNothing) {
     WriteBytes("text.png", "not a picture");
     fs::create_directory(folder / "folder.png");
     fs::create_directory(folder / "no-main");
+    WriteNoise("small-mask.png", 40, 29, 1, VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_B_W);
+    WriteNoise("mask.png", 40, 30, 1, VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_B_W);
+    WriteBytes("bad.json", "{");
+    WriteBytes("good.json", R"({"event": "HyMd", "parameters": {"nRad": {"type": "float", "value": 2}}})");
+    // Plug-ins whose resources are missing, cut short, and without the two modes of grey and RGB 8.
+    const fs::path plugin = fs::path(HYMEDIAN_PROGRAM).parent_path() / "HybridMedian.plugin";
+    for (const char *name : {"bare", "cut", "modes"}) {
+        fs::create_directory(folder / name);
+        fs::create_symlink(plugin / "HybridMedian.so", folder / name / "HybridMedian.so");
+    }
+    std::string resources = Contents(plugin / "HybridMedian.rsrc");
+    WriteBytes("cut/HybridMedian.rsrc", resources.substr(0, resources.size() - 5));
+    resources[resources.find("mode") + 12] = 0;
+    WriteBytes("modes/HybridMedian.rsrc", resources);
     fs::copy(fs::path(HYMEDIAN_PROGRAM).parent_path() / "libplatform.so", folder / "no-main/HybridMedian.so");
 
     const struct {
@@ -139,15 +66,14 @@ TEST_F(Program, FailsWithOneSentenceAndLeavesNothing) {
         {{"cut-good.tif", "-o", "new.tif"}, 1, "cut-good.tif"},
         {{"cut-whole.jpg", "-o", "new.png"}, 1, "cut-whole.jpg"},
         {{"folder.png", "-o", "new.png"}, 1, "folder.png: this is a folder"},
-        {{"cmyk.tif", "-o", "new.tif"}, 1, "CMYK"},
-        {{"lab.tif", "-o", "new.tif"}, 1, "Lab"},
+        {{"cmyk.tif", "-o", "new.png"}, 1, "CMYK"},
+        {{"lab.tif", "-o", "new.jpg"}, 1, "choose .tif"},
+        {{"float-lab.tif", "-o", "new.tif"}, 1, "float"},
         {{"uint.tif", "-o", "new.tif"}, 1, "uint"},
         {{"pages.tif", "-o", "new.tif"}, 1, "pages.tif: it has several pages"},
         {{"animated.png", "-o", "new.png"}, 1, "animated.png: it has several pages"},
-        {{"wide.png", "-o", "new.png"}, 1, "30000"},
         {{"16.tif", "-o", "new.jpg"}, 1, "16.tif"},
         {{"good.png", "-o", "other.png"}, 1, "other.png: exists already"},
-        {{"good.png", "-o", "folder.png", "-f"}, 1, "folder.png"},
         {{"good.png", "-o", "good.png", "-f"}, 2, "--in-place"},
         {{"good.png", "-o", "nowhere/new.png"}, 1, "nowhere"},
         {{"good.png", "-o", "/proc/new.png"}, 1, "/proc/new.png"},
@@ -161,6 +87,28 @@ TEST_F(Program, FailsWithOneSentenceAndLeavesNothing) {
         {{"good.png", "-o", "new.png", "--raduis", "2"}, 2, "--raduis"},
         {{"good.png"}, 2, "good.png"},
         {{}, 2, "--help"},
+        {{"good.png", "-o", "new.png", "--plugin", "bare"}, 1, "bare/HybridMedian.rsrc"},
+        {{"good.png", "-o", "new.png", "--plugin", "cut"}, 1, "cut/HybridMedian.rsrc"},
+        {{"good.png", "-o", "new.png", "--plugin", "modes"}, 1, "colour mode is RGB 8"},
+        {{"good.png", "-o", "new.png", "--play", "bad.json"}, 1, "bad.json"},
+        {{"good.png", "-o", "new.png", "--play", "missing.json"}, 1, "missing.json"},
+        {{"good.png", "-o", "new.png", "--play", "good.json", "-r", "2"}, 2, "--play"},
+        {{"good.png", "-o", "new.png", "--record", "good.json"}, 1, "good.json: exists already"},
+        {{"good.png", "-o", "new.png", "--compare", "other.png"}, 1, "other.png: exists already"},
+        {{"good.png", "-o", "new.png", "--compare", "new.png"}, 2, "new.png: two outputs"},
+        {{"good.png", "-o", "new.png", "--compare", "new.jpg"}, 2, "new.jpg"},
+        {{"good.png", "-o", "new.png", "--record", "good.png", "-f"}, 2, "good.png"},
+        {{"good.png", "-o", "new.png", "--select", "1,1,40,5"}, 2, "does not lie inside"},
+        {{"good.png", "-o", "new.png", "--select", "1,1,0,5"}, 2, "1,1,0,5"},
+        {{"good.png", "-o", "new.png", "--mask", "small-mask.png"}, 1, "small-mask.png: the mask is 40 x 29"},
+        {{"good.png", "-o", "new.png", "--mask", "other.png"}, 1, "other.png: a mask must be grey"},
+        {{"good.png", "-o", "new.png", "--mask", "missing.png"}, 1, "missing.png"},
+        {{"good.png", "-o", "new.png", "--jobs", "0"}, 2, "jobs"},
+        {{"good.png", "other.png", "-o", "nowhere"}, 2, "nowhere"},
+        {{"good.png", "other.png", "-o", "mask.png"}, 2, "mask.png"},
+        {{"good.png", "folder.png/../good.png", "-o", "folder.png"}, 2, "folder.png/good.png"},
+        {{"good.png", "./good.png", "--in-place"}, 2, "./good.png"},
+        {{"good.png", "other.png", "-o", "folder.png", "--record", "new.json"}, 2, "--record"},
     };
     const std::set<std::string> before = Names();
     for (const auto &test : cases) {
@@ -213,11 +161,176 @@ TEST_F(Program, InterruptLeavesNothing) {
         while (Names() == before && waitpid(child, nullptr, WNOHANG) == 0) {
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }
-        kill(child, signal);
+        kill(-child, signal);
         const Ended ended = Wait(child);
         EXPECT_EQ(ended.status, 130) << ended.err;
         EXPECT_EQ(ended.err, "hymedian: in.png: interrupted, nothing was written.\n");
         EXPECT_EQ(Names(), before);
+        EXPECT_EQ(kill(-child, 0), -1) << "a worker is left";
+    }
+}
+
+// Finds the program's children through the process table, which lists them for its first thread.
+std::vector<pid_t> ChildrenOf(pid_t process) {
+    const std::string number = std::to_string(process);
+    std::ifstream list("/proc/" + number + "/task/" + number + "/children");
+    return {std::istream_iterator<pid_t>(list), {}};
+}
+
+TEST_F(Program, AnyNumberOfJobsGivesTheSameFile) {
+    WriteNoise("rgb.tif", 900, 500, 3);
+    WriteNoise("grey16.tif", 500, 900, 2, VIPS_FORMAT_USHORT, VIPS_INTERPRETATION_GREY16);
+    WriteNoise("mask.png", 900, 500, 1, VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_B_W);
+    const std::vector<std::string> cases[] = {
+        {"rgb.tif", "-o", "out.tif", "-f", "-r", "2"},
+        {"grey16.tif", "-o", "out.tif", "-f", "-r", "1.5"},
+        {"grey16.tif", "-o", "out.tif", "-f"},
+        {"rgb.tif", "-o", "out.tif", "-f", "-r", "1", "--mask", "mask.png", "--select", "3,5,890,490"},
+    };
+    for (const auto &arguments : cases) {
+        std::set<std::string> results, preferences, summaries;
+        for (const char *jobs : {"1", "2", "7"}) {
+            std::vector<std::string> withJobs = arguments;
+            withJobs.insert(withJobs.end(), {"--jobs", jobs});
+            const Ended ended = Wait(Start(withJobs));
+            ASSERT_EQ(ended.status, 0) << ended.err;
+            results.insert(Contents(folder / "out.tif"));
+            preferences.insert(Contents(output / "preferences/WEMBpref"));
+            summaries.insert(ended.out.substr(0, ended.out.rfind(',')));
+        }
+        EXPECT_EQ(results.size(), 1u);
+        EXPECT_EQ(preferences.size(), 1u);
+        EXPECT_EQ(summaries.size(), 1u);
+    }
+}
+
+TEST_F(Program, SelectionsAndMasksKeepTheRest) {
+    WriteNoise("in.tif", 60, 40, 4, VIPS_FORMAT_USHORT, VIPS_INTERPRETATION_RGB16);
+    WriteNoise("white.png", 60, 40, 1, VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_B_W);
+    const OwnedObject<VipsImage> black(vips_image_new_from_file(Path("white.png").c_str(), nullptr));
+    VipsImage *masks[2];
+    const double zero = 0;
+    const double levels[] = {0, 65535};
+    for (const int i : {0, 1}) {
+        VipsImage *wide = nullptr;
+        vips_linear(black.get(), &wide, &zero, &levels[i], 1, nullptr);
+        const OwnedObject<VipsImage> owned(wide);
+        vips_cast_ushort(wide, &masks[i], nullptr);
+        masks[i]->Type = VIPS_INTERPRETATION_GREY16;
+        vips_image_write_to_file(masks[i], Path(i == 0 ? "black16.png" : "white16.png").c_str(), nullptr);
+        g_object_unref(masks[i]);
+    }
+    const auto result = [&](std::vector<std::string> options) {
+        options.insert(options.begin(), {"in.tif", "-o", "out.tif", "-f", "-r", "2"});
+        EXPECT_EQ(Wait(Start(options)).status, 0);
+        return Contents(folder / "out.tif");
+    };
+    const std::string in = Contents(folder / "in.tif").substr(8, 60 * 40 * 8);
+    const std::string whole = result({}).substr(8, 60 * 40 * 8);
+    EXPECT_EQ(result({"--mask", "white16.png"}).substr(8, 60 * 40 * 8), whole);
+    EXPECT_EQ(result({"--mask", "black16.png"}).substr(8, 60 * 40 * 8), in);
+    const std::string selected = result({"--select", "10,20,30,5"}).substr(8, 60 * 40 * 8);
+    EXPECT_NE(selected, in);
+    for (size_t i = 0; i < in.size(); ++i) {
+        const size_t x = i / 8 % 60;
+        const size_t y = i / 8 / 60;
+        if (x < 10 || x >= 40 || y < 20 || y >= 25) {
+            ASSERT_EQ(selected[i], in[i]) << x << ' ' << y;
+        }
+    }
+}
+
+TEST_F(Program, RecordsAndPlays) {
+    WriteNoise("in.png", 40, 30, 3);
+    EXPECT_EQ(
+        Wait(Start({"in.png", "-o", "a.png", "-r", "2.5", "--record", "r.json", "--compare", "both.png"}))
+            .status,
+        0);
+    EXPECT_EQ(Wait(Start({"in.png", "-o", "b.png", "-r", "1"})).status, 0);
+    const Ended played = Wait(Start({"in.png", "-o", "c.png", "--play", "r.json"}));
+    EXPECT_NE(played.out.find("radius 2.5"), std::string::npos) << played.out;
+    EXPECT_EQ(Contents(folder / "a.png"), Contents(folder / "c.png"));
+    EXPECT_NE(Contents(folder / "a.png"), Contents(folder / "b.png"));
+    const OwnedObject<VipsImage> both(vips_image_new_from_file(Path("both.png").c_str(), nullptr));
+    ASSERT_NE(both, nullptr);
+    EXPECT_EQ(vips_image_get_width(both.get()), 2 * 40 + 8);
+    EXPECT_EQ(vips_image_get_height(both.get()), 30);
+}
+
+TEST_F(Program, OneFailureDoesNotStopABatch) {
+    fs::create_directory(folder / "out");
+    for (const char *name : {"a.png", "b.tif", "c.webp"}) {
+        WriteNoise(name, 40, 30, 3);
+    }
+    WriteNoise("large.tif", 900, 500, 3);
+    WriteBytes("bad.png", "nonsense");
+    for (const char *jobs : {"1", "3"}) {
+        const Ended ended = Wait(Start(
+            {"a.png", "bad.png", "large.tif", "b.tif", "c.webp", "-o", "out", "-f", "-j", jobs, "-r", "1"}));
+        EXPECT_EQ(ended.status, 1);
+        EXPECT_NE(ended.out.find("\n5 pictures: 4 done, 1 failed\n"), std::string::npos) << ended.out;
+        EXPECT_EQ(ended.err.find("hymedian: bad.png: "), 0u) << ended.err;
+        for (const char *name : {"a.png", "b.tif", "c.webp", "large.tif"}) {
+            EXPECT_TRUE(fs::remove(folder / "out" / name)) << name;
+        }
+        EXPECT_TRUE(fs::is_empty(folder / "out"));
+    }
+    EXPECT_EQ(Wait(Start({"a.png", "b.tif", "--in-place", "-q", "-r", "1"})).status, 0);
+}
+
+// Where a file may not grow any more, as on a full disk.
+TEST_F(Program, FullDisksLeaveNothing) {
+    WriteNoise("in.tif", 60, 40, 3);
+    WriteNoise("two.tif", 60, 40, 3);
+    fs::create_directory(folder / "out");
+    const std::set<std::string> before = Names();
+    fileSizeLimit = 60 * 40 * 3 + 50;
+    const std::vector<std::string> outputs[] = {{"new.tif"}, {"new.png", "--compare", "both.png"}};
+    for (const auto &names : outputs) {
+        std::vector<std::string> arguments = {"in.tif", "-o"};
+        arguments.insert(arguments.end(), names.begin(), names.end());
+        const Ended ended = Wait(Start(arguments));
+        EXPECT_EQ(ended.status, 1);
+        EXPECT_NE(ended.err.find(names.back() + ": cannot be written"), std::string::npos) << ended.err;
+        EXPECT_EQ(Names(), before);
+    }
+    EXPECT_EQ(Wait(Start({"in.tif", "two.tif", "-o", "out", "-j", "2"})).status, 1);
+    EXPECT_TRUE(fs::is_empty(folder / "out"));
+}
+
+TEST_F(Program, DeadWorkersAreToldAndLeaveNothing) {
+    WriteNoise("large.png", 1500, 1500, 3);
+    WriteNoise("small.png", 300, 250, 3);
+    WriteNoise("small2.png", 300, 250, 3);
+    fs::create_directory(folder / "out");
+    const std::set<std::string> before = Names();
+    const std::vector<std::string> commands[] = {
+        {"large.png", "-o", "new.png", "-r", "4", "-j", "2"},
+        {"small.png", "small2.png", "-o", "out", "-r", "4", "-j", "2"},
+    };
+    for (const auto &command : commands) {
+        const pid_t program = Start(command);
+        std::vector<pid_t> children;
+        while (children.empty() && waitpid(program, nullptr, WNOHANG) == 0) {
+            children = ChildrenOf(program);
+        }
+        ASSERT_FALSE(children.empty());
+        kill(children[0], SIGKILL);
+        const Ended ended = Wait(program);
+        EXPECT_EQ(ended.status, 1);
+        EXPECT_NE(ended.err.find("worker process was ended by signal 9"), std::string::npos) << ended.err;
+        EXPECT_EQ(Names(), before);
+        // Nobody of the program's group is left.
+        EXPECT_EQ(kill(-program, 0), -1);
+    }
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder / "out"), {}), 1) << "the other picture was done";
+}
+
+TEST_F(Program, TellsWhatThePluginSays) {
+    const Ended ended = Wait(Start({"--info"}));
+    EXPECT_EQ(ended.status, 0);
+    for (const char *word : {"Hybrid Median…", "Noise", "4.0", "Lab 16", "CMYK 8"}) {
+        EXPECT_NE(ended.out.find(word), std::string::npos) << word;
     }
 }
 

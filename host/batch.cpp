@@ -1,0 +1,242 @@
+#include "host/batch.h"
+
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <numeric>
+
+#include "host/band_workers.h"
+#include "host/interrupt.h"
+#include "host/progress_bar.h"
+#include "host/tell.h"
+#include "host/worker_job.h"
+#include "host/worker_pool.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// A picture that a worker is at.
+struct Assigned {
+    size_t request;
+    PlannedFile planned;
+    Clock::time_point start;
+};
+
+struct Batch {
+    const Options *options;
+    const FilterSettings *settings;
+    const std::vector<FileRequest> *requests;
+    Plugin *plugin;
+    ProgressBar bar;
+    std::vector<double> progress;  // by request
+    size_t doneCount = 0;
+    size_t failedCount = 0;
+    int status = kExitDone;  // the latest failure's
+
+    size_t next = 0;                                            // request to be given to a worker
+    size_t jobCount = 0;                                        // given so far
+    std::vector<size_t> large = {};                             // requests that are left for later
+    std::map<size_t, std::unique_ptr<Assigned>> assigned = {};  // by the number of the job
+};
+
+void Advance(Batch *batch, size_t request, double done) {
+    batch->progress[request] = done;
+    const double sum = std::accumulate(batch->progress.begin(), batch->progress.end(), 0.0);
+    AdvanceBar(&batch->bar, sum / static_cast<double>(batch->progress.size()));
+}
+
+// The end of a picture, for better or worse.
+void Settle(Batch *batch, size_t index, const MaybeFailure &failure, const FileReport &report,
+            Clock::time_point start) {
+    const FileRequest &request = (*batch->requests)[index];
+    ClearBar(&batch->bar);
+    if (failure) {
+        ++batch->failedCount;
+        batch->status = failure->status;
+        Tell(*failure);
+    } else {
+        ++batch->doneCount;
+        const std::chrono::duration<double> elapsed = Clock::now() - start;
+        if (!batch->options->quiet) {
+            std::printf("%s -> %s: %s, %.1f s%s\n", request.inputFile.c_str(), request.outputFile.c_str(),
+                        report.words.c_str(), elapsed.count(), report.lost.c_str());
+            std::fflush(stdout);
+        }
+    }
+    Advance(batch, index, 1);
+}
+
+FilterOutcome Filter(Batch *batch, Document *document, const Watcher &watcher) {
+    const Options &options = *batch->options;
+    const Action &action = batch->settings->action;
+    const std::vector<Tile> tiles =
+        CutIntoTiles(SelectedRect(*document), {.bands = BandsFor(*document, options.jobs)});
+    return options.jobs == 1 || tiles.size() == 1
+               ? FilterTiles({&batch->plugin->module, document, action, true, watcher}, tiles)
+               : FilterInWorkers({options.pluginFolder, document, action, options.jobs, watcher}, tiles);
+}
+
+MaybeFailure DoHere(Batch *batch, size_t index, FileReport *report) {
+    const Watcher watcher = {[=](double done) { Advance(batch, index, done); }, Interrupted};
+    PlannedFile planned;
+    Picture picture;
+    if (MaybeFailure failure =
+            PlanFile((*batch->requests)[index], *batch->settings, batch->plugin->info, &planned, &picture)) {
+        return failure;
+    }
+    const auto filter = [=](Document *document, const Watcher &ofFilter) {
+        return Filter(batch, document, ofFilter);
+    };
+    if (MaybeFailure failure = DoFileTask(planned.task, &picture, filter, watcher, report)) {
+        return failure;
+    }
+    return PublishFile(&planned);
+}
+
+void RunHere(Batch *batch, size_t index) {
+    const Clock::time_point start = Clock::now();
+    FileReport report;
+    const MaybeFailure failure = DoHere(batch, index, &report);
+    Settle(batch, index, failure, report, start);
+}
+
+// Plans requests up to one that suits a worker.
+bool NextJob(Batch *batch, std::string *job) {
+    while (batch->next < batch->requests->size()) {
+        auto assigned = std::make_unique<Assigned>();
+        assigned->request = batch->next++;
+        assigned->start = Clock::now();
+        Picture picture;
+        const MaybeFailure failure = PlanFile((*batch->requests)[assigned->request], *batch->settings,
+                                              batch->plugin->info, &assigned->planned, &picture);
+        if (failure) {
+            Settle(batch, assigned->request, failure, {}, assigned->start);
+        } else if (BandsFor(picture.document, batch->options->jobs) > 1) {
+            batch->large.push_back(assigned->request);
+        } else {
+            *job = PackFileJob(batch->options->pluginFolder, assigned->planned.task);
+            batch->assigned.emplace(batch->jobCount++, std::move(assigned));
+            return true;
+        }
+    }
+    return false;
+}
+
+// The picture's outputs stay behind for as long as the result is in use.
+std::unique_ptr<Assigned> TakeBack(Batch *batch, size_t job) {
+    return std::move(batch->assigned.extract(job).mapped());
+}
+
+bool TakeAnswer(Batch *batch, size_t job, const std::string &packed) {
+    const std::unique_ptr<Assigned> assigned = TakeBack(batch, job);
+    FileAnswer answer;
+    if (!UnpackAnswer(packed, &answer)) {
+        answer.failure =
+            FileFailure(assigned->planned.task.inputFile, "its worker process answered nonsense");
+    }
+    if (!answer.failure) {
+        answer.failure = PublishFile(&assigned->planned);
+    }
+    Settle(batch, assigned->request, answer.failure, answer.report, assigned->start);
+    return true;
+}
+
+bool TakeDeath(Batch *batch, size_t job, const std::string &how) {
+    const std::unique_ptr<Assigned> assigned = TakeBack(batch, job);
+    const Failure failure =
+        FileFailure(assigned->planned.task.inputFile, "its worker process " + how + ", nothing was written");
+    Settle(batch, assigned->request, failure, {}, assigned->start);
+    return true;
+}
+
+// Small pictures go to workers whole. Those that are worth several workers are left.
+void RunInWorkers(Batch *batch) {
+    WorkerCalls calls;
+    calls.next = [=](std::string *job) { return NextJob(batch, job); };
+    calls.progress = [=](size_t job, double done) { Advance(batch, batch->assigned.at(job)->request, done); };
+    calls.answered = [=](size_t job, const std::string &answer) { return TakeAnswer(batch, job, answer); };
+    calls.died = [=](size_t job, const std::string &how) { return TakeDeath(batch, job, how); };
+    calls.cancelled = Interrupted;
+    const auto workers = std::min(static_cast<size_t>(batch->options->jobs), batch->requests->size());
+    const PoolEnd end = RunWorkers(static_cast<int32_t>(workers), {}, calls);
+    // Whatever is still assigned was not finished.
+    for (const auto &[job, assigned] : batch->assigned) {
+        const std::string &file = assigned->planned.task.inputFile;
+        Settle(batch, assigned->request,
+               end == PoolEnd::cancelled ? Interruption(file)
+                                         : FileFailure(file, "no worker process can be started"),
+               {}, assigned->start);
+    }
+    batch->assigned.clear();
+}
+
+std::vector<size_t> AllOf(const std::vector<FileRequest> &requests) {
+    std::vector<size_t> all(requests.size());
+    std::iota(all.begin(), all.end(), size_t{0});
+    return all;
+}
+
+std::string OutputOf(const Options &options, const std::string &input) {
+    std::error_code error;
+    if (options.output.empty()) {
+        return input;
+    }
+    return fs::is_directory(options.output, error)
+               ? (fs::path(options.output) / fs::path(input).filename()).string()
+               : options.output;
+}
+
+}  // namespace
+
+MaybeFailure PlanBatch(const Options &options, std::vector<FileRequest> *requests) {
+    std::error_code error;
+    if (options.inputFiles.size() > 1 && !options.output.empty() &&
+        !fs::is_directory(options.output, error)) {
+        return Failure{kExitUsage, options.output + ": several pictures need an existing folder to go to."};
+    }
+    std::map<fs::path, std::string> inputs;  // by the outputs' places
+    for (const std::string &input : options.inputFiles) {
+        const std::string output = OutputOf(options, input);
+        const auto [taken, isNew] = inputs.emplace(fs::weakly_canonical(output, error), input);
+        if (!isNew) {
+            return Failure{kExitUsage, input + ": its output would be " + output + ", which is that of " +
+                                           taken->second + " already."};
+        }
+        requests->push_back(
+            {input, output, options.comparisonFile, options.recordFile, options.force, options.inPlace});
+    }
+    return std::nullopt;
+}
+
+int RunBatch(const Options &options, const FilterSettings &settings, const std::vector<FileRequest> &requests,
+             Plugin *plugin) {
+    Batch batch = {&options,
+                   &settings,
+                   &requests,
+                   plugin,
+                   MakeProgressBar(!options.quiet),
+                   std::vector<double>(requests.size())};
+    const bool several = requests.size() > 1;
+    if (several && options.jobs > 1) {
+        RunInWorkers(&batch);
+    } else {
+        batch.large = AllOf(requests);
+    }
+    for (size_t i = 0; i < batch.large.size() && !Interrupted(); ++i) {
+        RunHere(&batch, batch.large[i]);
+    }
+    ClearBar(&batch.bar);
+    if (several && !options.quiet) {
+        std::printf("%zu pictures: %zu done, %zu failed\n", requests.size(), batch.doneCount,
+                    requests.size() - batch.doneCount);
+    }
+    if (Interrupted()) {
+        return kExitInterrupted;
+    }
+    return several && batch.failedCount > 0 ? kExitFailed : batch.status;
+}

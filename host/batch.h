@@ -1,0 +1,15 @@
+// All pictures of a command line: where each goes, and the work on them.
+#pragma once
+
+#include <vector>
+
+#include "host/file_task.h"
+#include "host/options.h"
+#include "host/plugin.h"
+
+// Decides where each output goes. Refuses a missing folder, and two inputs with one output.
+MaybeFailure PlanBatch(const Options &options, std::vector<FileRequest> *requests);
+
+// Does the work and tells of it; a failure ends one picture only. Returns the exit status.
+int RunBatch(const Options &options, const FilterSettings &settings, const std::vector<FileRequest> &requests,
+             Plugin *plugin);

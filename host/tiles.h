@@ -1,0 +1,30 @@
+// Pictures that one run of the filter cannot or should not take whole, cut into tiles.
+#pragma once
+
+#include <vector>
+
+#include "host/filter_run.h"
+
+// A run filters `framed`; only what lies in `core` is taken from it.
+struct Tile {
+    VRect core;
+    VRect framed;
+};
+
+struct TileLimits {
+    int32_t bands = 1;              // at least so many tiles from top to bottom, where the rows suffice
+    int32_t maxSide = kMaxRunSide;  // of the framed tile
+};
+
+// How many bands are worth their margins and a worker each.
+int32_t BandsFor(const Document &document, int32_t jobs);
+
+// The cores cover the area once; frames stay inside it.
+std::vector<Tile> CutIntoTiles(const VRect &area, const TileLimits &limits);
+
+// Runs the filter over one tile, as a document of its own where that is needed. The rest of the document's
+// destination stays as it is.
+FilterOutcome FilterTile(const FilterRequest &request, const Tile &tile);
+
+// Makes the destination a copy of the source, then filters the tiles one after the other up to a failure.
+FilterOutcome FilterTiles(const FilterRequest &request, const std::vector<Tile> &tiles);

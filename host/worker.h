@@ -1,0 +1,5 @@
+// The worker's side: a process that does jobs for its parent and lives no longer than it.
+#pragma once
+
+// Does jobs until the parent hangs up; returns the exit status.
+int RunWorker();

@@ -1,0 +1,110 @@
+// Runs the program itself in a folder of its own.
+#pragma once
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vips/vips.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "host/vips_library.h"
+#include "tests/support/scratch_folder.h"
+
+struct Ended {
+    int status;
+    std::string out, err;
+};
+
+inline std::string Contents(const std::filesystem::path &path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class Program : public ScratchFolder {
+  protected:
+    static void SetUpTestSuite() { ASSERT_TRUE(StartVips("host_test")); }
+
+    Program() {
+        setenv("HYMEDIAN_PREFERENCES", (output / "preferences").c_str(), 1);
+        std::filesystem::create_directory(output);
+    }
+
+    ~Program() override { std::filesystem::remove_all(output); }
+
+    // Starts the program in the test's folder; what it prints goes to files outside.
+    pid_t Start(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), HYMEDIAN_PROGRAM);
+        std::vector<char *> pointers;
+        for (std::string &argument : arguments) {
+            pointers.push_back(argument.data());
+        }
+        pointers.push_back(nullptr);
+        const pid_t child = fork();
+        if (child == 0) {
+            setpgid(0, 0);
+            if (fileSizeLimit != 0) {
+                // Writing more fails, as on a full disk.
+                const rlimit limit = {fileSizeLimit, fileSizeLimit};
+                setrlimit(RLIMIT_FSIZE, &limit);
+                signal(SIGXFSZ, SIG_IGN);
+            }
+            const auto redirect = [&](int descriptor, const char *name) {
+                dup2(open((output / name).c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), descriptor);
+            };
+            redirect(STDOUT_FILENO, "out");
+            redirect(STDERR_FILENO, "err");
+            if (chdir(folder.c_str()) == 0) {
+                execv(HYMEDIAN_PROGRAM, pointers.data());
+            }
+            _exit(127);
+        }
+        return child;
+    }
+
+    Ended Wait(pid_t child) {
+        int status = 0;
+        waitpid(child, &status, 0);
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Contents(output / "out"),
+                Contents(output / "err")};
+    }
+
+    std::string Path(const std::string &name) const { return (folder / name).string(); }
+
+    void WriteBytes(const std::string &name, const std::string &bytes) {
+        std::ofstream(folder / name, std::ios::binary) << bytes;
+    }
+
+    // A picture of grey noise in the given format and colour space.
+    void WriteNoise(const std::string &name, int width, int height, int bands,
+                    VipsBandFormat format = VIPS_FORMAT_UCHAR,
+                    VipsInterpretation interpretation = VIPS_INTERPRETATION_sRGB) {
+        std::vector<uint8_t> bytes(static_cast<size_t>(width * height * bands) * vips_format_sizeof(format));
+        std::generate(bytes.begin(), bytes.end(), std::mt19937(3));
+        const OwnedObject<VipsImage> image(
+            vips_image_new_from_memory(bytes.data(), bytes.size(), width, height, bands, format));
+        image->Type = interpretation;
+        ASSERT_EQ(vips_image_write_to_file(image.get(), Path(name).c_str(), nullptr), 0)
+            << vips_error_buffer();
+    }
+
+    std::set<std::string> Names() const {
+        std::set<std::string> names;
+        for (const auto &entry : std::filesystem::directory_iterator(folder)) {
+            names.insert(entry.path().filename());
+        }
+        return names;
+    }
+
+    rlim_t fileSizeLimit = 0;  // of the next program; 0 for none
+    std::filesystem::path output = folder.string() + "-output";
+};

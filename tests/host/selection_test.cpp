@@ -1,0 +1,54 @@
+// Rectangles and masks.
+#include "host/selection.h"
+
+#include <cmath>
+
+#include "tests/host/host_fixture.h"
+
+namespace {
+
+class SelectionTest : public HostTest {};
+
+TEST_F(SelectionTest, RectanglesAreFourNumbersAndNotEmpty) {
+    const std::optional<VRect> rect = ParseRect("3,4,10,20");
+    ASSERT_TRUE(rect);
+    EXPECT_EQ(rect->left, 3);
+    EXPECT_EQ(rect->top, 4);
+    EXPECT_EQ(rect->right, 13);
+    EXPECT_EQ(rect->bottom, 24);
+    for (const char *text : {"", "1,2,3", "1,2,3,4,5", "1,2,3,4 ", "1;2,3,4", "a,2,3,4", "1,2,0,4",
+                             "1,2,3,-4", "1,2,3,", "2147483647,0,1,1", "1,2,99999999999,4"}) {
+        EXPECT_FALSE(ParseRect(text)) << text;
+    }
+    // Inside is for the picture to say.
+    EXPECT_TRUE(ParseRect("-1,-1,5,5"));
+}
+
+template <typename Sample>
+void ExpectBlended(int16_t mode, int32_t depth) {
+    Document document = RandomDocument(mode, depth, 1, 2, 256, 3);
+    for (int64_t i = 0; i < PixelBytes(document); ++i) {
+        document.destination[static_cast<size_t>(i)] ^= static_cast<uint8_t>(0x3C + i % 7);
+    }
+    document.mask = MapBlock(MaskBytes(document));
+    for (size_t i = 0; i < 256 * 3; ++i) {
+        document.mask[i] = static_cast<uint8_t>(i);
+    }
+    const std::vector<uint8_t> bytes = BytesOf(document, document.destination);
+    BlendByMask(&document);
+    for (size_t i = 0; i < bytes.size() / sizeof(Sample); ++i) {
+        Sample before, filtered, blended;
+        std::memcpy(&before, document.source.get() + i * sizeof(Sample), sizeof(Sample));
+        std::memcpy(&filtered, bytes.data() + i * sizeof(Sample), sizeof(Sample));
+        std::memcpy(&blended, document.destination.get() + i * sizeof(Sample), sizeof(Sample));
+        const double part = static_cast<double>(i / 2 % 256) / 255;
+        ASSERT_EQ(blended, std::lround(part * filtered + (1 - part) * before)) << i;
+    }
+}
+
+TEST_F(SelectionTest, BlendingRoundsToTheNearest) {
+    ExpectBlended<uint8_t>(plugInModeGrayScale, 8);
+    ExpectBlended<uint16_t>(plugInModeGray16, 16);
+}
+
+}  // namespace
