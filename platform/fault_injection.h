@@ -1,4 +1,4 @@
-// Switches for tests: memory that runs out, volumes and resources of their own.
+// Switches for tests: memory that runs out, volumes and resources of their own, and the system's version.
 #pragma once
 
 #include <cstdint>
@@ -27,5 +27,8 @@ void MountVolume(const std::string &name, const std::string &root);
 // As if an open resource file held it; removed again with RemoveResources.
 void AddResource(OSType type, int16_t id, const std::vector<uint8_t> &bytes);
 void RemoveResources();
+
+// What Gestalt tells; with a negative number it tells nothing.
+void SetSystemVersion(int32_t version);
 
 }  // namespace faults
