@@ -35,7 +35,7 @@ void CopyIntoMemory(NamedImage *image) {
 
 OSErr CopyIntoFile(const NamedImage *image) {
     return WriteAt(image->fileRef, kImageHeaderSize, ImageContentsSize(image) - kImageHeaderSize,
-            image->contents + kImageHeaderSize);
+                   image->contents + kImageHeaderSize);
 }
 
 }  // namespace
