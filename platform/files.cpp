@@ -234,6 +234,15 @@ OSErr FSWrite(int16_t refNum, int64_t *count, const void *buffer) {
     return DescriptorOf(refNum) == kClosed ? rfNumErr : noErr;
 }
 
+OSErr GetEOF(int16_t refNum, int64_t *size) {
+    struct stat info;
+    if (fstat(DescriptorOf(refNum), &info) != 0) {
+        return LastError();
+    }
+    *size = info.st_size;
+    return noErr;
+}
+
 OSErr SetFPos(int16_t refNum, int16_t positionMode, int64_t offset) {
     static constexpr int kOrigins[] = {SEEK_CUR, SEEK_SET, SEEK_END, SEEK_CUR};
     const int descriptor = DescriptorOf(refNum);

@@ -75,6 +75,7 @@ OSErr HDelete(int16_t vRefNum, int32_t dirID, ConstStringPtr name);
 // `count`: bytes wanted in, bytes moved out. Fewer bytes than wanted give eofErr.
 OSErr FSRead(int16_t refNum, int64_t *count, void *buffer);
 OSErr FSWrite(int16_t refNum, int64_t *count, const void *buffer);
+OSErr GetEOF(int16_t refNum, int64_t *size);
 // Positions are 64-bit, since backing files of images exceed 2 GiB. Before the start: posErr. Past the end:
 // the mark goes to the end and the result is eofErr.
 OSErr SetFPos(int16_t refNum, int16_t positionMode, int64_t offset);

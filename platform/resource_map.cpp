@@ -34,6 +34,7 @@ bool AddEntry(Reader *reader, size_t dataOffset, OSType type, size_t reference,
     const auto id = static_cast<int16_t>(reader->Number(reference, 2));
     const size_t place = dataOffset + reader->Number(reference + 5, 3);
     const size_t size = reader->Number(place, 4);
+    reader->Number(reference + 8, 4);  // room for a handle, which must be there all the same
     if (!reader->sound || size > reader->bytes->size() - place - 4) {
         return false;
     }

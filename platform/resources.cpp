@@ -34,13 +34,17 @@ OSErr ReadWholeFile(const FSSpec *spec, int8_t permission, std::vector<uint8_t> 
     if (err != noErr) {
         return err;
     }
-    bytes->resize(kLargestFile + 1);
-    int64_t count = kLargestFile + 1;
-    err = FSRead(refNum, &count, bytes->data());
+    int64_t size = 0;
+    err = GetEOF(refNum, &size);
+    if (err == noErr && size > kLargestFile) {
+        err = mapReadErr;
+    }
+    if (err == noErr) {
+        bytes->resize(static_cast<size_t>(size));
+        err = FSRead(refNum, &size, bytes->data());
+    }
     FSClose(refNum);
-    bytes->resize(static_cast<size_t>(count));
-    // A file that goes on behind the limit is none of ours.
-    return err == eofErr ? noErr : err == noErr ? mapReadErr : err;
+    return err;
 }
 
 OSErr Add(int16_t file, OSType type, int16_t id, const uint8_t *bytes, size_t size) {

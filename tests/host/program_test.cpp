@@ -114,6 +114,12 @@ TEST_F(Program, FailsWithOneSentenceAndLeavesNothing) {
     std::string zero = Contents(folder / "good.png");
     std::fill_n(zero.begin() + 16, 4, '\0');
     WriteBytes("zero.png", zero);
+    // Two frames of animation are announced right behind the header.
+    std::string animated = Contents(folder / "good.png");
+    animated.insert(33, std::string("\0\0\0\x08"
+                                    "acTL\0\0\0\2\0\0\0\0\xF3\x8D\x93\x70",
+                                    20));
+    WriteBytes("animated.png", animated);
     WriteBytes("empty.png", "");
     WriteBytes("text.png", "not a picture");
     fs::create_directory(folder / "folder.png");
@@ -137,6 +143,7 @@ TEST_F(Program, FailsWithOneSentenceAndLeavesNothing) {
         {{"lab.tif", "-o", "new.tif"}, 1, "Lab"},
         {{"uint.tif", "-o", "new.tif"}, 1, "uint"},
         {{"pages.tif", "-o", "new.tif"}, 1, "pages.tif: it has several pages"},
+        {{"animated.png", "-o", "new.png"}, 1, "animated.png: it has several pages"},
         {{"wide.png", "-o", "new.png"}, 1, "30000"},
         {{"16.tif", "-o", "new.jpg"}, 1, "16.tif"},
         {{"good.png", "-o", "other.png"}, 1, "other.png: exists already"},

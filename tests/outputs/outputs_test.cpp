@@ -1,7 +1,6 @@
 // A filter of another kind on the same driver: it measures, and so writes a measurement file and a run log.
 #include <cstring>
 #include <fstream>
-#include <regex>
 
 #include "imagestore/strings.h"
 #include "log/html_log.h"
@@ -9,6 +8,7 @@
 #include "platform/files.h"
 #include "platform/posix_paths.h"
 #include "settings/setting_registry.h"
+#include "tests/support/dates.h"
 #include "tests/support/key_name_table.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/test_host.h"
@@ -91,7 +91,7 @@ class Outputs : public ScratchFolder {
     std::string File(const char *name) const {
         std::ifstream file(folder / name, std::ios::binary);
         std::string text(std::istreambuf_iterator<char>(file), {});
-        return std::regex_replace(text, std::regex("\\d\\d/\\d\\d/\\d\\d \\d\\d:\\d\\d:\\d\\d"), "NOW");
+        return WithoutDates(text);
     }
 
     OSErr Run(const char *documentName) {

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "photoshop/image_modes.h"
+#include "plugin/color_modes.h"
 #include "plugin/entry.h"
 #include "settings/setting_registry.h"
 #include "tests/support/scratch_folder.h"
@@ -62,45 +63,98 @@ std::vector<uint8_t> Filtered(const std::vector<uint8_t> &bytes, int16_t width, 
     return filtered;
 }
 
+using Convert = void (*)(void *row, int32_t width);
+
+struct ModeCase {
+    int16_t mode;
+    int32_t depth;
+    int16_t planes;
+    int16_t colorPlanes;
+    Convert toRGB = nullptr;
+    Convert fromRGB = nullptr;
+};
+
+constexpr int16_t kWidth = 17;
+constexpr int16_t kHeight = 9;
+
+// What the filter should see of a row, in the document's own mode: transparent pixels as white.
+std::vector<uint8_t> ColorsOfRow(const ModeCase &c, const uint8_t *row) {
+    const int sampleBytes = c.depth / 8;
+    const int colorBytes = c.colorPlanes * sampleBytes;
+    std::vector<uint8_t> colors;
+    for (int x = 0; x < kWidth; ++x) {
+        const uint8_t *pixel = row + x * c.planes * sampleBytes;
+        const uint8_t *alpha = pixel + colorBytes;
+        const bool transparent =
+            c.planes > c.colorPlanes &&
+            std::all_of(alpha, alpha + sampleBytes, [](uint8_t byte) { return byte == 0; });
+        for (int b = 0; b < colorBytes; ++b) {
+            const int white = sampleBytes == 1 ? 255 : (b % 2) * 0x80;
+            colors.push_back(transparent ? static_cast<uint8_t>(white) : pixel[b]);
+        }
+    }
+    return colors;
+}
+
+// The document after the filter, put together from the conversions and the image pass.
+std::vector<uint8_t> ExpectedResult(const ModeCase &c, const TestDocument &document, float radius) {
+    const int sampleBytes = c.depth / 8;
+    const int filteredBytes = (c.colorPlanes == 4 ? 3 : c.colorPlanes) * sampleBytes;
+    const int colorBytes = c.colorPlanes * sampleBytes;
+    std::vector<uint8_t> seen;
+    for (int y = 0; y < kHeight; ++y) {
+        std::vector<uint8_t> row = ColorsOfRow(c, document.source.data() + y * RowBytes(document));
+        if (c.toRGB != nullptr) {
+            c.toRGB(row.data(), kWidth);
+        }
+        seen.insert(seen.end(), row.begin(), row.begin() + kWidth * filteredBytes);
+    }
+    const std::vector<uint8_t> filtered = Filtered(seen, kWidth, kHeight, filteredBytes, radius);
+    std::vector<uint8_t> expected = document.source;
+    for (int y = 0; y < kHeight; ++y) {
+        std::vector<uint8_t> row(filtered.begin() + y * kWidth * filteredBytes,
+                                 filtered.begin() + (y + 1) * kWidth * filteredBytes);
+        row.resize(static_cast<size_t>(kWidth * colorBytes));
+        if (c.fromRGB != nullptr) {
+            c.fromRGB(row.data(), kWidth);
+        }
+        for (int x = 0; x < kWidth; ++x) {
+            std::copy_n(row.begin() + x * colorBytes, colorBytes,
+                        expected.begin() + y * RowBytes(document) + x * c.planes * sampleBytes);
+        }
+    }
+    return expected;
+}
+
 TEST_F(Run, FiltersTheColorPlanesAndNothingElse) {
-    const struct {
-        int16_t mode;
-        int32_t depth;
-        int16_t planes;
-        int16_t colorPlanes;
-    } cases[] = {
-        {plugInModeGrayScale, 8, 1, 1},    {plugInModeGrayScale, 8, 3, 1},
-        {plugInModeRGBColor, 8, 3, 3},     {plugInModeRGBColor, 8, 5, 3},
-        {plugInModeGray16, 16, 1, 1},      {plugInModeGray16, 16, 2, 1},
-        {plugInModeRGB48, 16, 3, 3},       {plugInModeRGB48, 16, 4, 3},
-        {plugInModeMultichannel, 8, 3, 3}, {plugInModeDeepMultichannel, 16, 1, 1},
+    const ModeCase cases[] = {
+        {plugInModeGrayScale, 8, 1, 1},
+        {plugInModeGrayScale, 8, 3, 1},
+        {plugInModeRGBColor, 8, 3, 3},
+        {plugInModeRGBColor, 8, 5, 3},
+        {plugInModeGray16, 16, 1, 1},
+        {plugInModeGray16, 16, 2, 1},
+        {plugInModeRGB48, 16, 3, 3},
+        {plugInModeRGB48, 16, 4, 3},
+        {plugInModeMultichannel, 8, 3, 3},
+        {plugInModeDeepMultichannel, 16, 1, 1},
+        {plugInModeLabColor, 8, 3, 3, _ConvertLAB8toRGB24, _ConvertRGB24toLAB8},
+        {plugInModeLabColor, 8, 4, 3, _ConvertLAB8toRGB24, _ConvertRGB24toLAB8},
+        {plugInModeLab48, 16, 3, 3, _ConvertLAB16toRGB48, _ConvertRGB48toLAB16},
+        {plugInModeLab48, 16, 5, 3, _ConvertLAB16toRGB48, _ConvertRGB48toLAB16},
+        {plugInModeCMYKColor, 8, 4, 4, _ConvertCMYK8toRGB24, _ConvertRGB24toCMYK8},
+        {plugInModeCMYKColor, 8, 6, 4, _ConvertCMYK8toRGB24, _ConvertRGB24toCMYK8},
+        {plugInModeCMYK64, 16, 4, 4, _ConvertCMYK16toRGB48, _ConvertRGB48toCMYK16},
+        {plugInModeCMYK64, 16, 5, 4, _ConvertCMYK16toRGB48, _ConvertRGB48toCMYK16},
     };
-    for (const auto &c : cases) {
+    for (const ModeCase &c : cases) {
         SCOPED_TRACE(testing::Message() << "mode " << c.mode << ", planes " << c.planes);
-        TestDocument document = Document(c.mode, c.depth, c.planes, 17, 9);
-        const int sampleBytes = c.depth / 8;
-        const int pixelBytes = c.planes * sampleBytes;
-        const int colorBytes = c.colorPlanes * sampleBytes;
-        std::vector<uint8_t> colors;
-        for (size_t pixel = 0; pixel < 17 * 9; ++pixel) {
-            uint8_t *bytes = document.source.data() + pixel * static_cast<size_t>(pixelBytes);
-            if (c.planes > c.colorPlanes && pixel % 7 == 0) {
-                std::fill_n(bytes + colorBytes, sampleBytes, uint8_t{0});  // transparent, enters as white
-            }
-            const bool transparent =
-                c.planes > c.colorPlanes && std::all_of(bytes + colorBytes, bytes + colorBytes + sampleBytes,
-                                                        [](uint8_t b) { return b == 0; });
-            for (int b = 0; b < colorBytes; ++b) {
-                const auto white = static_cast<uint8_t>(sampleBytes == 1 ? 255 : (b % 2) * 0x80);
-                colors.push_back(transparent ? white : bytes[b]);
-            }
+        TestDocument document = Document(c.mode, c.depth, c.planes, kWidth, kHeight);
+        for (int64_t pixel = 0; c.planes > c.colorPlanes && pixel < kWidth * kHeight; pixel += 7) {
+            std::fill_n(document.source.begin() + (pixel * c.planes + c.colorPlanes) * c.depth / 8,
+                        c.depth / 8, uint8_t{0});
         }
-        const std::vector<uint8_t> filtered = Filtered(colors, 17, 9, colorBytes, 2);
-        std::vector<uint8_t> expected = document.source;
-        for (size_t pixel = 0; pixel < 17 * 9; ++pixel) {
-            std::copy_n(filtered.begin() + static_cast<int64_t>(pixel) * colorBytes, colorBytes,
-                        expected.begin() + static_cast<int64_t>(pixel) * pixelBytes);
-        }
+        const std::vector<uint8_t> expected = ExpectedResult(c, document, 2);
         const TestRun advanced = Play(document, 2);
         EXPECT_EQ(advanced.result, noErr);
         EXPECT_EQ(advanced.destination, expected);

@@ -1,13 +1,13 @@
 #include "settings/key_names.h"
 
 #include <fstream>
-#include <regex>
 
 #include "imagestore/strings.h"
 #include "platform/files.h"
 #include "platform/posix_paths.h"
 #include "platform/resources.h"
 #include "settings/setting_dump.h"
+#include "tests/support/dates.h"
 #include "tests/support/key_name_table.h"
 #include "tests/support/scratch_folder.h"
 
@@ -71,7 +71,7 @@ TEST_F(KeyNames, LineEndsCarryDateAndTime) {
     AddKeyNameTable({{"crlf", "End", "crlf"}});
     char name[kKeyNameSize], units[kKeyNameSize] = "x";
     EXPECT_EQ(_LookupParamKeyName(FourCharCode("crlf"), name, units, 0), noErr);
-    EXPECT_TRUE(std::regex_match(name, std::regex("\\d\\d/\\d\\d/\\d\\d \\d\\d:\\d\\d:\\d\\d"))) << name;
+    EXPECT_EQ(WithoutDates(name), "NOW") << name;
     EXPECT_STREQ(units, "");
 }
 
