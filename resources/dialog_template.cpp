@@ -35,7 +35,7 @@ constexpr struct {
     {{44, 343, 284, 359}, kBar, ""},
     {{346, 124, 366, 176}, kLabel, "pixels"},
     {{376, 20, 396, 360}, kLabel, "1 keeps the most detail, 6 removes the most noise."},
-    {{311, 254, 331, 360}, kLabel, "Shown at 100%"},
+    {{311, 246, 331, 360}, kLabel, "Shown at 100%"},
     {{14, 20, 34, 360}, kLabel, "Removes noise, keeps edges and fine lines."},
     {{344, 332, 368, 360}, kButtonDialogItem, "+"},
     {{344, 184, 368, 212}, kButtonDialogItem, kEnDash},

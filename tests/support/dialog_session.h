@@ -74,6 +74,18 @@ class DialogTest : public ScratchFolder {
 
     // Without an action that ends the dialog it is cancelled.
     DialogOutcome Run(const TestImage &source, float radius, std::vector<UserAction> actions) {
+        std::vector<DialogState> states;
+        ScriptedSession session;
+        session.actions = std::move(actions);
+        session.states = &states;
+        UseScriptedDialogs(&session);
+        DialogOutcome outcome = RunOnBackend(source, radius);
+        outcome.states = std::move(states);
+        return outcome;
+    }
+
+    // The caller has chosen the back end.
+    DialogOutcome RunOnBackend(const TestImage &source, float radius) {
         NamedImage *image = MakeFrom(source);
         FilterParameters values = {radius, 1};
         Ptr block = reinterpret_cast<Ptr>(&values);
@@ -84,10 +96,6 @@ class DialogTest : public ScratchFolder {
         context.colorPlanes = colorPlanes;
 
         DialogOutcome outcome = {};
-        ScriptedSession session;
-        session.actions = std::move(actions);
-        session.states = &outcome.states;
-        UseScriptedDialogs(&session);
         const int64_t before = faults::BlocksInUse();
         faults::RefuseTemporaryMemory(refuseTemporaryMemory);
         faults::FailAllocation(failAllocation);

@@ -1,0 +1,50 @@
+#include "platform/qt/user_input.h"
+
+#include <QCoreApplication>
+#include <QMouseEvent>
+#include <algorithm>
+#include <iterator>
+#include <memory>
+
+namespace {
+
+constexpr QEvent::Type kInputEvents[] = {
+    QEvent::KeyPress,           QEvent::KeyRelease,          QEvent::InputMethod, QEvent::MouseButtonPress,
+    QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick, QEvent::MouseMove,
+};
+
+// A copy of a mouse event would not last: all such events share one position, which is the latest.
+qt::Delivery DeliveryOf(const QEvent &event) {
+    if (const auto *mouse = dynamic_cast<const QMouseEvent *>(&event)) {
+        return [type = mouse->type(), place = mouse->position(), onScreen = mouse->globalPosition(),
+                button = mouse->button(), buttons = mouse->buttons(),
+                modifiers = mouse->modifiers()](QObject *window) {
+            QMouseEvent again(type, place, place, onScreen, button, buttons, modifiers);
+            QCoreApplication::sendEvent(window, &again);
+        };
+    }
+    const std::shared_ptr<QEvent> copy(event.clone());
+    return [copy](QObject *window) { QCoreApplication::sendEvent(window, copy.get()); };
+}
+
+}  // namespace
+
+bool qt::HoldBack(UserInput *input, const QEvent &event) {
+    const bool busy = !input->actions.empty() || (!input->held.empty() && !input->releasing);
+    if (!busy ||
+        std::find(std::begin(kInputEvents), std::end(kInputEvents), event.type()) == std::end(kInputEvents)) {
+        return false;
+    }
+    input->held.push_back(DeliveryOf(event));
+    return true;
+}
+
+void qt::ReleaseHeld(UserInput *input, QObject *window) {
+    input->releasing = true;
+    while (input->actions.empty() && !input->held.empty()) {
+        const Delivery deliver = std::move(input->held.front());
+        input->held.pop_front();
+        deliver(window);
+    }
+    input->releasing = false;
+}
