@@ -46,7 +46,8 @@ OSErr TossAlphaImage(NamedImage *image);
 OSErr TossSelectionImage(NamedImage *image);
 
 // Copy `count` bytes to or from row `y`, starting at byte `x` of the row. What lies outside the image is
-// silently left alone, and a run ends at the row's end.
+// silently left alone, and a run ends at the row's end. Returns the File Manager's error where the image is
+// on disk: rows are then missing, and a run that goes on would give a damaged picture.
 OSErr PutLine(NamedImage *image, int32_t x, int32_t y, int32_t count, const void *buffer);
 OSErr GetLine(NamedImage *image, int32_t x, int32_t y, int32_t count, void *buffer);
 

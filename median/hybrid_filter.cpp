@@ -161,13 +161,16 @@ OSErr NewHyMedian(NamedImage *image, float radius, Boolean showProgress, const R
                 return userCanceledErr;
             }
         }
-        GetLine(image, 0, std::clamp(t - kMargin, 0, height - 1), rowBytes, bytes.get());
+        OSErr err = GetLine(image, 0, std::clamp(t - kMargin, 0, height - 1), rowBytes, bytes.get());
         layout->widen(bytes.get(), width, band.back());
         if (t >= 2 * kMargin) {
             for (int32_t x = 0; x < width; ++x) {
                 layout->storePixel(FilteredPixel(band, x, sets, table), x, bytes.get());
             }
-            PutLine(image, 0, t - 2 * kMargin, rowBytes, bytes.get());
+            err = err == noErr ? PutLine(image, 0, t - 2 * kMargin, rowBytes, bytes.get()) : err;
+        }
+        if (err != noErr) {
+            return err;
         }
         std::rotate(band.begin(), band.begin() + 1, band.end());
     }

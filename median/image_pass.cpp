@@ -62,14 +62,19 @@ OSErr Widen(const Pass &pass, Sample *line) {
         if (Cancelled(pass, t + kBorder, (pass.height + 2 * kBorder) * 3)) {
             return userCanceledErr;
         }
-        GetLine(pass.image, 0, std::clamp(t, 0, pass.height - 1), pass.width * pass.colorPlanes * kSampleSize,
-                line + kBorder * pass.colorPlanes);
+        OSErr err = GetLine(pass.image, 0, std::clamp(t, 0, pass.height - 1),
+                            pass.width * pass.colorPlanes * kSampleSize, line + kBorder * pass.colorPlanes);
         if (pass.colorPlanes == 1) {
             WidenGrey(line, pass.width);
         } else {
             RepeatEdgePixels(line, pass.width);
         }
-        PutLine(pass.temp, 0, t + kBorder, (pass.width + 2 * kBorder) * kRGB * kSampleSize, line);
+        if (err == noErr) {
+            err = PutLine(pass.temp, 0, t + kBorder, (pass.width + 2 * kBorder) * kRGB * kSampleSize, line);
+        }
+        if (err != noErr) {
+            return err;
+        }
     }
     return noErr;
 }
@@ -78,7 +83,7 @@ template <typename Sample>
 OSErr Narrow(const Pass &pass, Sample *line) {
     constexpr int32_t kSampleSize = sizeof(Sample);
     for (int32_t y = 0; y < pass.height; ++y) {
-        GetLine(pass.temp, 0, y + kBorder, (pass.width + 2 * kBorder) * kRGB * kSampleSize, line);
+        OSErr err = GetLine(pass.temp, 0, y + kBorder, (pass.width + 2 * kBorder) * kRGB * kSampleSize, line);
         if (Cancelled(pass, y + 2 * pass.height, 3 * pass.height)) {
             return userCanceledErr;
         }
@@ -88,8 +93,13 @@ OSErr Narrow(const Pass &pass, Sample *line) {
                 line[p] = static_cast<Sample>((rgb[0] + rgb[1] + rgb[2] + 1) / 3);
             }
         }
-        PutLine(pass.image, 0, y, pass.width * pass.colorPlanes * kSampleSize,
-                line + kBorder * pass.colorPlanes);
+        if (err == noErr) {
+            err = PutLine(pass.image, 0, y, pass.width * pass.colorPlanes * kSampleSize,
+                          line + kBorder * pass.colorPlanes);
+        }
+        if (err != noErr) {
+            return err;
+        }
     }
     return noErr;
 }

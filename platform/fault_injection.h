@@ -1,4 +1,5 @@
-// Switches for tests: memory that runs out, volumes and resources of their own, and the system's version.
+// Switches for tests: memory and disk space that run out, files that fail, volumes and resources of their
+// own, and the system's version.
 #pragma once
 
 #include <cstdint>
@@ -17,6 +18,16 @@ void FailAllocation(int64_t n);
 
 // TempNewHandle fails while set, which sends images to disk.
 void RefuseTemporaryMemory(bool refuse);
+
+// The n-th call on a file, name or folder from now on does nothing and gives `err`, once; 0 disarms. Closing
+// closes all the same.
+void FailFileCall(int64_t n, OSErr err);
+
+// Whether the failure that was armed last has happened.
+bool FaultStruck();
+
+// FSWrite writes no more than so many bytes in all, then gives dskFulErr; a negative number lifts the limit.
+void SetDiskSpace(int64_t bytes);
 
 int64_t BytesInUse();
 int64_t BlocksInUse();

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/fault_queries.h"
 #include "platform/locks.h"
 #include "platform/posix_paths.h"
 #include "platform/volume.h"
@@ -99,6 +100,9 @@ std::string PreferencesPath() {
 OSErr FindFolder(int16_t vRefNum, OSType folderType, Boolean, int16_t *foundVRefNum, int32_t *foundDirID) {
     *foundVRefNum = 0;
     *foundDirID = 0;
+    if (const OSErr injected = faults::FileCallError(); injected != noErr) {
+        return injected;
+    }
     if (vRefNum != kOnSystemDisk && vRefNum != volume::kStartup) {
         return nsvErr;
     }
@@ -113,6 +117,9 @@ OSErr FindFolder(int16_t vRefNum, OSType folderType, Boolean, int16_t *foundVRef
 }
 
 OSErr FSMakeFSSpec(int16_t vRefNum, int32_t dirID, ConstStringPtr path, FSSpec *spec) {
+    if (const OSErr injected = faults::FileCallError(); injected != noErr) {
+        return injected;
+    }
     if (vRefNum != 0 || dirID != 0) {
         return paramErr;
     }
@@ -124,6 +131,9 @@ OSErr FSpCreate(const FSSpec *spec, OSType creator, OSType fileType, int16_t) {
 }
 
 OSErr FSpDirCreate(const FSSpec *spec, int16_t, int32_t *createdDirID) {
+    if (const OSErr injected = faults::FileCallError(); injected != noErr) {
+        return injected;
+    }
     std::string path;
     const OSErr err = volume::ItemPath(spec->vRefNum, spec->parID, spec->name, &path);
     if (err != noErr) {
@@ -144,6 +154,9 @@ OSErr FSpDelete(const FSSpec *spec) {
 }
 
 OSErr PBGetCatInfoSync(CInfoPBRec *block) {
+    if (const OSErr injected = faults::FileCallError(); injected != noErr) {
+        return injected;
+    }
     DirInfo &info = block->dirInfo;
     if (info.ioFDirIndex != -1) {
         return paramErr;
@@ -152,6 +165,9 @@ OSErr PBGetCatInfoSync(CInfoPBRec *block) {
 }
 
 OSErr HCreate(int16_t vRefNum, int32_t dirID, ConstStringPtr name, OSType creator, OSType fileType) {
+    if (const OSErr injected = faults::FileCallError(); injected != noErr) {
+        return injected;
+    }
     std::string path;
     if (const OSErr err = volume::ItemPath(vRefNum, dirID, name, &path); err != noErr) {
         return err;
@@ -166,6 +182,9 @@ OSErr HCreate(int16_t vRefNum, int32_t dirID, ConstStringPtr name, OSType creato
 }
 
 OSErr HOpen(int16_t vRefNum, int32_t dirID, ConstStringPtr name, int8_t permission, int16_t *refNum) {
+    if (const OSErr injected = faults::FileCallError(); injected != noErr) {
+        return injected;
+    }
     static constexpr int kAccess[] = {O_RDWR, O_RDONLY, O_WRONLY, O_RDWR};
     if (permission < fsCurPerm || permission > fsRdWrPerm) {
         return paramErr;
@@ -190,6 +209,9 @@ OSErr HOpenDF(int16_t vRefNum, int32_t dirID, ConstStringPtr name, int8_t permis
 }
 
 OSErr HDelete(int16_t vRefNum, int32_t dirID, ConstStringPtr name) {
+    if (const OSErr injected = faults::FileCallError(); injected != noErr) {
+        return injected;
+    }
     std::string path;
     if (const OSErr err = volume::ItemPath(vRefNum, dirID, name, &path); err != noErr) {
         return err;
@@ -200,6 +222,9 @@ OSErr HDelete(int16_t vRefNum, int32_t dirID, ConstStringPtr name) {
 OSErr FSRead(int16_t refNum, int64_t *count, void *buffer) {
     const int64_t wanted = *count;
     *count = 0;
+    if (const OSErr injected = faults::FileCallError(); injected != noErr) {
+        return injected;
+    }
     if (wanted < 0) {
         return paramErr;
     }
@@ -220,21 +245,31 @@ OSErr FSRead(int16_t refNum, int64_t *count, void *buffer) {
 OSErr FSWrite(int16_t refNum, int64_t *count, const void *buffer) {
     const int64_t wanted = *count;
     *count = 0;
+    if (const OSErr injected = faults::FileCallError(); injected != noErr) {
+        return injected;
+    }
     if (wanted < 0) {
         return paramErr;
     }
-    while (*count < wanted) {
+    const int64_t writable = faults::TakeDiskSpace(wanted);
+    while (*count < writable) {
         const ssize_t put = write(DescriptorOf(refNum), static_cast<const char *>(buffer) + *count,
-                                  static_cast<size_t>(wanted - *count));
+                                  static_cast<size_t>(writable - *count));
         if (put < 0 && errno != EINTR) {
             return LastError();
         }
         *count += put > 0 ? put : 0;
     }
+    if (writable < wanted) {
+        return dskFulErr;
+    }
     return DescriptorOf(refNum) == kClosed ? rfNumErr : noErr;
 }
 
 OSErr GetEOF(int16_t refNum, int64_t *size) {
+    if (const OSErr injected = faults::FileCallError(); injected != noErr) {
+        return injected;
+    }
     struct stat info;
     if (fstat(DescriptorOf(refNum), &info) != 0) {
         return LastError();
@@ -244,6 +279,9 @@ OSErr GetEOF(int16_t refNum, int64_t *size) {
 }
 
 OSErr SetFPos(int16_t refNum, int16_t positionMode, int64_t offset) {
+    if (const OSErr injected = faults::FileCallError(); injected != noErr) {
+        return injected;
+    }
     static constexpr int kOrigins[] = {SEEK_CUR, SEEK_SET, SEEK_END, SEEK_CUR};
     const int descriptor = DescriptorOf(refNum);
     struct stat info;
@@ -268,6 +306,9 @@ OSErr SetFPos(int16_t refNum, int16_t positionMode, int64_t offset) {
 }
 
 OSErr AllocContig(int16_t refNum, int64_t *count) {
+    if (const OSErr injected = faults::FileCallError(); injected != noErr) {
+        return injected;
+    }
     if (fallocate(DescriptorOf(refNum), FALLOC_FL_KEEP_SIZE, 0, *count) != 0) {
         *count = 0;
         return LastError();
@@ -281,7 +322,10 @@ OSErr FSClose(int16_t refNum) {
         return rfNumErr;
     }
     openFiles[static_cast<size_t>(refNum - kFirstReference)] = kClosed;
-    return close(descriptor) == 0 ? noErr : LastError();
+    if (close(descriptor) != 0) {
+        return LastError();
+    }
+    return faults::FileCallError();
 }
 
 OSErr SpecFromPosixPath(const std::string &path, FSSpec *spec) {

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "platform/fault_injection.h"
+#include "platform/fault_queries.h"
 
 namespace {
 
@@ -22,23 +23,13 @@ struct Master {
 
 std::atomic<int64_t> bytesInUse = 0;
 std::atomic<int64_t> blocksInUse = 0;
-std::atomic<int64_t> memoryLimit = -1;
-std::atomic<int64_t> requestsUntilFailure = 0;
-std::atomic<bool> refuseTemporaryMemory = false;
-
-bool RefuseRequest(int64_t size) {
-    if (requestsUntilFailure > 0 && --requestsUntilFailure == 0) {
-        return true;
-    }
-    return size < 0 || (memoryLimit >= 0 && bytesInUse + size > memoryLimit);
-}
 
 Header *HeaderOf(Ptr block) {
     return reinterpret_cast<Header *>(block) - 1;
 }
 
 Ptr Allocate(int64_t size, bool clear) {
-    if (RefuseRequest(size)) {
+    if (size < 0 || faults::AllocationFails(size, bytesInUse)) {
         return nullptr;
     }
     const size_t total = sizeof(Header) + static_cast<size_t>(size);
@@ -132,7 +123,7 @@ void HLock(Handle) {}
 void HUnlock(Handle) {}
 
 Handle TempNewHandle(int64_t size, OSErr *result) {
-    Handle handle = refuseTemporaryMemory ? nullptr : NewHandle(size);
+    Handle handle = faults::TemporaryMemoryRefused() ? nullptr : NewHandle(size);
     *result = handle == nullptr ? memFullErr : noErr;
     return handle;
 }
@@ -141,18 +132,6 @@ void BlockMoveData(const void *source, void *destination, int64_t count) {
     if (count > 0) {
         std::memmove(destination, source, static_cast<size_t>(count));
     }
-}
-
-void faults::SetMemoryLimit(int64_t bytes) {
-    memoryLimit = bytes;
-}
-
-void faults::FailAllocation(int64_t n) {
-    requestsUntilFailure = n;
-}
-
-void faults::RefuseTemporaryMemory(bool refuse) {
-    refuseTemporaryMemory = refuse;
 }
 
 int64_t faults::BytesInUse() {

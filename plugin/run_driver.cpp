@@ -26,6 +26,10 @@ int32_t FilteredRowBytes(const RunGeometry &run) {
     return run.width * run.filteredPlanes * run.sampleBytes;
 }
 
+int32_t ExtraRowBytes(const RunGeometry &run) {
+    return run.width * run.extraPlanes * run.sampleBytes;
+}
+
 // An image that cannot be made is told by the result; the rest of this call goes on with the images there
 // are. A selection that cannot be made is only left out.
 void MakeImages(PluginState *state, const RunGeometry &run) {
@@ -41,7 +45,7 @@ void MakeImages(PluginState *state, const RunGeometry &run) {
     if (err != noErr) {
         state->result = err;
         state->haveMask = false;
-    } else if (state->haveMask) {
+    } else if (state->haveMask && state->selectionImage == nullptr) {
         state->haveMask = MakeSelectionImage(width, height, 1, &state->selectionImage) == noErr;
     }
 }
@@ -65,12 +69,12 @@ OSErr ReadRow(PluginState *state, const RunGeometry &run) {
     if (state->image == nullptr) {
         MakeImages(state, run);
     }
+    OSErr err = noErr;
     if (run.extraPlanes > 0) {
         if (RowCallsFor(run.sampleBytes).splitExtraPlanes(run, record->inData, state->rowBuffer)) {
             state->maskHasZero = true;
         }
-        PutLine(state->alphaImage, 0, run.row, run.width * run.extraPlanes * run.sampleBytes,
-                state->rowBuffer);
+        err = PutLine(state->alphaImage, 0, run.row, ExtraRowBytes(run), state->rowBuffer);
     }
     if (state->depth == 32) {
         ScaleFloatsIn(record->inData, int64_t{run.width} * run.colorPlanes);
@@ -78,7 +82,13 @@ OSErr ReadRow(PluginState *state, const RunGeometry &run) {
     if (run.conversion != nullptr) {
         run.conversion->toRGB(record->inData, run.width);
     }
-    PutLine(state->image, 0, run.row, FilteredRowBytes(run), record->inData);
+    if (err == noErr) {
+        err = PutLine(state->image, 0, run.row, FilteredRowBytes(run), record->inData);
+    }
+    // Where an image could not be made, that is what the host is told.
+    if (err != noErr && state->result == noErr) {
+        return End(state, err);
+    }
     if (state->haveMask) {
         StoreMaskRow(state, run);
     }
@@ -100,7 +110,7 @@ OSErr WriteRow(PluginState *state, const RunGeometry &run) {
     if (record->outData == nullptr) {
         return End(state, filterBadParameters);
     }
-    GetLine(state->image, 0, run.row, FilteredRowBytes(run), record->outData);
+    OSErr err = GetLine(state->image, 0, run.row, FilteredRowBytes(run), record->outData);
     if (run.conversion != nullptr) {
         run.conversion->fromRGB(record->outData, run.width);
     }
@@ -108,9 +118,12 @@ OSErr WriteRow(PluginState *state, const RunGeometry &run) {
         ScaleFloatsOut(record->outData, int64_t{run.width} * run.colorPlanes);
     }
     if (run.extraPlanes > 0) {
-        GetLine(state->alphaImage, 0, run.row, run.width * run.extraPlanes * run.sampleBytes,
-                state->rowBuffer);
+        const OSErr extraErr = GetLine(state->alphaImage, 0, run.row, ExtraRowBytes(run), state->rowBuffer);
+        err = err == noErr ? extraErr : err;
         RowCallsFor(run.sampleBytes).mergeExtraPlanes(run, record->outData, state->rowBuffer);
+    }
+    if (err != noErr) {
+        return End(state, err);
     }
     // Writing is the last sixth.
     ReportProgress(record, 5 * run.height + run.row, 6 * run.height);

@@ -173,14 +173,20 @@ TrackedPart PartOf(const QScrollBar &bar, int action) {
     }
 }
 
+// Only shown, since steps of the bar's own never come about. Where there are many values they are taken for pixels, of
+// which those beside the bar are in view.
+int ThumbLength(const ControlRecord &control, int barLength) {
+    const int range = control.maximum - control.minimum;
+    return range < barLength / 8 ? std::max(range / 4, 1) : barLength;
+}
+
 QScrollBar *MakeBar(DialogWindow *shown, const ControlRecord *control) {
     const QRect place = QRectOf(control->bounds);
     const bool across = place.width() >= place.height();
     auto *bar = new QScrollBar(across ? Qt::Horizontal : Qt::Vertical, shown->window.get());
     bar->setGeometry(place);
     bar->setRange(control->minimum, control->maximum);
-    // Only shown: how long the thumb is. Steps of the bar's own never come about.
-    bar->setPageStep(std::clamp((control->maximum - control->minimum) / 4, 1, std::max(place.width(), place.height())));
+    bar->setPageStep(ThumbLength(*control, std::max(place.width(), place.height())));
     bar->setTracking(false);
     bar->setContextMenuPolicy(Qt::NoContextMenu);
     const QString name = qt::AccessibleName(*shown->dialog, control->bounds, {});

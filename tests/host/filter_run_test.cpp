@@ -184,7 +184,7 @@ TEST_F(FilterRun, BothWaysOfDrivingGiveTheSame) {
         std::vector<uint8_t> results[2];
         for (const bool advance : {false, true}) {
             Document document = RandomDocument(kind.mode, kind.depth, kind.colorPlanes, kind.planes, 23, 17);
-            const FilterOutcome outcome = RunFilter({&filter, &document, action, advance, {}});
+            const FilterOutcome outcome = RunFilter({&realFilter, &document, action, advance, {}});
             ASSERT_EQ(outcome.result, noErr);
             const ActionItem *recorded = FindItem(outcome.recorded, kRadiusKey);
             ASSERT_NE(recorded, nullptr);
@@ -206,12 +206,12 @@ TEST_F(FilterRun, CancelLeavesTheDocumentAsItWas) {
         Watcher watcher;
         watcher.cancelled = [&] { return ++asked > limit; };
         Document document = RandomDocument(plugInModeRGBColor, 8, 3, 4, 20, 16);
-        ASSERT_EQ(RunFilter({&filter, &document, {}, advance, watcher}).result, noErr);
+        ASSERT_EQ(RunFilter({&realFilter, &document, {}, advance, watcher}).result, noErr);
         const int total = asked;
         ASSERT_GT(total, 3 * 16) << "asked at least once a row, in each of the three phases";
         for (limit = 0; limit < total; limit += 5) {
             asked = 0;
-            EXPECT_EQ(RunFilter({&filter, &document, {}, advance, watcher}).result, userCanceledErr);
+            EXPECT_EQ(RunFilter({&realFilter, &document, {}, advance, watcher}).result, userCanceledErr);
             ASSERT_EQ(BytesOf(document, document.destination), BytesOf(document, document.source));
         }
     }

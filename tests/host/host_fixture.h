@@ -21,17 +21,17 @@ class HostTest : public ScratchFolder {
     // The module stays loaded, and keeps a block of its own from its first call on.
     static void SetUpTestSuite() {
         ASSERT_TRUE(StartVips("host_test"));
-        if (filter.entry == nullptr) {
-            ASSERT_FALSE(LoadModule(DefaultPluginFolder(), &filter));
+        if (realFilter.entry == nullptr) {
+            ASSERT_FALSE(LoadModule(DefaultPluginFolder(), &realFilter));
             FilterRecord record = {};
             int16_t result = 0;
-            filter.entry(filterSelectorPrepare, &record, &filter.data, &result);
+            realFilter.entry(filterSelectorPrepare, &record, &realFilter.data, &result);
         }
     }
 
     std::string Path(const std::string &name) const { return (folder / name).string(); }
 
-    inline static Module filter;
+    inline static Module realFilter;
 };
 
 // A document of random samples; floats lie between 0 and 1.

@@ -4,6 +4,7 @@
 #include "host/picture_format.h"
 #include "host/picture_mode.h"
 #include "host/picture_writer.h"
+#include "platform/posix_paths.h"
 #include "tests/host/host_fixture.h"
 
 namespace {
@@ -79,6 +80,10 @@ TEST_F(PictureFile, SamplesComeBackAsTheyWere) {
         Picture read;
         ASSERT_EQ(Read(test.file, &read), "");
         EXPECT_EQ(read.document.imageMode, test.mode);
+        std::string place;
+        ASSERT_TRUE(read.document.file.has_value());
+        EXPECT_EQ(PosixPathFromSpec(*read.document.file, &place), noErr);
+        EXPECT_EQ(place, Path(test.file));
         ASSERT_EQ(read.document.planes, test.planes);
         const std::vector<uint8_t> expected = BytesOf(written.document, written.document.destination);
         EXPECT_EQ(BytesOf(read.document, read.document.source), expected);

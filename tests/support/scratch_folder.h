@@ -21,6 +21,8 @@ class ScratchFolder : public testing::Test {
         faults::SetMemoryLimit(-1);
         faults::FailAllocation(0);
         faults::RefuseTemporaryMemory(false);
+        faults::FailFileCall(0, noErr);
+        faults::SetDiskSpace(-1);
         std::filesystem::remove_all(folder);
     }
 

@@ -1,0 +1,26 @@
+// How a failure travels: the exit status and the one sentence that the user is told.
+#pragma once
+
+#include <optional>
+#include <string>
+
+constexpr int kExitDone = 0;
+constexpr int kExitFailed = 1;
+constexpr int kExitUsage = 2;
+constexpr int kExitInterrupted = 130;  // as shells report a program that Ctrl-C ended
+
+struct Failure {
+    int status;
+    std::string sentence;  // without the program's name; empty when the user has been told already
+};
+
+using MaybeFailure = std::optional<Failure>;
+
+// "photo.png: no such file."
+inline Failure FileFailure(const std::string &file, const std::string &reason) {
+    return {kExitFailed, file + ": " + reason + "."};
+}
+
+inline Failure Interruption(const std::string &file) {
+    return {kExitInterrupted, file + ": interrupted, nothing was written."};
+}

@@ -1,0 +1,265 @@
+#include "host/filter_run.h"
+
+#include <algorithm>
+
+#include "host/descriptor_suites.h"
+#include "host/document_rows.h"
+#include "host/suites.h"
+#include "photoshop/filter_record.h"
+#include "platform/owned_block.h"
+
+namespace {
+
+constexpr OSType kHostSignature = FourCharCode("HyMh");
+constexpr int16_t kFlatImageNoSelection = 1;  // filter case
+constexpr Fixed kFixedOne = 1 << 16;
+constexpr int32_t kRowAlignment = 64;
+constexpr uint8_t kSelected = 255;
+
+// Rows as the filter has them; null while it asks for none.
+struct Delivery {
+    Area area;
+    OwnedBlock<uint8_t> rows;
+};
+
+struct Run {
+    const FilterRequest *request;
+    Document *document;
+    FilterRecord record;
+    PIDescriptorParameters descriptorParameters;
+    ReadImageDocumentDesc documentInfo;
+    Str255 errorString;
+    Delivery input;
+    Delivery output;
+    OwnedBlock<uint8_t> mask;
+};
+
+Run *currentRun = nullptr;
+
+bool IsEmpty(const Rect &rect) {
+    return rect.right <= rect.left || rect.bottom <= rect.top;
+}
+
+bool RequestsNothing(const FilterRecord &record) {
+    return IsEmpty(record.inRect) && IsEmpty(record.outRect) && IsEmpty(record.maskRect);
+}
+
+bool LiesInside(const Document &document, const Area &area) {
+    return area.rect.left >= 0 && area.rect.top >= 0 && area.rect.right <= document.width &&
+           area.rect.bottom <= document.height && area.loPlane >= 0 && area.loPlane <= area.hiPlane &&
+           area.hiPlane < document.planes;
+}
+
+// Rows are longer than their pixels, as a filter has to expect.
+int32_t PaddedRowBytes(int32_t bytes) {
+    return (bytes / kRowAlignment + 1) * kRowAlignment;
+}
+
+// What the filter has written since the latest delivery goes into the destination.
+void StoreOutput(Run *run) {
+    if (run->output.rows != nullptr) {
+        StoreRows(run->document, run->output.area, run->output.rows.get());
+        run->output.rows.reset();
+    }
+}
+
+// An empty area leaves a delivery without rows.
+OSErr Deliver(const Document &document, const PixelBlock &pixels, Area area, Delivery *delivery) {
+    *delivery = {};
+    if (IsEmpty(area.rect)) {
+        return noErr;
+    }
+    if (!LiesInside(document, area)) {
+        return filterBadParameters;
+    }
+    const int32_t planes = area.hiPlane - area.loPlane + 1;
+    const int32_t width = area.rect.right - area.rect.left;
+    area.rowBytes = PaddedRowBytes(width * planes * SampleBytes(document));
+    delivery->rows = MakeOwnedBlock<uint8_t>(int64_t{area.rowBytes} * (area.rect.bottom - area.rect.top));
+    if (delivery->rows == nullptr) {
+        return memFullErr;
+    }
+    delivery->area = area;
+    DeliverRows(document, pixels, area, delivery->rows.get());
+    return noErr;
+}
+
+// The whole document is selected.
+OSErr DeliverMask(Run *run) {
+    FilterRecord *record = &run->record;
+    run->mask.reset();
+    record->maskData = nullptr;
+    record->maskRowBytes = 0;
+    if (IsEmpty(record->maskRect)) {
+        return noErr;
+    }
+    const int32_t rowBytes = PaddedRowBytes(record->maskRect.right - record->maskRect.left);
+    const int64_t size = int64_t{rowBytes} * (record->maskRect.bottom - record->maskRect.top);
+    run->mask = MakeOwnedBlock<uint8_t>(size);
+    if (run->mask == nullptr) {
+        return memFullErr;
+    }
+    std::fill_n(run->mask.get(), size, kSelected);
+    record->maskData = run->mask.get();
+    record->maskRowBytes = rowBytes;
+    return noErr;
+}
+
+// How samples lie in the rows, for filters that do not count on interleaved ones.
+void DescribeLayout(const Document &document, FilterRecord *record) {
+    record->inPlaneBytes = SampleBytes(document);
+    record->outPlaneBytes = SampleBytes(document);
+    record->inColumnBytes = (record->inHiPlane - record->inLoPlane + 1) * SampleBytes(document);
+    record->outColumnBytes = (record->outHiPlane - record->outLoPlane + 1) * SampleBytes(document);
+}
+
+// Stores what was written, then fills what the record now asks for.
+OSErr ServeRequest(Run *run) {
+    StoreOutput(run);
+    if (run->request->watcher.cancelled()) {
+        return userCanceledErr;
+    }
+    FilterRecord *record = &run->record;
+    const Document &document = *run->document;
+    OSErr err = Deliver(document, document.source, {record->inRect, record->inLoPlane, record->inHiPlane, 0},
+                        &run->input);
+    if (err == noErr) {
+        err = Deliver(document, document.destination,
+                      {record->outRect, record->outLoPlane, record->outHiPlane, 0}, &run->output);
+    }
+    if (err == noErr) {
+        err = DeliverMask(run);
+    }
+    record->inData = run->input.rows.get();
+    record->inRowBytes = run->input.area.rowBytes;
+    record->outData = run->output.rows.get();
+    record->outRowBytes = run->output.area.rowBytes;
+    DescribeLayout(document, record);
+    return err;
+}
+
+OSErr AdvanceState() {
+    return ServeRequest(currentRun);
+}
+
+Boolean AbortAsked() {
+    return currentRun->request->watcher.cancelled();
+}
+
+void ShowProgress(int32_t done, int32_t total) {
+    if (total > 0) {
+        currentRun->request->watcher.progress(std::clamp(double{1} * done / total, 0.0, 1.0));
+    }
+}
+
+void FillDocumentInfo(Document &document, ReadImageDocumentDesc *info) {
+    info->maxVersion = 1;
+    info->imageMode = document.imageMode;
+    info->depth = document.depth;
+    info->bounds = {0, 0, document.height, document.width};
+    info->hResolution = document.horizontalResolution;
+    info->vResolution = document.verticalResolution;
+    info->documentFileSpec = document.file ? &*document.file : nullptr;
+    for (int i = 0; i < 256; ++i) {
+        info->redLUT[i] = info->greenLUT[i] = info->blueLUT[i] = static_cast<uint8_t>(i);
+    }
+}
+
+void FillRecord(Run *run) {
+    const Document &document = *run->document;
+    const Point size = {static_cast<int16_t>(document.height), static_cast<int16_t>(document.width)};
+    const auto colorPlanes = static_cast<int16_t>(document.colorPlanes);
+    const auto extraPlanes = static_cast<int16_t>(document.planes - document.colorPlanes);
+    FilterRecord *record = &run->record;
+    record->abortProc = AbortAsked;
+    record->progressProc = ShowProgress;
+    record->imageSize = size;
+    record->planes = static_cast<int16_t>(document.planes);
+    record->filterRect = {0, 0, size.v, size.h};
+    record->background = {UINT16_MAX, UINT16_MAX, UINT16_MAX};
+    record->backColor = {{UINT8_MAX, UINT8_MAX, UINT8_MAX, UINT8_MAX}};
+    record->maxSpace = INT32_MAX;
+    record->bufferSpace = INT32_MAX;
+    record->hostSig = kHostSignature;
+    record->imageMode = document.imageMode;
+    record->imageHRes = document.horizontalResolution;
+    record->imageVRes = document.verticalResolution;
+    record->wholeSize = size;
+    record->bufferProcs = HostBufferProcs();
+    record->handleProcs = HostHandleProcs();
+    record->filterCase = kFlatImageNoSelection;
+    record->advanceState = run->request->offerAdvanceState ? AdvanceState : nullptr;
+    record->inputRate = kFixedOne;
+    record->maskRate = kFixedOne;
+    record->inLayerPlanes = record->outLayerPlanes = record->absLayerPlanes = colorPlanes;
+    record->inNonLayerPlanes = record->outNonLayerPlanes = record->absNonLayerPlanes = extraPlanes;
+    record->descriptorParameters = &run->descriptorParameters;
+    record->errorString = &run->errorString;
+    record->documentInfo = &run->documentInfo;
+    record->depth = document.depth;
+}
+
+OSErr Call(Run *run, int16_t selector) {
+    Module *module = run->request->module;
+    OSErr result = noErr;
+    module->entry(selector, &run->record, &module->data, &result);
+    return result;
+}
+
+// From a successful Start to Finish, which follows whatever happens in between.
+OSErr FinishRun(Run *run) {
+    OSErr err = noErr;
+    while (err == noErr && !RequestsNothing(run->record)) {
+        err = ServeRequest(run);
+        if (err == noErr) {
+            err = Call(run, filterSelectorContinue);
+        }
+    }
+    if (err == noErr) {
+        StoreOutput(run);
+    }
+    const OSErr finish = Call(run, filterSelectorFinish);
+    return err == noErr ? finish : err;
+}
+
+OSErr CallSelectors(Run *run) {
+    for (const int16_t selector : {filterSelectorPrepare, filterSelectorStart}) {
+        if (const OSErr err = Call(run, selector); err != noErr) {
+            return err;
+        }
+    }
+    return FinishRun(run);
+}
+
+std::string MessageOf(const Run &run, OSErr result) {
+    return result == errReportString
+               ? std::string(reinterpret_cast<const char *>(run.errorString + 1), run.errorString[0])
+               : std::string();
+}
+
+}  // namespace
+
+FilterOutcome RunFilter(const FilterRequest &request) {
+    Run run = {};
+    run.request = &request;
+    run.document = request.document;
+    run.descriptorParameters = {kDescriptorParametersVersion, plugInDialogDontDisplay,
+                                plugInDialogOptional,         EncodeAction(request.action),
+                                HostWriteDescriptorProcs(),   HostReadDescriptorProcs()};
+    FillDocumentInfo(*run.document, &run.documentInfo);
+    FillRecord(&run);
+    ResetDestination(run.document);
+
+    currentRun = &run;
+    const OSErr result = CallSelectors(&run);
+    currentRun = nullptr;
+
+    if (result != noErr) {
+        ResetDestination(run.document);
+    }
+    FilterOutcome outcome = {result, MessageOf(run, result), {}};
+    DecodeAction(run.descriptorParameters.descriptor, &outcome.recorded);
+    DisposeHandle(run.descriptorParameters.descriptor);
+    DisposeHandle(run.record.parameters);
+    return outcome;
+}

@@ -1,0 +1,32 @@
+// A picture file read into memory: the document, and what else the file held.
+#pragma once
+
+#include <string>
+
+#include "host/document.h"
+#include "host/failure.h"
+#include "host/vips_library.h"
+#include "host/watcher.h"
+
+struct Picture {
+    std::string file;
+    Document document;
+    // Resolution, profile, EXIF, XMP and the like, on an image without pixels.
+    OwnedObject<VipsImage> metadata;
+    // The file, until its pixels have been read.
+    OwnedObject<VipsImage> unread;
+};
+
+// Opens the file and fills everything but the document's blocks. Refuses what cannot be filtered, and what
+// would not come back whole, such as further pages.
+MaybeFailure OpenPicture(const std::string &file, Picture *picture);
+
+// Reads the pixels of an opened picture into both blocks and closes the file. A file that is cut short is a
+// failure.
+MaybeFailure ReadPixels(Picture *picture, const Watcher &watcher);
+
+// "3000 x 2000 RGB, 16 bits"
+std::string DescribePicture(const Picture &picture);
+
+// Copies everything but what says how the file was encoded. The resolution goes along.
+void CopyMetadata(VipsImage *from, VipsImage *to);

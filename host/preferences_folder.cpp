@@ -1,0 +1,34 @@
+#include "host/preferences_folder.h"
+
+#include <sys/stat.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string Variable(const char *name) {
+    const char *value = std::getenv(name);
+    return value == nullptr ? std::string() : value;
+}
+
+// The same place as in platform/files.cpp.
+fs::path PreferencesPath() {
+    if (const std::string own = Variable("HYMEDIAN_PREFERENCES"); !own.empty()) {
+        return own;
+    }
+    const std::string configHome = Variable("XDG_CONFIG_HOME");
+    return fs::path(configHome.empty() ? Variable("HOME") + "/.config" : configHome) / "hymedian/Preferences";
+}
+
+}  // namespace
+
+void MakePreferencesFolder() {
+    const fs::path folder = PreferencesPath();
+    std::error_code error;
+    fs::create_directories(folder.parent_path(), error);
+    mkdir(folder.c_str(), S_IRWXU);
+}

@@ -1,0 +1,30 @@
+#include "host/vips_library.h"
+
+namespace {
+
+// Warnings of damaged but readable files are nothing that the user could act on.
+void Discard(const gchar *, GLogLevelFlags, const gchar *, gpointer) {}
+
+}  // namespace
+
+bool StartVips(const char *program) {
+    g_log_set_default_handler(Discard, nullptr);
+    if (vips_init(program) != 0) {
+        return false;
+    }
+    // Every operation runs once.
+    vips_cache_set_max(0);
+    return true;
+}
+
+std::string TakeVipsError() {
+    std::string text = vips_error_buffer();
+    vips_error_clear();
+    text = text.substr(0, text.find('\n'));
+    const size_t source = text.find(": ");
+    text = source == std::string::npos ? text : text.substr(source + 2);
+    while (!text.empty() && (text.back() == '.' || text.back() == ' ')) {
+        text.pop_back();
+    }
+    return text.empty() ? "unknown trouble" : text;
+}

@@ -1,0 +1,111 @@
+// Draws the sample pictures and compares filtered ones with them.
+#include <vips/vips.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <iterator>
+#include <limits>
+
+#include "samples/chart_drawing.h"
+#include "samples/noise.h"
+#include "samples/picture_rgb.h"
+
+namespace {
+
+constexpr int kSeam = 8;  // white columns between two pictures
+
+int TellVipsError() {
+    std::fprintf(stderr, "chart: %s", vips_error_buffer());
+    return 1;
+}
+
+int Draw(char **files) {
+    const PictureRGB chart = DrawChart();
+    return WriteRGB(chart, files[0]) && WriteRGB(AddNoise(chart), files[1]) ? 0 : TellVipsError();
+}
+
+// Both pictures of a comparison, which must be of one size.
+bool ReadPair(char **files, PictureRGB *left, PictureRGB *right) {
+    if (!ReadRGB(files[0], left) || !ReadRGB(files[1], right)) {
+        return false;
+    }
+    if (left->width != right->width || left->height != right->height) {
+        vips_error("chart", "%s and %s differ in size", files[0], files[1]);
+        return false;
+    }
+    return true;
+}
+
+double SquaredError(const Pixel &a, const Pixel &b) {
+    const double red = a.red - b.red;
+    const double green = a.green - b.green;
+    const double blue = a.blue - b.blue;
+    return red * red + green * green + blue * blue;
+}
+
+int PrintPSNR(char **files) {
+    PictureRGB clean, other;
+    if (!ReadPair(files, &clean, &other)) {
+        return TellVipsError();
+    }
+    double sum = 0;
+    for (size_t i = 0; i < clean.pixels.size(); ++i) {
+        sum += SquaredError(clean.pixels[i], other.pixels[i]);
+    }
+    const double mean = sum / (3.0 * static_cast<double>(clean.pixels.size()));
+    std::printf("%.2f\n",
+                mean > 0 ? 10 * std::log10(255.0 * 255.0 / mean) : std::numeric_limits<double>::infinity());
+    return 0;
+}
+
+int JoinSideBySide(char **files) {
+    PictureRGB left, right;
+    if (!ReadPair(files, &left, &right)) {
+        return TellVipsError();
+    }
+    PictureRGB both = MakePicture(2 * left.width + kSeam, left.height, {255, 255, 255});
+    for (int y = 0; y < left.height; ++y) {
+        std::copy_n(&At(left, 0, y), left.width, &At(both, 0, y));
+        std::copy_n(&At(right, 0, y), right.width, &At(both, left.width + kSeam, y));
+    }
+    return WriteRGB(both, files[2]) ? 0 : TellVipsError();
+}
+
+struct Command {
+    const char *name;
+    int files;
+    const char *usage;
+    int (*run)(char **files);
+};
+
+constexpr Command kCommands[] = {
+    {"draw", 2, "CLEAN.png NOISY.png", Draw},
+    {"psnr", 2, "CLEAN OTHER", PrintPSNR},
+    {"side-by-side", 3, "LEFT RIGHT OUT.png", JoinSideBySide},
+};
+
+int TellUsage() {
+    for (const Command &command : kCommands) {
+        std::fprintf(stderr, "usage: chart %s %s\n", command.name, command.usage);
+    }
+    return 2;
+}
+
+}  // namespace
+
+int main(int count, char **arguments) {
+    const auto *command = std::find_if(std::begin(kCommands), std::end(kCommands), [=](const Command &known) {
+        return count > 1 && std::strcmp(known.name, arguments[1]) == 0;
+    });
+    if (command == std::end(kCommands) || count != 2 + command->files) {
+        return TellUsage();
+    }
+    if (VIPS_INIT(arguments[0]) != 0) {
+        return TellVipsError();
+    }
+    const int status = command->run(arguments + 2);
+    vips_shutdown();
+    return status;
+}
