@@ -32,9 +32,8 @@ std::string ModulePath() {
 }  // namespace
 
 const DialogBackend &CurrentDialogBackend() {
-    if (chosen == nullptr) {
-        (void)UseScreenDialogs();
-    }
+    // Asked once: what is missing then is not going to come.
+    [[maybe_unused]] static const OSErr tried = chosen == nullptr ? UseScreenDialogs() : noErr;
     return chosen == nullptr ? kShowsNothing : *chosen;
 }
 

@@ -145,8 +145,9 @@ void FitFont(const DialogWindow &shown) {
 // From row to row, and from left to right in a row.
 void SetTabOrder(const DialogWindow &shown) {
     std::vector<QWidget *> order;
-    std::copy_if(shown.items.begin(), shown.items.end(), std::back_inserter(order),
-                 [](const QWidget *widget) { return widget != nullptr && widget->focusPolicy() != Qt::NoFocus; });
+    std::copy_if(
+        shown.items.begin(), shown.items.end(), std::back_inserter(order),
+        [](const QWidget *widget) { return widget != nullptr && widget->focusPolicy() != Qt::NoFocus; });
     std::sort(order.begin(), order.end(), [](const QWidget *a, const QWidget *b) {
         const QPoint first = a->geometry().center();
         const QPoint second = b->geometry().center();
@@ -173,8 +174,8 @@ TrackedPart PartOf(const QScrollBar &bar, int action) {
     }
 }
 
-// Only shown, since steps of the bar's own never come about. Where there are many values they are taken for pixels, of
-// which those beside the bar are in view.
+// Only shown, since steps of the bar's own never come about. Where there are many values they are taken for
+// pixels, of which those beside the bar are in view.
 int ThumbLength(const ControlRecord &control, int barLength) {
     const int range = control.maximum - control.minimum;
     return range < barLength / 8 ? std::max(range / 4, 1) : barLength;
@@ -219,7 +220,8 @@ void PaintPicture(const DialogWindow &shown) {
 }
 
 bool IsCancelKey(const QEvent &event) {
-    return event.type() == QEvent::KeyPress && static_cast<const QKeyEvent &>(event).matches(QKeySequence::Cancel);
+    return event.type() == QEvent::KeyPress &&
+           static_cast<const QKeyEvent &>(event).matches(QKeySequence::Cancel);
 }
 
 // True when the widget itself must not see the event.
@@ -243,7 +245,8 @@ bool WatchWindow(DialogWindow *shown, QEvent *event) {
 }
 
 bool WatchWidget(DialogWindow *shown, QObject *receiver, QEvent *event) {
-    const bool press = event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick;
+    const bool press =
+        event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick;
     if (press && qobject_cast<QLineEdit *>(receiver) != nullptr) {
         const auto field = std::find(shown->items.begin(), shown->items.end(), receiver);
         PostItemPress(shown, static_cast<size_t>(field - shown->items.begin()));
@@ -265,7 +268,8 @@ class Watcher : public QObject {
             PostEscape(shown);
             return true;
         }
-        return receiver == shown->window.get() ? WatchWindow(shown, event) : WatchWidget(shown, receiver, event);
+        return receiver == shown->window.get() ? WatchWindow(shown, event)
+                                               : WatchWidget(shown, receiver, event);
     }
 
   private:
@@ -304,7 +308,8 @@ void RefreshItem(DialogWindow *shown, size_t index) {
         box->setChecked(item.control->value != 0);
     } else if (auto *button = qobject_cast<QPushButton *>(widget)) {
         button->setText(TitleOf(item));
-    } else if (auto *field = qobject_cast<QLineEdit *>(widget); field != nullptr && field->text() != TitleOf(item)) {
+    } else if (auto *field = qobject_cast<QLineEdit *>(widget);
+               field != nullptr && field->text() != TitleOf(item)) {
         field->setText(TitleOf(item));
     }
 }
@@ -327,7 +332,8 @@ void RefreshSelection(DialogWindow *shown) {
 
 void ShowFirst(DialogWindow *shown) {
     if (DialogItem *item = model::ItemAt(shown->dialog, shown->dialog->defaultItem); item != nullptr) {
-        auto *button = qobject_cast<QPushButton *>(shown->items[static_cast<size_t>(shown->dialog->defaultItem - 1)]);
+        auto *button =
+            qobject_cast<QPushButton *>(shown->items[static_cast<size_t>(shown->dialog->defaultItem - 1)]);
         if (button != nullptr) {
             button->setDefault(true);
         }

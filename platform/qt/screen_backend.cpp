@@ -5,16 +5,16 @@
 #include <clocale>
 
 #include "platform/mac_roman.h"
-#include "platform/qt/display_probe.h"
 #include "platform/qt/dialog_window.h"
+#include "platform/qt/display_probe.h"
 
 namespace {
 
 std::vector<std::unique_ptr<qt::DialogWindow>> windows;
 
 qt::DialogWindow *WindowOf(const DialogRecord *dialog) {
-    const auto found =
-        std::find_if(windows.begin(), windows.end(), [=](const auto &window) { return window->dialog == dialog; });
+    const auto found = std::find_if(windows.begin(), windows.end(),
+                                    [=](const auto &window) { return window->dialog == dialog; });
     return found == windows.end() ? nullptr : found->get();
 }
 

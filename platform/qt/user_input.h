@@ -1,7 +1,7 @@
 // What the user does to the widgets of a dialog, one thing at a time.
 //
-// Whatever comes in while an action waits to be handled is held back: the plug-in may change what a later key or click
-// means.
+// Whatever comes in while an action waits to be handled is held back: the plug-in may change what a later key
+// or click means.
 #pragma once
 
 #include <QEvent>
@@ -34,8 +34,8 @@ struct UserInput {
     bool releasing;
 };
 
-// True when an event of the window is kept for later and must not be delivered now. The window, not its widgets: the focus
-// moves with a click before the widget hears of it.
+// True when an event of the window is kept for later and must not be delivered now. The window, not its
+// widgets: the focus moves with a click before the widget hears of it.
 bool HoldBack(UserInput *input, const QEvent &event);
 // Delivers what was held back until that makes an action.
 void ReleaseHeld(UserInput *input, QObject *window);

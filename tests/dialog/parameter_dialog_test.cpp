@@ -221,6 +221,22 @@ TEST_F(ParameterDialog, EndsByButtonsAndKeys) {
     EXPECT_EQ(Run(image, 2, {Key('.'), Click(kOK)}).Field(), ".") << "a period alone is text";
 }
 
+TEST_F(ParameterDialog, AnswersForThoseWhoDoNotWatch) {
+    const DialogOutcome outcome = Run(image, 2.5f, user::Answer(kField, "5"));
+    EXPECT_EQ(outcome.result, noErr);
+    EXPECT_EQ(outcome.stored, 5);
+}
+
+TEST_F(ParameterDialog, WithoutADisplayItIsCancelled) {
+    UseScriptedDialogs(nullptr);
+    setenv("QT_QPA_PLATFORM", "none of these", 1);
+    const OSErr problem = UseScreenDialogs();
+    EXPECT_TRUE(problem == kNoDisplay || problem == kNoScreenModule);
+    EXPECT_STRNE(ScreenDialogProblem(kNoDisplay), ScreenDialogProblem(kNoScreenModule));
+    EXPECT_EQ(RunOnBackend(image, 3).result, userCanceledErr);
+    unsetenv("QT_QPA_PLATFORM");
+}
+
 TEST_F(ParameterDialog, OpensWithTheTextSelectedAndThePreviewOn) {
     const DialogOutcome outcome = Run(image, 3, {});
     const EditedText &field = outcome.Last().texts[kField - 1];

@@ -185,7 +185,8 @@ class ScreenDialog : public DialogTest {
             for (int x = drawn.left; x < drawn.right; ++x, pixel += 4) {
                 const auto column = static_cast<int>((x + 0.5) * shot.devicePixelRatio());
                 const auto row = static_cast<int>((y + 0.5) * shot.devicePixelRatio());
-                wrong += (shot.pixel(column, row) & 0xFFFFFF) != (qRgb(pixel[1], pixel[2], pixel[3]) & 0xFFFFFF);
+                wrong +=
+                    (shot.pixel(column, row) & 0xFFFFFF) != (qRgb(pixel[1], pixel[2], pixel[3]) & 0xFFFFFF);
             }
         }
         EXPECT_EQ(wrong, 0);
@@ -201,7 +202,9 @@ TEST_F(ScreenDialog, GivesWhatTheScriptGives) {
     } sessions[] = {
         {2.5f, {Click(kOK)}},
         {2.5f, {Press(kRadiusBar, kDownArrow), Click(kOK)}},
-        {2.5f, {Press(kRadiusBar, kUp), Press(kRadiusBar, kPageDown), Press(kRadiusBar, kPageDown), Press(kRadiusBar, kPageUp), Key(kReturn)}},
+        {2.5f,
+         {Press(kRadiusBar, kUp), Press(kRadiusBar, kPageDown), Press(kRadiusBar, kPageDown),
+          Press(kRadiusBar, kPageUp), Key(kReturn)}},
         {2, {MoveThumb(kRadiusBar, 5), Key(kEnter)}},
         {2.5f, {Click(kPlus), Click(kOK)}},
         {3, {Key('1'), Key('2'), Click(kOK)}},
@@ -210,7 +213,9 @@ TEST_F(ScreenDialog, GivesWhatTheScriptGives) {
         {3, {Key('4'), Key('2'), Click(kMinus), Key('2'), Key(kReturn)}},
         {3, {Click(kField), Key(kReturn)}},
         {3, {Click(4), Click(kPreviewItem), Click(kCheckBox), Click(kCheckBox), Click(kOK)}},
-        {1, {Press(kAcross, kPageDown), Press(kAcross, kPageDown), Press(kDown, kPageDown), Press(kDown, kPageDown), Click(kOK)}},
+        {1,
+         {Press(kAcross, kPageDown), Press(kAcross, kPageDown), Press(kDown, kPageDown),
+          Press(kDown, kPageDown), Click(kOK)}},
         {1, {Press(kAcross, kUp), Press(kDown, kDownArrow), Press(kAcross, kPageUp), Click(kOK)}},
         {1, {MoveThumb(kAcross, 150), Press(kAcross, kDownArrow), Click(kOK)}},
         {1, {MoveThumb(kAcross, 150), Press(kAcross, kUp), MoveThumb(kDown, 0), Click(kOK)}},
@@ -228,7 +233,8 @@ TEST_F(ScreenDialog, GivesWhatTheScriptGives) {
         for (size_t i = 0; i < shown.states.size(); ++i) {
             EXPECT_EQ(shown.states[i].values, scripted.states[i].values) << "before action " << i;
             EXPECT_EQ(shown.states[i].picture, scripted.states[i].picture) << "before action " << i;
-            EXPECT_EQ(shown.states[i].texts[kField - 1].characters, scripted.states[i].texts[kField - 1].characters);
+            EXPECT_EQ(shown.states[i].texts[kField - 1].characters,
+                      scripted.states[i].texts[kField - 1].characters);
         }
     }
 }
@@ -241,14 +247,16 @@ TEST_F(ScreenDialog, ClosingTheWindowCancels) {
 
 // What comes in faster than the preview is built waits for its turn, in its order.
 TEST_F(ScreenDialog, FastHandsLoseNothing) {
-    const std::vector<UserAction> burst = {Key('4'), Key('2'), Click(kMinus), Key('2'), Press(kAcross, kUp), Click(kPlus)};
+    const std::vector<UserAction> burst = {
+        Key('4'), Key('2'), Click(kMinus), Key('2'), Press(kAcross, kUp), Click(kPlus)};
     const Step all = [&](QDialog *window) {
         for (const UserAction &action : burst) {
             Perform(window, action);
         }
     };
     const Step nothing = [](QDialog *) {};
-    const DialogOutcome outcome = RunOnScreen(image, 3, {all, nothing, nothing, [](QDialog *window) { PressKey(window, kReturn); }});
+    const DialogOutcome outcome =
+        RunOnScreen(image, 3, {all, nothing, nothing, [](QDialog *window) { PressKey(window, kReturn); }});
     EXPECT_EQ(outcome.stored, 3);
     EXPECT_EQ(outcome.rebuilds, 7);
     EXPECT_EQ(outcome.Value(kAcross), 74);
@@ -257,11 +265,14 @@ TEST_F(ScreenDialog, FastHandsLoseNothing) {
 TEST_F(ScreenDialog, AHeldArrowStepsOnce) {
     const Step press = [](QDialog *window) {
         const auto *bar = qobject_cast<QScrollBar *>(WidgetOf(window, kAcross));
-        QTest::mousePress(window->windowHandle(), Qt::LeftButton, {}, PlaceOf(*bar, QStyle::SC_ScrollBarAddLine).center());
+        QTest::mousePress(window->windowHandle(), Qt::LeftButton, {},
+                          PlaceOf(*bar, QStyle::SC_ScrollBarAddLine).center());
     };
     // Qt would repeat after half a second.
     const Step wait = [](QDialog *) { QTest::qWait(700); };
-    const Step release = [](QDialog *window) { QTest::mouseRelease(window->windowHandle(), Qt::LeftButton, {}, CenterOf(kAcross)); };
+    const Step release = [](QDialog *window) {
+        QTest::mouseRelease(window->windowHandle(), Qt::LeftButton, {}, CenterOf(kAcross));
+    };
     const DialogOutcome outcome = RunOnScreen(image, 1, {press, wait, release, StepsOf({Click(kOK)})[0]});
     EXPECT_EQ(outcome.Value(kAcross), 76);
     EXPECT_EQ(outcome.rebuilds, 2);
@@ -270,7 +281,9 @@ TEST_F(ScreenDialog, AHeldArrowStepsOnce) {
 TEST_F(ScreenDialog, TellsTheHostWhenNothingHappens) {
     hostNullEvents = 0;
     processEvent = [](EventRecord *event) { hostNullEvents += event->what == nullEvent; };
-    RunOnScreen(image, 1, {[](QDialog *) { QTest::qWait(200); }, [](QDialog *) { QTest::qWait(200); }, StepsOf({Click(kOK)})[0]});
+    RunOnScreen(image, 1,
+                {[](QDialog *) { QTest::qWait(200); }, [](QDialog *) { QTest::qWait(200); },
+                 StepsOf({Click(kOK)})[0]});
     EXPECT_GE(hostNullEvents, 2);
 }
 
@@ -290,7 +303,8 @@ TEST_F(ScreenDialog, TabGoesThroughTheRowsAndEveryWidgetHasAName) {
         }
     };
     RunOnScreen(image, 1, {look, StepsOf({Click(kOK)})[0]});
-    EXPECT_EQ(order, (std::vector<std::string>{"Radius", "Radius \u2013", "Radius +", "Cancel", "OK", "Preview"}));
+    EXPECT_EQ(order,
+              (std::vector<std::string>{"Radius", "Radius \u2013", "Radius +", "Cancel", "OK", "Preview"}));
     EXPECT_EQ(bars, (std::vector<std::string>{"Horizontal position", "Vertical position", "Radius"}));
 }
 
@@ -299,9 +313,12 @@ TestImage Photograph() {
     TestImage photo = RandomImage(600, 450, 3, 9);
     for (int y = 0; y < photo.height; ++y) {
         for (int x = 0; x < photo.width; ++x) {
-            const bool wire = (x + 2 * y) % 60 < 2 || x % 80 < 2;
+            const bool wire = (x + y) % 60 < 2 || x % 80 < 2;
             const int light = 160 - y / 4;
-            const int color[] = {wire ? 30 : light - 40 + x / 12, wire ? 30 : light, wire ? 35 : y < 220 ? light + 60 : light - 60};
+            const int color[] = {wire ? 30 : light - 40 + x / 12, wire ? 30 : light,
+                                 wire      ? 35
+                                 : y < 220 ? light + 60
+                                           : light - 60};
             for (int c = 0; c < 3; ++c) {
                 uint8_t *sample = &photo.bytes[static_cast<size_t>((y * photo.width + x) * 3 + c)];
                 const int noise = *sample < 24 ? 200 - 16 * *sample : *sample / 8 - 16;
@@ -312,31 +329,52 @@ TestImage Photograph() {
     return photo;
 }
 
-// Everything fits where it stands and nothing lies on anything else. The picture goes to $HYMEDIAN_SCREENSHOT.
-TEST_F(ScreenDialog, LaysItemsOutCleanly) {
+QPalette DarkPalette() {
+    QPalette dark(QColor(50, 50, 50));
+    dark.setColor(QPalette::Base, QColor(30, 30, 30));
+    return dark;
+}
+
+void ExpectCleanLayout(QDialog *window) {
+    const QList<QWidget *> widgets = window->findChildren<QWidget *>(Qt::FindDirectChildrenOnly);
+    const QRect inside = window->rect().adjusted(8, 8, -8, -8);
+    const Rect &preview = model::OpenDialogs().back()->window.port.drawn;
+    const QRect picture(QPoint(preview.left, preview.top), QPoint(preview.right - 1, preview.bottom - 1));
+    for (const QWidget *widget : widgets) {
+        SCOPED_TRACE(widget->accessibleName().toStdString());
+        EXPECT_TRUE(inside.contains(widget->geometry()));
+        EXPECT_FALSE(picture.intersects(widget->geometry()));
+        for (const QWidget *other : widgets) {
+            EXPECT_TRUE(widget == other || !widget->geometry().intersects(other->geometry()));
+        }
+        if (qobject_cast<const QLabel *>(widget) != nullptr) {
+            EXPECT_GE(widget->width(), widget->sizeHint().width());
+            EXPECT_GE(widget->height(), widget->sizeHint().height());
+        }
+    }
+}
+
+// Everything fits where it stands, nothing lies on anything else, and the theme's colours are kept. Pictures
+// go to the folder $HYMEDIAN_SCREENSHOTS.
+TEST_F(ScreenDialog, LooksRightInLightAndDark) {
     InstallItems(DialogItemList());
-    const Step look = [](QDialog *window) {
-        const QList<QWidget *> widgets = window->findChildren<QWidget *>(Qt::FindDirectChildrenOnly);
-        const QRect inside = window->rect().adjusted(8, 8, -8, -8);
-        const Rect &preview = model::OpenDialogs().back()->window.port.drawn;
-        const QRect picture(QPoint(preview.left, preview.top), QPoint(preview.right - 1, preview.bottom - 1));
-        for (const QWidget *widget : widgets) {
-            SCOPED_TRACE(widget->accessibleName().toStdString());
-            EXPECT_TRUE(inside.contains(widget->geometry()));
-            EXPECT_FALSE(picture.intersects(widget->geometry()));
-            for (const QWidget *other : widgets) {
-                EXPECT_TRUE(widget == other || !widget->geometry().intersects(other->geometry()));
+    ASSERT_EQ(UseScreenDialogs(), noErr);
+    const QPalette usual = QApplication::palette();
+    const std::pair<const char *, QPalette> themes[] = {{"/light.png", usual}, {"/dark.png", DarkPalette()}};
+    for (const auto &[name, palette] : themes) {
+        SCOPED_TRACE(name);
+        QApplication::setPalette(palette);
+        const Step look = [&, file = name, background = palette.color(QPalette::Window)](QDialog *window) {
+            ExpectCleanLayout(window);
+            const QImage shot = window->grab().toImage();
+            EXPECT_EQ(shot.pixelColor(2, 2), background);
+            if (const char *place = std::getenv("HYMEDIAN_SCREENSHOTS"); place != nullptr) {
+                EXPECT_TRUE(shot.save(QString(place) + file));
             }
-            if (qobject_cast<const QLabel *>(widget) != nullptr) {
-                EXPECT_GE(widget->width(), widget->sizeHint().width());
-                EXPECT_GE(widget->height(), widget->sizeHint().height());
-            }
-        }
-        if (const char *path = std::getenv("HYMEDIAN_SCREENSHOT"); path != nullptr) {
-            EXPECT_TRUE(window->grab().save(path));
-        }
-    };
-    RunOnScreen(Photograph(), 2, {look, StepsOf({Click(kOK)})[0]});
+        };
+        RunOnScreen(Photograph(), 4, {look, StepsOf({Click(kOK)})[0]});
+    }
+    QApplication::setPalette(usual);
 }
 
 }  // namespace
