@@ -18,6 +18,7 @@ constexpr DialogBackend kShowsNothing = {
 };
 
 const DialogBackend *chosen;
+bool triedScreen;
 
 // The module lies beside this library.
 std::string ModulePath() {
@@ -32,8 +33,11 @@ std::string ModulePath() {
 }  // namespace
 
 const DialogBackend &CurrentDialogBackend() {
-    // Asked once: what is missing then is not going to come.
-    [[maybe_unused]] static const OSErr tried = chosen == nullptr ? UseScreenDialogs() : noErr;
+    // Tried once: what is missing then is not going to come.
+    if (chosen == nullptr && !triedScreen) {
+        triedScreen = true;
+        (void)UseScreenDialogs();
+    }
     return chosen == nullptr ? kShowsNothing : *chosen;
 }
 

@@ -366,6 +366,10 @@ std::unique_ptr<DialogWindow> qt::MakeDialogWindow(DialogRecord *dialog) {
 }
 
 void qt::Refresh(DialogWindow *shown) {
+    if (!shown->stale) {
+        return;
+    }
+    shown->stale = false;
     RefreshBars(shown);
     for (size_t i = 0; i < shown->items.size(); ++i) {
         RefreshItem(shown, i);

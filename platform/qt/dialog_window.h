@@ -24,6 +24,7 @@ struct DialogWindow {
     std::vector<BarWidget> bars;
     UserInput input;
     int32_t selectionCount;  // of the model's selection shown last
+    bool stale = true;       // the plug-in may have changed the model
 };
 
 // The widgets of the items; the window shows with the first refresh.

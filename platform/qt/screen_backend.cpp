@@ -46,6 +46,7 @@ bool NextEvent(DialogRecord *dialog, EventRecord *event) {
     }
     input.current = input.actions.front();
     input.actions.pop_front();
+    shown->stale = true;
     if (input.current.item != 0) {
         dialog->focusItem = input.current.item;
     }

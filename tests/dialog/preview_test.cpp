@@ -3,6 +3,7 @@
 #include <array>
 #include <cstring>
 
+#include "dialog/dialog_utilities.h"
 #include "dialog/proxy_draw.h"
 #include "dialog/work_line.h"
 #include "median/hybrid_filter.h"
@@ -188,6 +189,41 @@ TEST_F(PreviewPicture, StaysGrayWithoutAWorkImageAndEmptyWithoutAPicture) {
     }
     EXPECT_TRUE(sawGray);
     EXPECT_TRUE(sawNothing);
+}
+
+TEST_F(PreviewPicture, IsDrawnUntintedAndLeavesPortAndPenAlone) {
+    ScriptedSession session;
+    UseScriptedDialogs(&session);
+    DialogRef dialog = GetNewMooDialog(kRadiusDialogID, nullptr, nullptr);
+    const Rect bounds = {0, 0, kPreviewHeight, kPreviewWidth};
+    const RGBColor red = {0xFFFF, 0, 0};
+    const RGBColor color = {0x1234, 0x5678, 0x9ABC};
+    GWorldPtr picture;
+    ASSERT_EQ(NewGWorld(&picture, 32, &bounds, nullptr, nullptr, useTempMem), noErr);
+    SetPort(GetDialogPort(dialog));
+    RGBForeColor(&red);
+    RGBBackColor(&red);
+    SetPort(picture);
+    RGBForeColor(&color);
+    PaintRect(&bounds);
+    const PenState pen = {{1, 2}, {3, 4}, srcCopy};
+    SetPenState(&pen);
+
+    SetupProxyDraw(dialog, kPreviewItem, picture);
+    EXPECT_EQ(gProxyPtr, picture);
+    gUserItemProxyDraw(dialog, kPreviewItem);
+    EXPECT_EQ(PixelOf(StateOf(*dialog), 0, 0), (Color{0x12, 0x56, 0x9A}));
+    EXPECT_EQ(PixelOf(StateOf(*dialog), kPreviewWidth - 1, kPreviewHeight - 1), (Color{0x12, 0x56, 0x9A}));
+    GrafPtr port;
+    GetPort(&port);
+    EXPECT_EQ(port, picture);
+    PenState left;
+    GetPenState(&left);
+    EXPECT_EQ(left.pnSize.v, 3);
+    EXPECT_EQ(left.pnSize.h, 4);
+    gProxyPtr = nullptr;
+    DisposeGWorld(picture);
+    DisposeDialog(dialog);
 }
 
 }  // namespace
