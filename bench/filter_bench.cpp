@@ -1,49 +1,113 @@
-// Megapixels per second of the filter, by radius and pixel layout, over noise.
+// Megapixels per second of the filter, by kernel, radius and pixel layout, over noise; and of the plain
+// routines, which define it, in the same run. scripts/performance-table.sh makes a table of ratios of them.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
 #include <random>
+#include <string>
 #include <vector>
 
 #include "median/hybrid_filter.h"
+#include "median/kernel/hybrid_kernel.h"
+#include "median/plain_filter.h"
 
 namespace {
 
-constexpr int16_t kSide = 256;
+constexpr int16_t kWidth = 3000;
+constexpr int16_t kHeight = 64;
+// The plain routines are slow enough to need no more.
+constexpr int16_t kPlainWidth = 256;
 
-NamedImage *MakeNoise(int16_t bytesPerPixel) {
-    NamedImage *image = nullptr;
-    if (MakeTempImage(kSide, kSide, bytesPerPixel, &image) != noErr) {
-        std::abort();
-    }
-    const bool deep = bytesPerPixel % 2 == 0;
+struct Layout {
+    const char *name;
+    PixelFormat format;
+    int16_t bytesPerPixel;
+};
+
+constexpr Layout kLayouts[] = {
+    {"gray8", PixelFormat::kGray8, 1},
+    {"gray16", PixelFormat::kGray16, 2},
+    {"rgb8", PixelFormat::kRgb8, 3},
+    {"rgb16", PixelFormat::kRgb16, 6},
+};
+
+std::vector<uint8_t> Noise(int16_t width, int16_t bytesPerPixel) {
+    std::vector<uint8_t> bytes(static_cast<size_t>(width * kHeight * bytesPerPixel));
     std::mt19937 random(1);
-    std::vector<uint8_t> row(static_cast<size_t>(kSide * bytesPerPixel));
-    for (int32_t y = 0; y < kSide; ++y) {
-        for (size_t i = 0; i < row.size(); ++i) {
-            // The high byte of a 16-bit sample stays within the range of 0 to 32768.
-            row[i] = static_cast<uint8_t>(deep && i % 2 == 1 ? random() & 0x7F : random());
-        }
-        PutLine(image, 0, y, static_cast<int32_t>(row.size()), row.data());
+    const bool deep = bytesPerPixel % 2 == 0;
+    for (size_t i = 0; i < bytes.size(); ++i) {
+        // The high byte of a 16-bit sample stays within the range of 0 to 32768.
+        bytes[i] = static_cast<uint8_t>(deep && i % 2 == 1 ? random() & 0x7F : random());
     }
-    return image;
+    return bytes;
 }
 
-void Filter(benchmark::State &state, int16_t bytesPerPixel) {
-    NamedImage *image = MakeNoise(bytesPerPixel);
-    const auto radius = static_cast<float>(state.range(0));
+// All pairs of samples whose distances the filter's definition counts for a pixel.
+double PairsPerPixel(int radius) {
+    const double samples = 4 * radius + 1;
+    return (radius == 1 ? 2 : 4) * samples * (samples - 1) / 2;
+}
+
+void Count(benchmark::State &state, int16_t width, int radius) {
+    const double pixels = static_cast<double>(width) * kHeight * static_cast<double>(state.iterations());
+    state.counters["MP/s"] = benchmark::Counter(pixels / 1e6, benchmark::Counter::kIsRate);
+    state.counters["ns/pair"] = benchmark::Counter(pixels * PairsPerPixel(radius) / 1e9,
+                                                   benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+void Plain(benchmark::State &state, Layout layout, int radius) {
+    const std::vector<uint8_t> noise = Noise(kPlainWidth, layout.bytesPerPixel);
+    std::vector<uint8_t> filtered(noise.size());
     for (auto iteration : state) {
         (void)iteration;
-        NewHyMedian(image, radius, false, nullptr, 1, 2, 3);
+        FilterPlainly({layout.format, kPlainWidth, kHeight, noise.data()}, radius, filtered.data());
     }
-    TossTempImage(image);
-    state.counters["MP/s"] =
-        benchmark::Counter(double{kSide} * kSide / 1e6, benchmark::Counter::kIsIterationInvariantRate);
+    Count(state, kPlainWidth, radius);
 }
 
-BENCHMARK_CAPTURE(Filter, gray8, 1)->DenseRange(1, 6)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Filter, gray16, 2)->DenseRange(1, 6)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Filter, rgb8, 3)->DenseRange(1, 6)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Filter, rgb16, 6)->DenseRange(1, 6)->Unit(benchmark::kMillisecond);
+// NewHyMedian, line access and all.
+void Kernel(benchmark::State &state, const HybridKernel *kernel, Layout layout, int radius) {
+    setenv("HYMEDIAN_KERNEL", kernel->name, 1);
+    NamedImage *image = nullptr;
+    if (MakeTempImage(kWidth, kHeight, layout.bytesPerPixel, &image) != noErr) {
+        state.SkipWithError("no memory for the image");
+        return;
+    }
+    const std::vector<uint8_t> noise = Noise(kWidth, layout.bytesPerPixel);
+    const int32_t rowBytes = kWidth * layout.bytesPerPixel;
+    for (auto iteration : state) {
+        (void)iteration;
+        state.PauseTiming();
+        for (int32_t y = 0; y < kHeight; ++y) {
+            PutLine(image, 0, y, rowBytes, noise.data() + y * rowBytes);
+        }
+        state.ResumeTiming();
+        NewHyMedian(image, static_cast<float>(radius), false, nullptr, 1, 2, 3);
+    }
+    TossTempImage(image);
+    Count(state, kWidth, radius);
+}
 
 }  // namespace
+
+int main(int count, char **arguments) {
+    for (const Layout &layout : kLayouts) {
+        for (int radius = 1; radius <= kHybridMaxRadius; ++radius) {
+            const std::string place = std::string(layout.name) + "/" + std::to_string(radius);
+            benchmark::RegisterBenchmark(("plain/" + place).c_str(), Plain, layout, radius)
+                ->Unit(benchmark::kMillisecond);
+            for (auto kernel = UsableHybridKernels(); *kernel != nullptr; ++kernel) {
+                benchmark::RegisterBenchmark(((*kernel)->name + ("/" + place)).c_str(), Kernel, *kernel,
+                                             layout, radius)
+                    ->Unit(benchmark::kMillisecond);
+            }
+        }
+    }
+    benchmark::Initialize(&count, arguments);
+    if (benchmark::ReportUnrecognizedArguments(count, arguments)) {
+        return 2;
+    }
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

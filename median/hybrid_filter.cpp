@@ -1,122 +1,129 @@
+// Streams an image through the kernel: a block of lines is filtered at a time, and written back a line per
+// step.
 #include "median/hybrid_filter.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <iterator>
 
-#include "median/neighborhood.h"
-#include "median/scheduled_median.h"
-#include "median/table_median.h"
+#include "median/kernel/hybrid_kernel.h"
 #include "platform/owned_block.h"
 
 namespace {
 
-constexpr int32_t kMargin = kMaxRadius;
-constexpr int32_t kBandLines = 2 * kMargin + 1;
-constexpr int32_t kCenterLine = kMargin;
+// Steps before the first line is written, and beyond the image's height in all. Hosts see them in the
+// progress.
+constexpr int32_t kLeadingSteps = 2 * kHybridMaxRadius;
 
-struct Color {
-    float r, g, b;
-};
+// More lines than this make blocks no faster.
+constexpr int32_t kMaxBlockLines = 32;
+constexpr int32_t kMaxWindowLines = kMaxBlockLines + 2 * kHybridMaxRadius;
 
-// The 13 lines around the one being computed; image pixel x sits at x + kMargin.
-using Band = std::array<Color *, kBandLines>;
-
-struct Candidates {
-    float r[7], g[7], b[7];
-};
-
-void SetCandidate(Candidates *candidates, int32_t index, const Color &color) {
-    candidates->r[index] = color.r;
-    candidates->g[index] = color.g;
-    candidates->b[index] = color.b;
-}
-
-Color CandidateAt(const Candidates &candidates, int32_t index) {
-    return {candidates.r[index], candidates.g[index], candidates.b[index]};
-}
-
-Color SetMedian(const Band &band, int32_t x, const PixelOffset *offsets, int32_t count) {
-    float r[kMaxSetSize], g[kMaxSetSize], b[kMaxSetSize];
-    for (int32_t i = 0; i < count; ++i) {
-        const Color &color =
-            band[static_cast<size_t>(kCenterLine + offsets[i].dy)][x + kMargin + offsets[i].dx];
-        r[i] = color.r;
-        g[i] = color.g;
-        b[i] = color.b;
-    }
-    const int32_t median = returnMedianScheduling(count, r, g, b);
-    return {r[median], g[median], b[median]};
-}
-
-Color FilteredPixel(const Band &band, int32_t x, const Neighborhood &sets, const uint32_t *table) {
-    const Color center = band[kCenterLine][x + kMargin];
-    Candidates candidates;
-    SetCandidate(&candidates, 0, SetMedian(band, x, sets.diagonal, sets.setSize));
-    SetCandidate(&candidates, 1, SetMedian(band, x, sets.upright, sets.setSize));
-    // At radius 1 the slanted sets would be the diagonals over again.
-    if (sets.setSize < 4 * 2 + 1) {
-        SetCandidate(&candidates, 2, center);
-        return CandidateAt(candidates, returnMedian(3, candidates.r, candidates.g, candidates.b, table));
-    }
-    SetCandidate(&candidates, 2, SetMedian(band, x, sets.firstSlanted, sets.setSize));
-    SetCandidate(&candidates, 3, SetMedian(band, x, sets.secondSlanted, sets.setSize));
-    // The centre counts three times: what differs little from its surroundings stays.
-    for (int32_t i = 4; i < 7; ++i) {
-        SetCandidate(&candidates, i, center);
-    }
-    return CandidateAt(candidates, returnMedianScheduling(7, candidates.r, candidates.g, candidates.b));
-}
-
-// How samples of a layout become colours and go back.
-template <typename Sample, size_t kSamples>
 struct Layout {
-    static void Widen(const uint8_t *bytes, int32_t width, Color *line) {
-        for (int32_t x = 0; x < width; ++x) {
-            Sample samples[kSamples];
-            std::memcpy(samples, bytes + static_cast<size_t>(x) * sizeof samples, sizeof samples);
-            line[x + kMargin] = {static_cast<float>(samples[0]), static_cast<float>(samples[kSamples / 2]),
-                                 static_cast<float>(samples[kSamples - 1])};
-        }
-        std::fill_n(line, kMargin, line[kMargin]);
-        std::fill_n(line + width + kMargin, kMargin, line[width + kMargin - 1]);
-    }
-
-    static void StorePixel(const Color &color, int32_t x, uint8_t *bytes) {
-        const float components[] = {color.r, color.g, color.b};
-        Sample samples[kSamples];
-        for (size_t i = 0; i < kSamples; ++i) {
-            samples[i] = static_cast<Sample>(components[i]);
-        }
-        std::memcpy(bytes + static_cast<size_t>(x) * sizeof samples, samples, sizeof samples);
-    }
-};
-
-struct LayoutCalls {
     int16_t bytesPerPixel;
-    void (*widen)(const uint8_t *bytes, int32_t width, Color *line);
-    void (*storePixel)(const Color &color, int32_t x, uint8_t *bytes);
+    PixelFormat format;
 };
 
-template <typename Sample, size_t kSamples>
-constexpr LayoutCalls CallsOf() {
-    using L = Layout<Sample, kSamples>;
-    return {sizeof(Sample) * kSamples, L::Widen, L::StorePixel};
+constexpr Layout kLayouts[] = {
+    {1, PixelFormat::kGray8},
+    {2, PixelFormat::kGray16},
+    {3, PixelFormat::kRgb8},
+    {6, PixelFormat::kRgb16},
+};
+
+// Null for a layout that is not filtered.
+const Layout *FindLayout(int16_t bytesPerPixel) {
+    const auto *found = std::find_if(std::begin(kLayouts), std::end(kLayouts), [=](const Layout &layout) {
+        return layout.bytesPerPixel == bytesPerPixel;
+    });
+    return found == std::end(kLayouts) ? nullptr : found;
 }
-
-constexpr LayoutCalls kLayouts[] = {
-    CallsOf<uint8_t, 1>(),
-    CallsOf<uint16_t, 1>(),
-    CallsOf<uint8_t, 3>(),
-    CallsOf<uint16_t, 3>(),
-};
 
 int32_t WholeRadius(float radius) {
-    if (radius >= float{kMaxRadius}) {
-        return kMaxRadius;
+    if (radius >= float{kHybridMaxRadius}) {
+        return kHybridMaxRadius;
     }
-    return radius >= 1.0f ? static_cast<int32_t>(radius) : 0;
+    return radius >= float{kHybridMinRadius} ? static_cast<int32_t>(radius) : 0;
+}
+
+// The lines around a block, each fetched once and before it is written, and the block's filtered lines.
+struct Stream {
+    NamedImage *image;
+    PixelFormat format;
+    int32_t radius;  // 0: lines come out as they are
+    int32_t width;
+    int32_t height;
+    int32_t rowBytes;
+    const HybridKernel *kernel;
+    int32_t blockLines;
+    int32_t windowLines;
+    int32_t fetchedLines;  // from the image's top
+    OwnedBlock<uint8_t> window;
+    OwnedBlock<uint8_t> filtered;
+    OwnedBlock<uint8_t> scratch;
+};
+
+bool AllocateBuffers(Stream *stream) {
+    stream->window = MakeOwnedBlock<uint8_t>(int64_t{stream->windowLines} * stream->rowBytes);
+    stream->filtered = MakeOwnedBlock<uint8_t>(int64_t{stream->blockLines} * stream->rowBytes);
+    const size_t scratchBytes =
+        stream->radius == 0 ? 0 : stream->kernel->scratchBytes(stream->format, stream->radius);
+    stream->scratch = MakeOwnedBlock<uint8_t>(static_cast<int64_t>(scratchBytes + kHybridScratchAlignment));
+    return stream->window != nullptr && stream->filtered != nullptr && stream->scratch != nullptr;
+}
+
+uint8_t *WindowLine(const Stream &stream, int32_t y) {
+    const int32_t clamped = std::clamp(y, 0, stream.height - 1);
+    return stream.window.get() + int64_t{clamped % stream.windowLines} * stream.rowBytes;
+}
+
+uint8_t *FilteredLine(const Stream &stream, int32_t y) {
+    return stream.filtered.get() + int64_t{y % stream.blockLines} * stream.rowBytes;
+}
+
+OSErr FetchLines(Stream *stream, int32_t end) {
+    OSErr err = noErr;
+    for (; err == noErr && stream->fetchedLines < std::min(end, stream->height); ++stream->fetchedLines) {
+        err = GetLine(stream->image, 0, stream->fetchedLines, stream->rowBytes,
+                      WindowLine(*stream, stream->fetchedLines));
+    }
+    return err;
+}
+
+void *AlignedScratch(const Stream &stream) {
+    void *scratch = stream.scratch.get();
+    size_t space = static_cast<size_t>(GetPtrSize(static_cast<Ptr>(scratch)));
+    return std::align(kHybridScratchAlignment, space - kHybridScratchAlignment, scratch, space);
+}
+
+OSErr FilterBlock(Stream *stream, int32_t firstLine) {
+    const int32_t lines = std::min(stream->blockLines, stream->height - firstLine);
+    const OSErr err = FetchLines(stream, firstLine + lines + stream->radius);
+    if (err != noErr) {
+        return err;
+    }
+    if (stream->radius == 0) {
+        for (int32_t y = firstLine; y < firstLine + lines; ++y) {
+            BlockMoveData(WindowLine(*stream, y), FilteredLine(*stream, y), stream->rowBytes);
+        }
+        return noErr;
+    }
+    const void *source[kMaxWindowLines];
+    void *target[kMaxBlockLines];
+    for (int32_t i = 0; i < lines + 2 * stream->radius; ++i) {
+        source[i] = WindowLine(*stream, firstLine - stream->radius + i);
+    }
+    for (int32_t i = 0; i < lines; ++i) {
+        target[i] = FilteredLine(*stream, firstLine + i);
+    }
+    stream->kernel->filter({stream->format, stream->radius, stream->width, lines, 0, stream->width, source,
+                            target, AlignedScratch(*stream)});
+    return noErr;
+}
+
+OSErr WriteFilteredLine(Stream *stream, int32_t y) {
+    const OSErr err = y % stream->blockLines == 0 ? FilterBlock(stream, y) : noErr;
+    return err != noErr ? err : PutLine(stream->image, 0, y, stream->rowBytes, FilteredLine(*stream, y));
 }
 
 }  // namespace
@@ -125,34 +132,25 @@ OSErr NewHyMedian(NamedImage *image, float radius, Boolean showProgress, const R
                   int32_t progressStart, int32_t progressEnd, int32_t progressTotal) {
     ImageData data;
     GetImageData(image, &data);
-    const auto *layout =
-        std::find_if(std::begin(kLayouts), std::end(kLayouts),
-                     [&](const LayoutCalls &calls) { return calls.bytesPerPixel == data.bytesPerPixel; });
-    if (layout == std::end(kLayouts) || data.width < 1 || data.height < 1) {
+    const Layout *layout = FindLayout(data.bytesPerPixel);
+    if (layout == nullptr || data.width < 1 || data.height < 1) {
         return noErr;
     }
-    const int32_t width = data.width;
-    const int32_t height = data.height;
-    const int32_t rowBytes = width * data.bytesPerPixel;
-
-    const Neighborhood sets = MakeNeighborhood(WholeRadius(radius));
-    uint32_t table[kSquareRootTableSize];
-    build_table(table);
-
-    const int64_t linePixels = width + 2 * kMargin;
-    const OwnedBlock<Color> lines = MakeOwnedBlock<Color>(linePixels * kBandLines);
-    const OwnedBlock<uint8_t> bytes = MakeOwnedBlock<uint8_t>(rowBytes);
-    if (lines == nullptr || bytes == nullptr) {
+    Stream stream = {};
+    stream.image = image;
+    stream.format = layout->format;
+    stream.radius = WholeRadius(radius);
+    stream.width = data.width;
+    stream.height = data.height;
+    stream.rowBytes = data.width * data.bytesPerPixel;
+    stream.kernel = SelectHybridKernel();
+    stream.blockLines = std::clamp(stream.kernel->pixelsPerBlock / stream.width, 1, kMaxBlockLines);
+    stream.windowLines = stream.blockLines + 2 * stream.radius;
+    if (!AllocateBuffers(&stream)) {
         return memFullErr;
     }
-    Band band;
-    for (size_t i = 0; i < band.size(); ++i) {
-        band[i] = lines.get() + static_cast<int64_t>(i) * linePixels;
-    }
 
-    // Every line that is still to be read lies at least six below the last one written, so the filter works
-    // in place.
-    const int32_t steps = height + 2 * kMargin;
+    const int32_t steps = stream.height + kLeadingSteps;
     for (int32_t t = 0; t < steps; ++t) {
         if (showProgress) {
             const auto share = int64_t{progressEnd - progressStart} * t * 100 / steps;
@@ -161,18 +159,10 @@ OSErr NewHyMedian(NamedImage *image, float radius, Boolean showProgress, const R
                 return userCanceledErr;
             }
         }
-        OSErr err = GetLine(image, 0, std::clamp(t - kMargin, 0, height - 1), rowBytes, bytes.get());
-        layout->widen(bytes.get(), width, band.back());
-        if (t >= 2 * kMargin) {
-            for (int32_t x = 0; x < width; ++x) {
-                layout->storePixel(FilteredPixel(band, x, sets, table), x, bytes.get());
-            }
-            err = err == noErr ? PutLine(image, 0, t - 2 * kMargin, rowBytes, bytes.get()) : err;
-        }
+        const OSErr err = t < kLeadingSteps ? noErr : WriteFilteredLine(&stream, t - kLeadingSteps);
         if (err != noErr) {
             return err;
         }
-        std::rotate(band.begin(), band.begin() + 1, band.end());
     }
     return noErr;
 }

@@ -67,6 +67,10 @@ OSErr faults::FileCallError() {
     return Strikes(&fileCallsUntilFailure) ? fileCallError.load() : noErr;
 }
 
+bool faults::HasDiskSpace(int64_t bytes) {
+    return diskSpace < 0 || bytes <= diskSpace;
+}
+
 int64_t faults::TakeDiskSpace(int64_t bytes) {
     if (diskSpace < 0) {
         return bytes;

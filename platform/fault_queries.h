@@ -15,5 +15,6 @@ bool TemporaryMemoryRefused();
 OSErr FileCallError();
 // How many of the bytes a write may write. They count as written.
 int64_t TakeDiskSpace(int64_t bytes);
+bool HasDiskSpace(int64_t bytes);
 
 }  // namespace faults

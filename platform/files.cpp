@@ -309,6 +309,10 @@ OSErr AllocContig(int16_t refNum, int64_t *count) {
     if (const OSErr injected = faults::FileCallError(); injected != noErr) {
         return injected;
     }
+    if (!faults::HasDiskSpace(*count)) {
+        *count = 0;
+        return dskFulErr;
+    }
     if (fallocate(DescriptorOf(refNum), FALLOC_FL_KEEP_SIZE, 0, *count) != 0) {
         *count = 0;
         return LastError();

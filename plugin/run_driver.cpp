@@ -50,9 +50,14 @@ void MakeImages(PluginState *state, const RunGeometry &run) {
     }
 }
 
+// Whether the host delivered a row of that many bytes. Hosts that say nothing of row bytes are believed.
+bool HasRow(const void *data, int32_t rowBytes, int64_t needed) {
+    return data != nullptr && (rowBytes <= 0 || rowBytes >= needed);
+}
+
 void StoreMaskRow(PluginState *state, const RunGeometry &run) {
     const auto *mask = static_cast<const uint8_t *>(state->filterRecord->maskData);
-    if (mask == nullptr) {
+    if (!HasRow(mask, state->filterRecord->maskRowBytes, run.width)) {
         return;
     }
     PutLine(state->selectionImage, 0, run.row, run.width, mask);
@@ -61,9 +66,13 @@ void StoreMaskRow(PluginState *state, const RunGeometry &run) {
     }
 }
 
+int64_t DeliveredRowBytes(const RunGeometry &run) {
+    return int64_t{run.width} * run.planes * run.sampleBytes;
+}
+
 OSErr ReadRow(PluginState *state, const RunGeometry &run) {
     FilterRecord *record = state->filterRecord;
-    if (record->inData == nullptr) {
+    if (!HasRow(record->inData, record->inRowBytes, DeliveredRowBytes(run))) {
         return End(state, filterBadParameters);
     }
     if (state->image == nullptr) {
@@ -107,7 +116,7 @@ OSErr ReadRow(PluginState *state, const RunGeometry &run) {
 
 OSErr WriteRow(PluginState *state, const RunGeometry &run) {
     FilterRecord *record = state->filterRecord;
-    if (record->outData == nullptr) {
+    if (!HasRow(record->outData, record->outRowBytes, DeliveredRowBytes(run))) {
         return End(state, filterBadParameters);
     }
     OSErr err = GetLine(state->image, 0, run.row, FilteredRowBytes(run), record->outData);

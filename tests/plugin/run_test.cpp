@@ -287,29 +287,6 @@ TEST_F(Run, MasksOfEveryKindAreTaken) {
     }
 }
 
-TEST_F(Run, EveryFailingAllocationLeavesTheDocumentOrTheResult) {
-    const TestDocument document = Document(plugInModeRGB48, 16, 4, 9, 7);
-    const TestRun whole = Play(document, 2);
-    int failures = 0;
-    for (int64_t n = 1; n <= 60; ++n) {
-        std::filesystem::remove(folder / "WEMBpref");
-        PIDescriptorParameters parameters = script::Parameters({{kRadiusKey, typeFloat, 2}}, 0);
-        faults::FailAllocation(n);
-        const TestRun run = RunPlugin(document, {true, -1, &parameters});
-        faults::FailAllocation(0);
-        DisposeHandle(parameters.descriptor);
-        const bool right = run.result == noErr && run.destination == whole.destination;
-        const bool refused = run.result == memFullErr && run.destination == document.source;
-        // A script that cannot be read is one that was not there.
-        const bool defaulted =
-            run.result == noErr && script::recorded.size() == 1 && script::recorded[0].number == 1;
-        EXPECT_TRUE(right || refused || defaulted) << n << ": " << run.result;
-        failures += refused;
-        EXPECT_EQ(FileCount(), 0u);
-    }
-    EXPECT_GE(failures, 8);
-}
-
 TEST_F(Run, SelectorsAnswerAndKeepTheirState) {
     FilterRecord record = {};
     intptr_t data = 0;

@@ -1,0 +1,48 @@
+// Hybrid vector median filter over a block of lines.
+#pragma once
+
+#include <cstddef>
+
+// Lines are arrays of 8-bit or 16-bit samples, the latter aligned and in the machine's byte order; RGB
+// samples are interleaved.
+enum class PixelFormat { kGray8, kGray16, kRgb8, kRgb16 };
+
+constexpr int kHybridMinRadius = 1;
+constexpr int kHybridMaxRadius = 6;
+
+// Filters the columns firstColumn .. lastColumn - 1 of lineCount successive lines.
+struct HybridBlock {
+    PixelFormat format;
+    int radius;
+    int width;
+    int lineCount;
+    int firstColumn, lastColumn;
+    // lineCount + 2 * radius lines of width pixels; the first lies radius lines above the first output line.
+    // Lines beyond the image's top and bottom are given by repeating its first and last line.
+    const void *const *source;
+    // lineCount lines of width pixels, none of them a source line. Other columns are left alone.
+    void *const *target;
+    // At least scratchBytes() bytes, aligned to kHybridScratchAlignment; contents are of no account. Blocks
+    // filtered at the same time need scratch memory of their own.
+    void *scratch;
+};
+
+constexpr std::size_t kHybridScratchAlignment = 64;
+
+struct HybridKernel {
+    const char *name;
+    // As many pixels as are filtered in some ten milliseconds at the largest radius, for callers that look up
+    // between blocks.
+    int pixelsPerBlock;
+    std::size_t (*scratchBytes)(PixelFormat format, int radius);
+    void (*filter)(const HybridBlock &block);
+};
+
+// The kernels this machine can run, slowest first; ends with a null pointer. All give the same results.
+const HybridKernel *const *UsableHybridKernels();
+
+// The usable kernel of that name, or null.
+const HybridKernel *FindHybridKernel(const char *name);
+
+// The kernel named by the environment variable HYMEDIAN_KERNEL if it is usable, otherwise the fastest one.
+const HybridKernel *SelectHybridKernel();

@@ -1,0 +1,107 @@
+// How pixels of each format are read, computed with and written.
+//
+// Between source and target a pixel is kept as one or two words holding its samples, so that a median can
+// carry its choice along in few registers. Distances are taken between points, unpacked from them.
+#pragma once
+
+#include "simd.h"
+
+namespace HYBRID_VARIANT {
+
+template <std::size_t Words>
+struct Packed {
+    Int word[Words];
+};
+
+template <typename Vector, std::size_t Components>
+struct Point {
+    Vector component[Components];
+};
+
+template <typename SampleType>
+struct Gray {
+    using Sample = SampleType;
+    static constexpr int kSamplesPerPixel = 1;
+    static constexpr std::size_t kWords = 1;
+    using Component = float;
+    static constexpr std::size_t kComponents = 1;
+
+    static void Read(const Sample *from, std::int32_t *const *words, int at) { words[0][at] = from[0]; }
+
+    static void Write(const std::int32_t *const *words, int at, Sample *to) {
+        to[0] = static_cast<Sample>(words[0][at]);
+    }
+
+    static Point<Float, 1> Unpack(const Packed<1> &p) { return {{ToFloat(p.word[0])}}; }
+
+    // Of three equal components.
+    static Float SquaredDistance(const Point<Float, 1> &a, const Point<Float, 1> &b) {
+        const Float d = a.component[0] - b.component[0];
+        const Float square = d * d;
+        return (square + square) + square;
+    }
+};
+
+struct Rgb8 {
+    using Sample = std::uint8_t;
+    static constexpr int kSamplesPerPixel = 3;
+    static constexpr std::size_t kWords = 1;
+    using Component = std::int32_t;
+    static constexpr std::size_t kComponents = 2;
+
+    static void Read(const Sample *from, std::int32_t *const *words, int at) {
+        words[0][at] = from[0] | from[1] << 8 | from[2] << 16;
+    }
+
+    static void Write(const std::int32_t *const *words, int at, Sample *to) {
+        const std::int32_t word = words[0][at];
+        to[0] = static_cast<Sample>(word);
+        to[1] = static_cast<Sample>(word >> 8);
+        to[2] = static_cast<Sample>(word >> 16);
+    }
+
+    // Red and blue as a pair of 16-bit numbers, green alone.
+    static Point<Int, 2> Unpack(const Packed<1> &p) {
+        return {{p.word[0] & 0x00FF00FF, p.word[0] >> 8 & 0xFF}};
+    }
+
+    // The squares and their sums are whole numbers below 2^24, so the order of the additions is of no
+    // account.
+    static Float SquaredDistance(const Point<Int, 2> &a, const Point<Int, 2> &b) {
+        const Int redBlue = SumSquaresOfPairs(SubtractPairs(a.component[0], b.component[0]));
+        const Int green = SumSquaresOfPairs(SubtractPairs(a.component[1], b.component[1]));
+        return ToFloat(redBlue + green);
+    }
+};
+
+struct Rgb16 {
+    using Sample = std::uint16_t;
+    static constexpr int kSamplesPerPixel = 3;
+    static constexpr std::size_t kWords = 2;
+    using Component = float;
+    static constexpr std::size_t kComponents = 3;
+
+    static void Read(const Sample *from, std::int32_t *const *words, int at) {
+        words[0][at] = static_cast<std::int32_t>(from[0] | static_cast<std::uint32_t>(from[1]) << 16);
+        words[1][at] = from[2];
+    }
+
+    static void Write(const std::int32_t *const *words, int at, Sample *to) {
+        to[0] = static_cast<Sample>(words[0][at]);
+        to[1] = static_cast<Sample>(words[0][at] >> 16);
+        to[2] = static_cast<Sample>(words[1][at]);
+    }
+
+    static Point<Float, 3> Unpack(const Packed<2> &p) {
+        return {{ToFloat(p.word[0] & 0xFFFF), ToFloat(p.word[0] >> 16 & 0xFFFF), ToFloat(p.word[1])}};
+    }
+
+    static Float SquaredDistance(const Point<Float, 3> &a, const Point<Float, 3> &b) {
+        const Float d0 = a.component[0] - b.component[0];
+        const Float d1 = a.component[1] - b.component[1];
+        const Float d2 = a.component[2] - b.component[2];
+        return (d0 * d0 + d1 * d1) + d2 * d2;
+    }
+};
+
+}  // namespace HYBRID_VARIANT

@@ -1,0 +1,66 @@
+// Vectors of HYBRID_LANES pixels, in the compiler's own vector types.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#ifdef __SSE2__
+#include <immintrin.h>
+#endif
+
+namespace HYBRID_VARIANT {
+
+constexpr int kLanes = HYBRID_LANES;
+
+typedef float Float __attribute__((vector_size(4 * kLanes)));
+typedef std::int32_t Int __attribute__((vector_size(4 * kLanes)));
+typedef std::int16_t Int16Pairs __attribute__((vector_size(4 * kLanes)));
+typedef Float UnalignedFloat __attribute__((aligned(4), may_alias));
+typedef Int UnalignedInt __attribute__((aligned(4), may_alias));
+
+inline Float Load(const float *from) {
+    return *reinterpret_cast<const UnalignedFloat *>(from);
+}
+inline Int Load(const std::int32_t *from) {
+    return *reinterpret_cast<const UnalignedInt *>(from);
+}
+inline void Store(float *to, Float value) {
+    *reinterpret_cast<UnalignedFloat *>(to) = value;
+}
+inline void Store(std::int32_t *to, Int value) {
+    *reinterpret_cast<UnalignedInt *>(to) = value;
+}
+
+inline Int Bits(Float value) {
+    return reinterpret_cast<Int>(value);
+}
+inline Float FromBits(Int bits) {
+    return reinterpret_cast<Float>(bits);
+}
+inline Float ToFloat(Int value) {
+    return __builtin_convertvector(value, Float);
+}
+
+// Each lane two 16-bit numbers: their differences, and the sum of their squares.
+inline Int SubtractPairs(Int a, Int b) {
+    return reinterpret_cast<Int>(reinterpret_cast<Int16Pairs>(a) - reinterpret_cast<Int16Pairs>(b));
+}
+
+inline Int SumSquaresOfPairs(Int pairs) {
+#if HYBRID_LANES == 16
+    const __m512i x = reinterpret_cast<__m512i>(pairs);
+    return reinterpret_cast<Int>(_mm512_madd_epi16(x, x));
+#elif HYBRID_LANES == 8
+    const __m256i x = reinterpret_cast<__m256i>(pairs);
+    return reinterpret_cast<Int>(_mm256_madd_epi16(x, x));
+#elif HYBRID_LANES == 4
+    const __m128i x = reinterpret_cast<__m128i>(pairs);
+    return reinterpret_cast<Int>(_mm_madd_epi16(x, x));
+#else
+    const Int low = pairs << 16 >> 16;
+    const Int high = pairs >> 16;
+    return low * low + high * high;
+#endif
+}
+
+}  // namespace HYBRID_VARIANT

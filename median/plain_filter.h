@@ -1,0 +1,18 @@
+// The hybrid median filter as it is defined, pixel by pixel. The kernels give the same results faster; this
+// is what they are tested and measured against.
+#pragma once
+
+#include <cstdint>
+
+#include "median/kernel/hybrid_kernel.h"
+
+// A whole image in memory, rows without gaps.
+struct PlainImage {
+    PixelFormat format;
+    int32_t width;
+    int32_t height;
+    const uint8_t *bytes;
+};
+
+// `filtered` is as large as the image. Radius 1 to 6.
+void FilterPlainly(const PlainImage &image, int32_t radius, uint8_t *filtered);

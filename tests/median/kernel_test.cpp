@@ -1,0 +1,136 @@
+// Every kernel that this machine can run against the filter as it is defined.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <random>
+#include <vector>
+
+#include "median/kernel/hybrid_kernel.h"
+#include "median/plain_filter.h"
+
+namespace {
+
+struct Format {
+    PixelFormat format;
+    int samples;
+    int sampleBytes;
+};
+
+constexpr Format kFormats[] = {
+    {PixelFormat::kGray8, 1, 1},
+    {PixelFormat::kGray16, 1, 2},
+    {PixelFormat::kRgb8, 3, 1},
+    {PixelFormat::kRgb16, 3, 2},
+};
+
+// Random samples decide by distance, few values and flat pictures by the order of the samples.
+enum class Content { kRandom, kThreeValues, kNarrowRange, kFlat };
+constexpr Content kContents[] = {Content::kRandom, Content::kThreeValues, Content::kNarrowRange,
+                                 Content::kFlat};
+
+class Kernels : public testing::TestWithParam<int> {
+  protected:
+    std::vector<uint8_t> MakePixels(const Format &format, int width, int height, Content content) {
+        const uint32_t top = format.sampleBytes == 1 ? 255 : 65535;
+        const uint32_t values[3] = {Next() % (top + 1), Next() % (top + 1), top};
+        std::vector<uint8_t> bytes;
+        for (int i = 0; i < width * height * format.samples; ++i) {
+            const uint32_t sample = content == Content::kRandom        ? Next() & top
+                                    : content == Content::kThreeValues ? values[Next() % 3]
+                                    : content == Content::kNarrowRange ? top - Next() % 4
+                                                                       : values[0];
+            for (int b = 0; b < format.sampleBytes; ++b) {
+                bytes.push_back(static_cast<uint8_t>(sample >> (8 * b)));
+            }
+        }
+        return bytes;
+    }
+
+    uint32_t Next() { return static_cast<uint32_t>(random()); }
+
+    std::mt19937 random{7};
+};
+
+struct Blocks {
+    int lines;
+    int columns;
+};
+
+// Filters block by block; every line in memory of its own, so that a sanitizer sees what is read or written
+// beyond it, and scratch memory full of what is no number.
+std::vector<uint8_t> FilterInBlocks(const HybridKernel &kernel, const Format &format, int width, int height,
+                                    const std::vector<uint8_t> &pixels, int radius, Blocks blocks) {
+    const size_t rowBytes = static_cast<size_t>(width * format.samples * format.sampleBytes);
+    std::vector<std::unique_ptr<uint8_t[]>> source, target;
+    for (size_t y = 0; y < static_cast<size_t>(height); ++y) {
+        source.emplace_back(new uint8_t[rowBytes]);
+        std::copy_n(pixels.data() + y * rowBytes, rowBytes, source.back().get());
+        target.emplace_back(new uint8_t[rowBytes]);
+    }
+    const size_t scratchBytes = kernel.scratchBytes(format.format, radius);
+    const std::unique_ptr<void, void (*)(void *)> scratch(
+        std::aligned_alloc(kHybridScratchAlignment, scratchBytes), std::free);
+    std::memset(scratch.get(), 0xFF, scratchBytes);
+    for (int y = 0; y < height; y += blocks.lines) {
+        const int lines = std::min(blocks.lines, height - y);
+        std::vector<const void *> sourceLines;
+        std::vector<void *> targetLines;
+        for (int i = -radius; i < lines + radius; ++i) {
+            sourceLines.push_back(source[static_cast<size_t>(std::clamp(y + i, 0, height - 1))].get());
+        }
+        for (int i = 0; i < lines; ++i) {
+            targetLines.push_back(target[static_cast<size_t>(y + i)].get());
+        }
+        for (int x = 0; x < width; x += blocks.columns) {
+            kernel.filter({format.format, radius, width, lines, x, std::min(x + blocks.columns, width),
+                           sourceLines.data(), targetLines.data(), scratch.get()});
+        }
+    }
+    std::vector<uint8_t> filtered;
+    for (const auto &line : target) {
+        filtered.insert(filtered.end(), line.get(), line.get() + rowBytes);
+    }
+    return filtered;
+}
+
+TEST_P(Kernels, GiveWhatTheDefinitionGives) {
+    constexpr int kSizes[][2] = {{1, 1}, {1, 30}, {70, 1}, {2, 3}, {37, 23}, {129, 9}, {531, 3}};
+    constexpr Blocks kBlocks[] = {{1, 1 << 20}, {3, 100}, {8, 7}, {64, 1 << 20}};
+    const int radius = GetParam();
+    size_t picture = 0;
+    for (const auto &[width, height] : kSizes) {
+        for (const Format &format : kFormats) {
+            for (const Content content : kContents) {
+                const std::vector<uint8_t> pixels = MakePixels(format, width, height, content);
+                std::vector<uint8_t> defined(pixels.size());
+                FilterPlainly({format.format, width, height, pixels.data()}, radius, defined.data());
+                for (auto kernel = UsableHybridKernels(); *kernel != nullptr; ++kernel) {
+                    const Blocks blocks = kBlocks[picture++ % std::size(kBlocks)];
+                    ASSERT_EQ(FilterInBlocks(**kernel, format, width, height, pixels, radius, blocks),
+                              defined)
+                        << (*kernel)->name << ", " << width << " x " << height << ", " << format.samples
+                        << " x " << format.sampleBytes << " bytes, blocks of " << blocks.lines
+                        << " lines and " << blocks.columns << " columns";
+                }
+            }
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryRadius, Kernels, testing::Range(1, 7));
+
+TEST(KernelChoice, EnvironmentNamesAKernelThatRuns) {
+    const HybridKernel *fastest = SelectHybridKernel();
+    for (auto kernel = UsableHybridKernels(); *kernel != nullptr; ++kernel) {
+        setenv("HYMEDIAN_KERNEL", (*kernel)->name, 1);
+        EXPECT_EQ(SelectHybridKernel(), *kernel);
+    }
+    setenv("HYMEDIAN_KERNEL", "no such kernel", 1);
+    EXPECT_EQ(SelectHybridKernel(), fastest);
+    unsetenv("HYMEDIAN_KERNEL");
+}
+
+}  // namespace
