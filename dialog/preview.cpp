@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "dialog/copy_colors.h"
 #include "dialog/work_line.h"
 #include "median/hybrid_filter.h"
 #include "platform/memory.h"
@@ -13,8 +14,6 @@ constexpr int16_t kWorkBytesPerPixel = 3;
 constexpr int16_t kPictureDepth = 32;
 constexpr int32_t kRowBytesMask = 0x3FFF;
 constexpr RGBColor kGray = {0x7FFF, 0x7FFF, 0x7FFF};
-constexpr RGBColor kWhite = {0xFFFF, 0xFFFF, 0xFFFF};
-constexpr RGBColor kBlack = {0, 0, 0};
 
 GWorldPtr MakePicture(const Rect &frame) {
     Rect bounds = frame;
@@ -30,9 +29,7 @@ GWorldPtr MakePicture(const Rect &frame) {
     SetGWorld(picture, nullptr);
     RGBForeColor(&kGray);
     PaintRect(&bounds);
-    // Other colours would tint the picture whenever it is copied.
-    RGBBackColor(&kWhite);
-    RGBForeColor(&kBlack);
+    SetCopyColors();
     UnlockPixels(GetGWorldPixMap(picture));
     SetGWorld(savedPort, savedDevice);
     return picture;

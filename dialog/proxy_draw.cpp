@@ -1,16 +1,10 @@
 #include "dialog/proxy_draw.h"
 
+#include "dialog/copy_colors.h"
 #include "dialog/dialog_utilities.h"
 
 UserItemUPP gUserItemProxyDraw;
 GWorldPtr gProxyPtr;
-
-namespace {
-
-constexpr RGBColor kBlack = {0, 0, 0};
-constexpr RGBColor kWhite = {0xFFFF, 0xFFFF, 0xFFFF};
-
-}  // namespace
 
 void SetupProxyDraw(DialogRef dialog, int16_t item, GWorldPtr world) {
     gUserItemProxyDraw = NewUserItemUPP(ProxyDraw);
@@ -32,8 +26,7 @@ void ProxyDraw(DialogRef dialog, int16_t item) {
     GetPenState(&pen);
     CGrafPtr port = GetDialogPort(dialog);
     SetPort(port);
-    RGBForeColor(&kBlack);
-    RGBBackColor(&kWhite);
+    SetCopyColors();
 
     Rect place;
     GetDRect(dialog, item, &place);
