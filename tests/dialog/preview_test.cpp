@@ -87,8 +87,9 @@ TEST_F(PreviewPicture, ShowsThePieceOfTheFilteredImage) {
     const struct {
         int16_t width, height, bytesPerPixel, colorPlanes;
     } layouts[] = {
-        {130, 97, 3, 3}, {130, 97, 1, 1}, {130, 97, 6, 3}, {130, 97, 2, 1}, {130, 97, 4, -3}, {130, 97, 8, 3},
-        {40, 30, 3, 3},  {40, 30, 1, 1},  {40, 30, 2, 1},  {101, 30, 6, 3}, {5, 90, 1, 1},    {1, 1, 3, 3},
+        {130, 97, 3, 3}, {130, 97, 1, 1}, {130, 97, 6, 3}, {130, 97, 2, 1}, {130, 97, 4, -3},
+        {130, 97, 8, 3}, {40, 30, 3, 3},  {40, 30, 1, 1},  {40, 30, 2, 1},  {101, 30, 6, 3},
+        {5, 90, 1, 1},   {5, 90, 2, 1},   {9, 90, 2, 1},   {1, 1, 3, 3},
     };
     for (const auto &layout : layouts) {
         SCOPED_TRACE(testing::Message() << "layout " << &layout - layouts);
