@@ -61,9 +61,8 @@ bool NextEvent(DialogRecord *dialog, EventRecord *event) {
 void Edit(DialogRecord *dialog, int16_t item, const EventRecord &event) {
     const qt::Action &action = WindowOf(dialog)->input.current;
     if (event.what == keyDown) {
-        model::ItemAt(dialog, item)->text = {UTF8ToMacRoman(action.text.toStdString()),
-                                             static_cast<size_t>(action.selectionStart),
-                                             static_cast<size_t>(action.selectionEnd)};
+        const auto caret = static_cast<size_t>(action.caret);
+        model::ItemAt(dialog, item)->text = {UTF8ToMacRoman(action.text.toStdString()), caret, caret};
     }
 }
 

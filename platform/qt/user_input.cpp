@@ -29,6 +29,31 @@ qt::Delivery DeliveryOf(const QEvent &event) {
 
 }  // namespace
 
+void qt::PostPress(UserInput *input, const Rect &bounds, TrackedPart tracked) {
+    Action action = {};
+    action.event.what = mouseDown;
+    action.place = {static_cast<int16_t>((bounds.top + bounds.bottom) / 2),
+                    static_cast<int16_t>((bounds.left + bounds.right) / 2)};
+    action.tracked = tracked;
+    input->actions.push_back(action);
+}
+
+void qt::PostEdit(UserInput *input, int16_t item, const QString &text, int caret) {
+    Action action = {};
+    action.event.what = keyDown;
+    action.item = item;
+    action.text = text;
+    action.caret = caret;
+    input->actions.push_back(action);
+}
+
+void qt::PostEscape(UserInput *input) {
+    Action action = {};
+    action.event.what = keyDown;
+    action.event.message = kEscapeCharCode;
+    input->actions.push_back(action);
+}
+
 bool qt::HoldBack(UserInput *input, const QEvent &event) {
     const bool busy = !input->actions.empty() || (!input->held.empty() && !input->releasing);
     if (!busy ||

@@ -20,8 +20,7 @@ struct Action {
     int16_t item;  // of the text field that was edited
     TrackedPart tracked;
     QString text;  // of a text field after the user's edit
-    int selectionStart;
-    int selectionEnd;
+    int caret;
 };
 
 // Hands an event that was held back to the window.
@@ -33,6 +32,12 @@ struct UserInput {
     std::deque<Delivery> held;
     bool releasing;
 };
+
+// Hand an action to the plug-in: the mouse on the middle of `bounds` and what came of it, a text after an
+// edit, the key.
+void PostPress(UserInput *input, const Rect &bounds, TrackedPart tracked);
+void PostEdit(UserInput *input, int16_t item, const QString &text, int caret);
+void PostEscape(UserInput *input);
 
 // True when an event of the window is kept for later and must not be delivered now. The window, not its
 // widgets: the focus moves with a click before the widget hears of it.
