@@ -79,7 +79,7 @@ void Kernel(benchmark::State &state, const HybridKernel *kernel, Layout layout, 
         (void)iteration;
         state.PauseTiming();
         for (int32_t y = 0; y < kHeight; ++y) {
-            PutLine(image, 0, y, rowBytes, noise.data() + y * rowBytes);
+            PutLine(image, 0, y, rowBytes, noise.data() + int64_t{y} * rowBytes);
         }
         state.ResumeTiming();
         NewHyMedian(image, static_cast<float>(radius), false, nullptr, 1, 2, 3);
@@ -96,7 +96,7 @@ int main(int count, char **arguments) {
             const std::string place = std::string(layout.name) + "/" + std::to_string(radius);
             benchmark::RegisterBenchmark(("plain/" + place).c_str(), Plain, layout, radius)
                 ->Unit(benchmark::kMillisecond);
-            for (auto kernel = UsableHybridKernels(); *kernel != nullptr; ++kernel) {
+            for (const auto *kernel = UsableHybridKernels(); *kernel != nullptr; ++kernel) {
                 benchmark::RegisterBenchmark(((*kernel)->name + ("/" + place)).c_str(), Kernel, *kernel,
                                              layout, radius)
                     ->Unit(benchmark::kMillisecond);

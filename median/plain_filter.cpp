@@ -39,8 +39,7 @@ Color CandidateAt(const Candidates &candidates, int32_t index) {
 Color SetMedian(const Band &band, int32_t x, const PixelOffset *offsets, int32_t count) {
     float r[kMaxSetSize], g[kMaxSetSize], b[kMaxSetSize];
     for (int32_t i = 0; i < count; ++i) {
-        const Color &color =
-            band[static_cast<size_t>(kCenterLine + offsets[i].dy)][x + kMargin + offsets[i].dx];
+        const Color &color = band.data()[kCenterLine + offsets[i].dy][x + kMargin + offsets[i].dx];
         r[i] = color.r;
         g[i] = color.g;
         b[i] = color.b;
@@ -71,11 +70,13 @@ Color FilteredPixel(const Band &band, int32_t x, const Neighborhood &sets, const
 // How samples of a layout become colours and go back; a grey sample stands for three equal components.
 template <typename Sample, size_t kSamples>
 struct Samples {
+    static constexpr size_t kGreen = kSamples == 3 ? 1 : 0;
+
     static void Widen(const uint8_t *bytes, int32_t width, Color *line) {
         for (int32_t x = 0; x < width; ++x) {
             Sample samples[kSamples];
             std::memcpy(samples, bytes + static_cast<size_t>(x) * sizeof samples, sizeof samples);
-            line[x + kMargin] = {static_cast<float>(samples[0]), static_cast<float>(samples[kSamples / 2]),
+            line[x + kMargin] = {static_cast<float>(samples[0]), static_cast<float>(samples[kGreen]),
                                  static_cast<float>(samples[kSamples - 1])};
         }
         std::fill_n(line, kMargin, line[kMargin]);

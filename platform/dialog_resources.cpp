@@ -63,6 +63,8 @@ bool SwapItems(Cursor cursor) {
 
 }  // namespace
 
+// The bytes are changed through the cursor.
+// NOLINTNEXTLINE(readability-non-const-parameter)
 bool ToNativeByteOrder(OSType type, uint8_t *bytes, size_t size) {
     Cursor cursor = {bytes, size};
     if (type == kDialogTemplate) {

@@ -88,7 +88,7 @@ std::string PreferencesPath() {
         const char *value = getenv(name);
         return value == nullptr ? "" : value;
     };
-    if (const std::string own = variable("HYMEDIAN_PREFERENCES"); !own.empty()) {
+    if (std::string own = variable("HYMEDIAN_PREFERENCES"); !own.empty()) {
         return own;
     }
     const std::string configHome = variable("XDG_CONFIG_HOME");

@@ -78,7 +78,8 @@ void LabToRGB(const Pixel &lab, double *rgb) {
 template <typename Depth>
 void RGBToLab(const Pixel &rgb, double *lab) {
     const auto [r, g, b, unused] = rgb.s;
-    const double t = static_cast<double>(static_cast<float>((r + g + b + 1) / 3)) + 0.05;
+    const int32_t mean = (r + g + b + 1) / 3;
+    const double t = double{static_cast<float>(mean)} + 0.05;
     lab[0] = (std::exp(0.8 * std::log(t)) - 0.09102821) * Depth::kLightnessOut;
     lab[1] = (r - g) * 0.33333 + Depth::kNeutral;
     lab[2] = ((r + g) * 0.5 - b) * 0.83333 + Depth::kNeutral;

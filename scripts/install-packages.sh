@@ -6,7 +6,8 @@ declare -A packages=(
     [build]="g++ cmake ninja-build pkg-config libvips-dev libcli11-dev nlohmann-json3-dev qt6-base-dev"
     [test]="libgtest-dev"
     [bench]="libbenchmark-dev"
-    [lint]="clang-format"
+    [lint]="clang-format clang-tidy cppcheck"
+    [fuzz]="clang libclang-rt-14-dev"
 )
 
 missing=()

@@ -37,20 +37,25 @@ constexpr SampleSet<R> MakeSampleSet(int set) {
     auto add = [&](int dy, int dx) { samples.at[n++] = {dy, dx}; };
     auto half = [](int k) { return (k + 1) / 2; };
     if (set == 0) {
-        for (int k = 1; k <= R; ++k)
+        for (int k = 1; k <= R; ++k) {
             add(k, -k), add(k, k), add(-k, -k), add(-k, k);
+        }
         add(0, 0);
     } else if (set == 1) {
-        for (int k = 1; k <= R; ++k)
+        for (int k = 1; k <= R; ++k) {
             add(k, 0), add(-k, 0);
-        for (int k = -R; k <= R; ++k)
+        }
+        for (int k = -R; k <= R; ++k) {
             add(0, k);
+        }
     } else {
         const int side = set == 2 ? 1 : -1;
-        for (int k = 1; k <= R; ++k)
+        for (int k = 1; k <= R; ++k) {
             add(k, side * half(k)), add(-k, -side * half(k));
-        for (int k = 1; k <= R; ++k)
+        }
+        for (int k = 1; k <= R; ++k) {
             add(half(k), -side * k), add(-half(k), side * k);
+        }
         add(0, 0);
     }
     return samples;
@@ -94,8 +99,9 @@ struct Plan {
     constexpr int Find(Offset offset) const {
         int i = 0;
         while (i < count &&
-               (displacements[i].offset.dy != offset.dy || displacements[i].offset.dx != offset.dx))
+               (displacements[i].offset.dy != offset.dy || displacements[i].offset.dx != offset.dx)) {
             ++i;
+        }
         return i;
     }
 
@@ -116,10 +122,12 @@ constexpr void CollectDisplacements(Plan<R> &plan) {
                     found = {pair.displacement, pair.anchor.dy, pair.anchor.dy, 0, 0};
                     ++plan.count;
                 }
-                if (pair.anchor.dy < found.firstLine)
+                if (pair.anchor.dy < found.firstLine) {
                     found.firstLine = pair.anchor.dy;
-                if (pair.anchor.dy > found.lastLine)
+                }
+                if (pair.anchor.dy > found.lastLine) {
                     found.lastLine = pair.anchor.dy;
+                }
             }
         }
     }
@@ -135,8 +143,9 @@ constexpr void SortDisplacements(Plan<R> &plan) {
     for (int i = 1; i < plan.count; ++i) {
         const Displacement moved = plan.displacements[i];
         int j = i;
-        for (; j > 0 && before(moved, plan.displacements[j - 1]); --j)
+        for (; j > 0 && before(moved, plan.displacements[j - 1]); --j) {
             plan.displacements[j] = plan.displacements[j - 1];
+        }
         plan.displacements[j] = moved;
     }
 }
@@ -148,14 +157,17 @@ constexpr void PackBins(Plan<R> &plan) {
     for (int lines = kRingLines<R>; lines > 0; --lines) {
         for (int i = 0; i < plan.count; ++i) {
             Displacement &d = plan.displacements[i];
-            if (d.Lines() != lines)
+            if (d.Lines() != lines) {
                 continue;
-            while (used[d.bin] + lines > kRingLines<R>)
+            }
+            while (used[d.bin] + lines > kRingLines<R>) {
                 ++d.bin;
+            }
             d.shift = used[d.bin] - d.firstLine;
             used[d.bin] += lines;
-            if (d.bin >= plan.bins)
+            if (d.bin >= plan.bins) {
                 plan.bins = d.bin + 1;
+            }
         }
     }
 }
@@ -195,8 +207,9 @@ constexpr TermList<R> MakeTerms() {
     for (int total = 1; total < 2 * kSamples<R>; ++total) {
         for (int i = 0; i < kSamples<R>; ++i) {
             const int j = total - i;
-            if (j <= i || j >= kSamples<R>)
+            if (j <= i || j >= kSamples<R>) {
                 continue;
+            }
             const Pair pair = MakePair(kSampleSet<R, Set>.at[i], kSampleSet<R, Set>.at[j]);
             const int d = kPlan<R>.Find(pair.displacement);
             terms.at[n++] = {i, j, kPlan<R>.RingLine(d, pair.anchor.dy), kPlan<R>.displacements[d].bin,

@@ -73,8 +73,9 @@ struct Rings {
     template <typename T>
     static void Rotate(T *(&ring)[kRingLines<R>]) {
         T *const first = ring[0];
-        for (int i = 1; i < kRingLines<R>; ++i)
+        for (int i = 1; i < kRingLines<R>; ++i) {
             ring[i - 1] = ring[i];
+        }
         ring[kRingLines<R> - 1] = first;
     }
 };
@@ -82,23 +83,26 @@ struct Rings {
 template <class Format>
 inline auto LoadPoint(const typename Format::Component *plane, std::size_t planeStride) {
     Point<decltype(Load(plane)), Format::kComponents> point;
-    for (std::size_t i = 0; i < Format::kComponents; ++i)
+    for (std::size_t i = 0; i < Format::kComponents; ++i) {
         point.component[i] = Load(plane + i * planeStride);
+    }
     return point;
 }
 
 template <std::size_t Words>
 inline Packed<Words> LoadPacked(const std::int32_t *plane, std::size_t planeStride) {
     Packed<Words> packed;
-    for (std::size_t i = 0; i < Words; ++i)
+    for (std::size_t i = 0; i < Words; ++i) {
         packed.word[i] = Load(plane + i * planeStride);
+    }
     return packed;
 }
 
 template <std::size_t Words>
 inline void StorePacked(const Packed<Words> &packed, std::int32_t *plane, std::size_t planeStride) {
-    for (std::size_t i = 0; i < Words; ++i)
+    for (std::size_t i = 0; i < Words; ++i) {
         Store(plane + i * planeStride, packed.word[i]);
+    }
 }
 
 // A pixel and the sum of its distances.
@@ -114,8 +118,9 @@ inline Candidate<Words> Better(const Candidate<Words> &earlier, const Candidate<
     const Int takesOver = later.sum < earlier.sum;
     Candidate<Words> better;
     better.sum = takesOver ? later.sum : earlier.sum;
-    for (std::size_t i = 0; i < Words; ++i)
+    for (std::size_t i = 0; i < Words; ++i) {
         better.pixel.word[i] = takesOver ? later.pixel.word[i] : earlier.pixel.word[i];
+    }
     return better;
 }
 
@@ -126,24 +131,29 @@ void ReadLine(const void *source, int width, int firstColumn, std::int32_t *word
     constexpr int kColumns = kPixelColumns<R>;
     const auto *samples = static_cast<const typename Format::Sample *>(source);
     std::int32_t *planes[Format::kWords];
-    for (std::size_t i = 0; i < Format::kWords; ++i)
+    for (std::size_t i = 0; i < Format::kWords; ++i) {
         planes[i] = words + i * kColumns;
+    }
 
     const int origin = firstColumn - kDistanceMargin - kPixelMargin;
     const int inside = origin < 0 ? -origin : 0;
     const int end = width - origin < kColumns ? width - origin : kColumns;
-    for (int i = inside; i < end; ++i)
+    for (int i = inside; i < end; ++i) {
         Format::Read(samples + std::ptrdiff_t{origin + i} * Format::kSamplesPerPixel, planes, i);
+    }
     for (std::int32_t *plane : planes) {
-        for (int i = 0; i < inside; ++i)
+        for (int i = 0; i < inside; ++i) {
             plane[i] = plane[inside];
-        for (int i = end; i < kColumns; ++i)
+        }
+        for (int i = end; i < kColumns; ++i) {
             plane[i] = plane[end - 1];
+        }
     }
     for (int i = 0; i < kColumns; i += kLanes) {
         const auto point = Format::Unpack(LoadPacked<Format::kWords>(words + i, kColumns));
-        for (std::size_t c = 0; c < Format::kComponents; ++c)
+        for (std::size_t c = 0; c < Format::kComponents; ++c) {
             Store(components + c * kColumns + i, point.component[c]);
+        }
     }
 }
 
@@ -162,8 +172,9 @@ void ComputeDistances(const Rings<Format, R> &rings, int ahead, int columns) {
         int count = 0;
         for (next = first; next < plan.count && plan.displacements[next].lastLine == line; ++next) {
             const Displacement &d = plan.displacements[next];
-            if (d.Lines() <= ahead)
+            if (d.Lines() <= ahead) {
                 continue;
+            }
             jobs[count++] = {rings.components[R + line - d.offset.dy] + kPixelMargin - d.offset.dx,
                              rings.distances[plan.RingLine(next, line)] + d.bin * kDistanceColumns<R>};
         }
@@ -189,10 +200,11 @@ struct SumGroup {
     template <int Sample, bool IsFirstPartner>
     [[gnu::always_inline]] void Add(Float distance) {
         if constexpr (Has(Sample)) {
-            if constexpr (IsFirstPartner)
+            if constexpr (IsFirstPartner) {
                 sum[Sample - First] = distance;
-            else
+            } else {
                 sum[Sample - First] += distance;
+            }
         }
     }
 
@@ -252,8 +264,9 @@ template <std::size_t Words, int R, int Set, int First = 0>
 template <std::size_t Words, int R, int Set>
 void ComputeMedians(const float *const *distances, const std::int32_t *const *words, int columns,
                     std::int32_t *medians) {
-    for (int x = 0; x < columns; x += kLanes)
+    for (int x = 0; x < columns; x += kLanes) {
         StorePacked(BestOfSet<Words, R, Set>(distances, words, x).pixel, medians + x, kTileColumns<R>);
+    }
 }
 
 template <class Format, int R, int... Set>
@@ -284,8 +297,9 @@ template <class Format>
 inline Packed<Format::kWords> ChooseOfSeven(const Packed<Format::kWords> (&candidate)[5]) {
     constexpr int kCentre = 4;
     decltype(Format::Unpack(candidate[0])) point[5];
-    for (int i = 0; i <= kCentre; ++i)
+    for (int i = 0; i <= kCentre; ++i) {
         point[i] = Format::Unpack(candidate[i]);
+    }
     Float sum[5] = {};
     for (int i = 0; i < kCentre; ++i) {
         for (int j = i + 1; j < kCentre; ++j) {
@@ -298,8 +312,9 @@ inline Packed<Format::kWords> ChooseOfSeven(const Packed<Format::kWords> (&candi
         sum[kCentre] += d;
     }
     Candidate<Format::kWords> best = {sum[0], candidate[0]};
-    for (int i = 1; i <= kCentre; ++i)
+    for (int i = 1; i <= kCentre; ++i) {
         best = Better<Format::kWords>(best, {sum[i], candidate[i]});
+    }
     return best.pixel;
 }
 
@@ -308,24 +323,28 @@ void ChoosePixels(const Rings<Format, R> &rings, int columns, Tile<Format, R> &t
     const std::int32_t *centre = rings.words[R] + kDistanceMargin + kPixelMargin;
     for (int x = 0; x < columns; x += kLanes) {
         Packed<Format::kWords> candidate[kSets<R> + 1];
-        for (int set = 0; set < kSets<R>; ++set)
+        for (int set = 0; set < kSets<R>; ++set) {
             candidate[set] = LoadPacked<Format::kWords>(tile.medians[set][0] + x, kTileColumns<R>);
+        }
         candidate[kSets<R>] = LoadPacked<Format::kWords>(centre + x, kPixelColumns<R>);
-        if constexpr (R == 1)
+        if constexpr (R == 1) {
             StorePacked(ChooseOfThree<Format>(candidate), tile.chosen[0] + x, kTileColumns<R>);
-        else
+        } else {
             StorePacked(ChooseOfSeven<Format>(candidate), tile.chosen[0] + x, kTileColumns<R>);
+        }
     }
 }
 
 template <class Format, int R>
 void WriteLine(const Tile<Format, R> &tile, int firstColumn, int columns, void *target) {
     const std::int32_t *planes[Format::kWords];
-    for (std::size_t i = 0; i < Format::kWords; ++i)
+    for (std::size_t i = 0; i < Format::kWords; ++i) {
         planes[i] = tile.chosen[i];
+    }
     auto *samples = static_cast<typename Format::Sample *>(target);
-    for (int i = 0; i < columns; ++i)
+    for (int i = 0; i < columns; ++i) {
         Format::Write(planes, i, samples + std::ptrdiff_t{firstColumn + i} * Format::kSamplesPerPixel);
+    }
 }
 
 template <class Format, int R>
@@ -336,8 +355,9 @@ void FilterTile(const HybridBlock &block, int firstColumn, int columns, Tile<For
         ReadLine<Format, R>(block.source[line + 2 * R], block.width, firstColumn, rings.words[2 * R],
                             rings.components[2 * R]);
         ComputeDistances(rings, line < 0 ? -line : 0, columns);
-        if (line < 0)
+        if (line < 0) {
             continue;
+        }
         ComputeAllMedians(rings, columns, tile, std::make_integer_sequence<int, kSets<R>>{});
         ChoosePixels(rings, columns, tile);
         WriteLine(tile, firstColumn, columns, block.target[line]);

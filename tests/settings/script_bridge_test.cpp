@@ -143,7 +143,7 @@ TEST_F(ScriptBridge, RecordsEveryEntryByItsKind) {
         {kLongKey, typeInteger, 1},
         {kUnitKey, typeEnumerated, 3, {}, FourCharCode("UniT")},
         {kBoolKey, typeBoolean, 0},
-        {kTextKey, typeText, 0, "Disk:a"},
+        {kTextKey, typeText, 0, "Disk:a" + std::string(kTextSize - 6, '\0')},
         {kRadioKey, typeEnumerated, 1, {}, kRadioType},
         {kFixedKey, typeEnumerated, 1, {}, kFixedType},
         {kFloatKey, typeFloat, 8},

@@ -1,7 +1,6 @@
 #include "tests/support/hostile_host.h"
 
-#include <gtest/gtest.h>
-
+#include <cstdlib>
 #include <iterator>
 #include <memory>
 
@@ -123,7 +122,10 @@ void CallOnce(intptr_t *data) {
     }
     int16_t result = 0;
     PluginMain(selector, selector == filterSelectorAbout ? nullptr : &session->record, data, &result);
-    EXPECT_TRUE(result <= 0);
+    // Positive results say that the user has been told, which only a dialog does.
+    if (result > 0) {
+        std::abort();
+    }
 }
 
 // Finish leaves the selection to the next Start.

@@ -98,8 +98,7 @@ inline WriteDescriptorProcs MakeWriteProcs() {
         return Put({key, typeBoolean, static_cast<double>(value)});
     };
     procs.putTextProc = [](PIWriteDescriptor, OSType key, Handle text) {
-        EXPECT_EQ(GetHandleSize(text), 514);
-        return Put({key, typeText, 0, *text});
+        return Put({key, typeText, 0, std::string(*text, static_cast<size_t>(GetHandleSize(text)))});
     };
     procs.putEnumeratedProc = [](PIWriteDescriptor, OSType key, OSType type, OSType value) {
         return Put({key, typeEnumerated, static_cast<double>(static_cast<int32_t>(value)), {}, type});
