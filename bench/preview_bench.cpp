@@ -19,7 +19,7 @@ NamedImage *MakeNoise() {
         std::abort();
     }
     std::mt19937 random(1);
-    std::vector<uint8_t> row(3 * kWidth);
+    std::vector<uint8_t> row(size_t{3} * kWidth);
     for (int32_t y = 0; y < kHeight; ++y) {
         for (uint8_t &sample : row) {
             sample = static_cast<uint8_t>(random());

@@ -186,22 +186,22 @@ void GetDRect(DialogRef dialog, int16_t item, Rect *rect) {
     *rect = ItemOf(dialog, item).bounds;
 }
 
-void GetDText(DialogRef dialog, int16_t number, StringPtr text) {
-    const Item item = ItemOf(dialog, number);
+void GetDText(DialogRef dialog, int16_t item, StringPtr text) {
+    const Item found = ItemOf(dialog, item);
     text[0] = 0;
-    if (IsText(item)) {
-        GetDialogItemText(item.handle, text);
-    } else if (IsControl(item)) {
-        GetControlTitle(reinterpret_cast<ControlRef>(item.handle), text);
+    if (IsText(found)) {
+        GetDialogItemText(found.handle, text);
+    } else if (IsControl(found)) {
+        GetControlTitle(reinterpret_cast<ControlRef>(found.handle), text);
     }
 }
 
-void SetDText(DialogRef dialog, int16_t number, ConstStringPtr text) {
-    const Item item = ItemOf(dialog, number);
-    if (IsText(item)) {
-        SetDialogItemText(item.handle, text);
-    } else if (IsControl(item)) {
-        SetControlTitle(reinterpret_cast<ControlRef>(item.handle), text);
+void SetDText(DialogRef dialog, int16_t item, ConstStringPtr text) {
+    const Item found = ItemOf(dialog, item);
+    if (IsText(found)) {
+        SetDialogItemText(found.handle, text);
+    } else if (IsControl(found)) {
+        SetControlTitle(reinterpret_cast<ControlRef>(found.handle), text);
     }
 }
 

@@ -1,7 +1,7 @@
 #include "dialog/preview.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cstddef>
 
 #include "dialog/copy_colors.h"
 #include "dialog/work_line.h"
@@ -12,6 +12,7 @@ namespace {
 
 constexpr int16_t kWorkBytesPerPixel = 3;
 constexpr int16_t kPictureDepth = 32;
+constexpr int32_t kPictureBytesPerPixel = kPictureDepth / 8;
 constexpr int32_t kRowBytesMask = 0x3FFF;
 constexpr RGBColor kGray = {0x7FFF, 0x7FFF, 0x7FFF};
 
@@ -41,7 +42,7 @@ void FillWorkImage(const Preview &preview, const LineLayout &layout, uint8_t *li
     for (int32_t row = visible.top - kLineMargin; row < visible.bottom + kLineMargin; ++row) {
         ReadWorkLine(preview.source, layout, std::clamp(row, 0, preview.height - 1), line);
         PutLine(preview.work, 0, row - visible.top + kLineMargin, count,
-                line + visible.left * kWorkBytesPerPixel);
+                line + ptrdiff_t{visible.left} * kWorkBytesPerPixel);
     }
 }
 
@@ -60,10 +61,12 @@ void FillPicture(const Preview &preview, uint8_t *line) {
     auto *row = reinterpret_cast<uint8_t *>(GetPixBaseAddr(pixels));
     for (int32_t y = kLineMargin; y < visible.bottom - visible.top + kLineMargin; ++y) {
         GetLine(preview.work, kLineMargin * kWorkBytesPerPixel, y, width * kWorkBytesPerPixel, line);
-        for (int32_t x = 0; x < width; ++x) {
-            uint8_t *pixel = row + x * 4;
+        const uint8_t *color = line;
+        for (uint8_t *pixel = row; pixel < row + ptrdiff_t{width} * kPictureBytesPerPixel;
+             pixel += kPictureBytesPerPixel) {
             pixel[0] = 0;
-            std::copy_n(line + x * kWorkBytesPerPixel, kWorkBytesPerPixel, pixel + 1);
+            std::copy_n(color, kWorkBytesPerPixel, pixel + 1);
+            color += kWorkBytesPerPixel;
         }
         row += (*pixels)->rowBytes & kRowBytesMask;
     }

@@ -1,6 +1,7 @@
 #include "dialog/work_line.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 
@@ -9,6 +10,10 @@
 namespace {
 
 constexpr int32_t kRGB = 3;
+
+uint8_t *PixelAt(uint8_t *line, int32_t pixel) {
+    return line + ptrdiff_t{pixel} * kRGB;
+}
 
 // 0 to 32768 onto 0 to 255.
 uint8_t NarrowedSample(uint16_t sample) {
@@ -20,7 +25,7 @@ uint8_t NarrowedSample(uint16_t sample) {
 void NarrowSamples(uint8_t *line, int32_t first, int32_t count) {
     for (int32_t i = first; i < first + count; ++i) {
         uint16_t sample;
-        std::memcpy(&sample, line + i * int32_t{sizeof sample}, sizeof sample);
+        std::memcpy(&sample, line + ptrdiff_t{i} * ptrdiff_t{sizeof sample}, sizeof sample);
         line[i] = NarrowedSample(sample);
     }
 }
@@ -29,17 +34,17 @@ void NarrowSamples(uint8_t *line, int32_t first, int32_t count) {
 // row's first sample stands at kLineMargin: this shift is how the preview of grey images is known to look.
 void SpreadGray(uint8_t *line, int32_t width) {
     for (int32_t p = width - 1; p >= 0; --p) {
-        std::fill_n(line + p * kRGB, kRGB, line[p]);
+        std::fill_n(PixelAt(line, p), kRGB, line[p]);
     }
-    std::fill_n(line + width * kRGB, kLineMargin * kRGB, uint8_t{0});
+    std::fill_n(PixelAt(line, width), kLineMargin * kRGB, uint8_t{0});
 }
 
 void RepeatEdgePixels(uint8_t *line, int32_t width) {
-    const uint8_t *first = line + kLineMargin * kRGB;
-    const uint8_t *last = line + (width + kLineMargin - 1) * kRGB;
+    const uint8_t *first = PixelAt(line, kLineMargin);
+    const uint8_t *last = PixelAt(line, width + kLineMargin - 1);
     for (int32_t p = 0; p < kLineMargin; ++p) {
-        std::copy_n(first, kRGB, line + p * kRGB);
-        std::copy_n(last, kRGB, line + (width + kLineMargin + p) * kRGB);
+        std::copy_n(first, kRGB, PixelAt(line, p));
+        std::copy_n(last, kRGB, PixelAt(line, width + kLineMargin + p));
     }
 }
 
@@ -67,7 +72,7 @@ uint8_t *NewLineBuffer(const LineLayout &layout) {
 void ReadWorkLine(NamedImage *image, const LineLayout &layout, int32_t row, uint8_t *line) {
     const int32_t first = kLineMargin * layout.samplesPerPixel;
     const int32_t count = layout.width * layout.samplesPerPixel;
-    GetLine(image, 0, row, count * layout.bytesPerSample, line + first * layout.bytesPerSample);
+    GetLine(image, 0, row, count * layout.bytesPerSample, line + ptrdiff_t{first} * layout.bytesPerSample);
     if (layout.bytesPerSample == 2) {
         NarrowSamples(line, first, count);
     }

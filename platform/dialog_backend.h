@@ -30,9 +30,9 @@ struct DialogBackend {
     Point (*drag)(DialogRecord *dialog, Point start);
 };
 
-// Dialogs from now on are answered by the session, which stays the caller's and lives as long as it is in
+// Dialogs from now on are answered by `wanted`, which stays the caller's and lives as long as it is in
 // use.
-void UseScriptedDialogs(ScriptedSession *session);
+void UseScriptedDialogs(ScriptedSession *wanted);
 
 constexpr OSErr kNoScreenModule = -30001;
 constexpr OSErr kNoDisplay = -30002;

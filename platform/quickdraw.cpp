@@ -2,6 +2,7 @@
 #include "platform/quickdraw.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <new>
 
@@ -74,7 +75,7 @@ void ports::ReleasePort(GrafPort *port) {
 uint8_t *ports::PixelAt(const PixMap &picture, int32_t h, int32_t v) {
     const int64_t rowBytes = picture.rowBytes & kRowBytesMask;
     return reinterpret_cast<uint8_t *>(picture.baseAddr) + (v - picture.bounds.top) * rowBytes +
-           (h - picture.bounds.left) * kBytesPerPixel;
+           ptrdiff_t{h - picture.bounds.left} * kBytesPerPixel;
 }
 
 bool ports::Contains(const Rect &rect, Point point) {

@@ -133,10 +133,10 @@ UserAction user::DragWindow(int16_t dh, int16_t dv) {
     return action;
 }
 
-UserAction user::Event(uint16_t what, bool otherWindow) {
+UserAction user::Event(uint16_t what, bool ofOtherWindow) {
     UserAction action = {};
     action.event.what = what;
-    action.otherWindow = otherWindow;
+    action.otherWindow = ofOtherWindow;
     return action;
 }
 

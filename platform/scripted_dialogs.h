@@ -25,7 +25,7 @@ UserAction DoubleClick(int16_t item);
 UserAction Press(int16_t item, int16_t part);
 UserAction MoveThumb(int16_t item, int16_t value);
 UserAction DragWindow(int16_t dh, int16_t dv);
-UserAction Event(uint16_t what, bool otherWindow = false);
+UserAction Event(uint16_t what, bool ofOtherWindow = false);
 
 // Replaces what a field holds and ends the dialog with OK.
 std::vector<UserAction> Answer(int16_t item, const std::string &text);

@@ -19,7 +19,8 @@ constexpr int kLongestText = 255;
 
 QWidget *MakeButton(DialogWindow *shown, size_t index, const QString &title) {
     auto *button = new QPushButton(title, shown->window.get());
-    QObject::connect(button, &QPushButton::clicked, [=] { qt::PostPress(&shown->input, shown->dialog->items[index].bounds, {}); });
+    QObject::connect(button, &QPushButton::clicked,
+                     [=] { qt::PostPress(&shown->input, shown->dialog->items[index].bounds, {}); });
     return button;
 }
 
@@ -40,7 +41,9 @@ QWidget *MakeLabel(DialogWindow *shown, size_t, const QString &text) {
 QWidget *MakeField(DialogWindow *shown, size_t index, const QString &text) {
     auto *field = new QLineEdit(text, shown->window.get());
     field->setMaxLength(kLongestText);
-    QObject::connect(field, &QLineEdit::textEdited, [=] { qt::PostEdit(&shown->input, static_cast<int16_t>(index + 1), field->text(), field->cursorPosition()); });
+    QObject::connect(field, &QLineEdit::textEdited, [=] {
+        qt::PostEdit(&shown->input, static_cast<int16_t>(index + 1), field->text(), field->cursorPosition());
+    });
     return field;
 }
 
