@@ -1,5 +1,5 @@
 // Switches for tests: memory and disk space that run out, files that fail, volumes and resources of their
-// own.
+// own, and the system's version.
 #pragma once
 
 #include <cstdint>
@@ -38,5 +38,8 @@ void MountVolume(const std::string &name, const std::string &root);
 // As if an open resource file held it; removed again with RemoveResources.
 void AddResource(OSType type, int16_t id, const std::vector<uint8_t> &bytes);
 void RemoveResources();
+
+// What Gestalt tells; with a negative number it tells nothing.
+void SetSystemVersion(int32_t version);
 
 }  // namespace faults

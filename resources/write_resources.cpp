@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "photoshop/property_list.h"
+#include "resources/dialog_template.h"
 #include "resources/key_name_table.h"
 #include "resources/property_list.h"
 #include "resources/resource_file.h"
@@ -15,6 +16,8 @@ int main(int argc, char **argv) {
     const std::vector<uint8_t> bytes = ResourceFileBytes({
         {PIPropertyListType, kPropertyListID, PropertyList()},
         {FourCharCode("TEXT"), kKeyNameTableID, KeyNameTable()},
+        {FourCharCode("DLOG"), kRadiusDialogID, DialogTemplate()},
+        {FourCharCode("DITL"), kRadiusDialogID, DialogItemList()},
     });
     std::ofstream file(argv[1], std::ios::binary);
     file.write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));

@@ -3,7 +3,7 @@
 set -euo pipefail
 
 declare -A packages=(
-    [build]="g++ cmake ninja-build pkg-config libvips-dev libcli11-dev nlohmann-json3-dev"
+    [build]="g++ cmake ninja-build pkg-config libvips-dev libcli11-dev nlohmann-json3-dev qt6-base-dev"
     [test]="libgtest-dev"
     [bench]="libbenchmark-dev"
     [lint]="clang-format clang-tidy cppcheck"

@@ -1,0 +1,23 @@
+// One row of the image on its way into the preview's work image: 8-bit RGB, with six pixels repeated on
+// either side.
+#pragma once
+
+#include "toolkit/run_context.h"
+
+// The largest radius: so far does the filter look.
+constexpr int32_t kLineMargin = 6;
+
+struct LineLayout {
+    int32_t width;
+    int32_t samplesPerPixel;
+    int32_t bytesPerSample;
+};
+
+LineLayout LineLayoutOf(const NamedImage *image, const RunContext *context);
+
+// Zero-filled room for one row; null when memory is short. The dialog never releases it.
+uint8_t *NewLineBuffer(const LineLayout &layout);
+
+// Image pixel x comes to pixel x + kLineMargin of the line. Anything but RGB is taken as grey and arrives
+// shifted: its last six columns come out black.
+void ReadWorkLine(NamedImage *image, const LineLayout &layout, int32_t row, uint8_t *line);

@@ -1,0 +1,83 @@
+// What windows, dialogs and controls consist of. Internal to this folder and its back ends.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/dialogs.h"
+#include "platform/port.h"
+
+struct ControlRecord {
+    DialogRecord *dialog;
+    Rect bounds;
+    std::string title;
+    int16_t definition;  // scrollBarProc, or 0 for the control of an item
+    int16_t value;
+    int16_t minimum;
+    int16_t maximum;
+    bool visible;
+    intptr_t reference;
+};
+
+// A number of characters and what is selected of them.
+struct EditedText {
+    std::string characters;
+    size_t selectionStart;
+    size_t selectionEnd;
+};
+
+struct DialogItem {
+    int16_t type;
+    Rect bounds;
+    UserItemUPP draw;        // of a user item
+    EditedText text;         // of a text item
+    ControlRecord *control;  // of a control item
+};
+
+struct WindowRecord {
+    GrafPort port;
+    Rect bounds;  // of the contents, on the screen
+    std::string title;
+    int16_t definition;
+    bool visible;
+    intptr_t reference;
+    Rect invalid;
+};
+
+struct DialogRecord {
+    WindowRecord window;
+    std::vector<DialogItem> items;
+    std::vector<std::unique_ptr<ControlRecord>> controls;  // of items first
+    int16_t defaultItem;
+    int16_t cancelItem;
+    int16_t focusItem;       // the text field that takes keys; 0 for none
+    int32_t selectionCount;  // how often the selection was set by call
+};
+
+namespace model {
+
+constexpr int16_t kTitleBarHeight = 20;
+
+// Open dialogs, the frontmost last.
+std::vector<DialogRecord *> &OpenDialogs();
+
+// The parts of a dialog's two resources; false when they are not sound.
+bool ReadWindowTemplate(Handle resource, WindowRecord *window, int16_t *itemListID);
+bool ReadItemList(Handle resource, DialogRecord *dialog);
+
+// Null where there is none.
+DialogItem *ItemAt(DialogRecord *dialog, int16_t item);
+// The enabled or passive item under a point in local coordinates; 0 for none.
+int16_t ItemUnder(const DialogRecord &dialog, Point local);
+int16_t KindOf(const DialogItem &item);  // its type without kItemDisableBit
+bool IsControlItem(const DialogItem &item);
+ControlRecord *AddControl(DialogRecord *dialog, ControlRecord control);
+
+// Puts the window's contents at a place of the screen.
+void MoveWindowTo(WindowRecord *window, Point place);
+
+void CopyTitle(const std::string &text, StringPtr title);
+std::string TitleFrom(ConstStringPtr title);
+
+}  // namespace model

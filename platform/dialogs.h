@@ -1,0 +1,66 @@
+// The Dialog Manager: dialogs made from 'DLOG' and 'DITL' resources, their items, and the modal loop.
+//
+// Items count from 1. What the user sees and does goes through one of the back ends of
+// platform/dialog_backend.h.
+#pragma once
+
+#include "platform/controls.h"
+#include "platform/events.h"
+
+struct DialogRecord;
+using DialogRef = DialogRecord *;
+
+using ModalFilterProc = Boolean (*)(DialogRef dialog, EventRecord *event, int16_t *itemHit);
+using ModalFilterUPP = ModalFilterProc;
+using UserItemProc = void (*)(DialogRef dialog, int16_t item);
+using UserItemUPP = UserItemProc;
+
+// Item types. Bit 7 is set in items whose hits are not reported.
+enum : int16_t {
+    kUserDialogItem = 0,
+    kButtonDialogItem = 4,
+    kCheckBoxDialogItem = 5,
+    kRadioButtonDialogItem = 6,
+    kResourceControlDialogItem = 7,
+    kStaticTextDialogItem = 8,
+    kEditTextDialogItem = 16,
+    kItemDisableBit = 128,
+};
+
+enum : int16_t {
+    kStdOkItemIndex = 1,
+    kStdCancelItemIndex = 2,
+};
+
+extern "C" {
+
+// Null without the resources, when they are not sound, and when there is no back end to show the dialog.
+// `storage` is null; a new dialog is in front whatever `behind` says.
+DialogRef GetNewDialog(int16_t id, void *storage, WindowRef behind);
+void DisposeDialog(DialogRef dialog);
+WindowRef GetDialogWindow(DialogRef dialog);
+CGrafPtr GetDialogPort(DialogRef dialog);
+
+// `handle` stands for the text of a text item, is the ControlRef of a control, and the drawing procedure of a
+// user item. Nothing for an item that does not exist.
+void GetDialogItem(DialogRef dialog, int16_t item, int16_t *type, Handle *handle, Rect *bounds);
+void SetDialogItem(DialogRef dialog, int16_t item, int16_t type, Handle handle, const Rect *bounds);
+// Empty, and nothing, for handles that are not of text items.
+void GetDialogItemText(Handle handle, StringPtr text);
+void SetDialogItemText(Handle handle, ConstStringPtr text);
+// Selects characters of a text field and moves the keyboard focus there; ends past the text stand for its
+// end.
+void SelectDialogItemText(DialogRef dialog, int16_t item, int16_t start, int16_t end);
+OSErr SetDialogDefaultItem(DialogRef dialog, int16_t item);
+OSErr SetDialogCancelItem(DialogRef dialog, int16_t item);
+
+ModalFilterUPP NewModalFilterUPP(ModalFilterProc procedure);
+UserItemUPP NewUserItemUPP(UserItemProc procedure);
+
+// Handles events of the frontmost dialog, each after the filter has seen it, until an enabled item is hit.
+// When no more events can come, the hit is one on item 2.
+void ModalDialog(ModalFilterUPP filter, int16_t *itemHit);
+// Return and Enter hit the default item; Escape and command-period the cancel item.
+Boolean StdFilterProc(DialogRef dialog, EventRecord *event, int16_t *itemHit);
+
+}  // extern "C"

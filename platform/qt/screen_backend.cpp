@@ -1,0 +1,104 @@
+// The back end for the screen. Owns the application and the windows of the open dialogs.
+#include <QApplication>
+#include <QScreen>
+#include <algorithm>
+#include <clocale>
+
+#include "platform/mac_roman.h"
+#include "platform/qt/dialog_window.h"
+#include "platform/qt/display_probe.h"
+
+namespace {
+
+std::vector<std::unique_ptr<qt::DialogWindow>> windows;
+
+qt::DialogWindow *WindowOf(const DialogRecord *dialog) {
+    const auto found = std::find_if(windows.begin(), windows.end(),
+                                    [=](const auto &window) { return window->dialog == dialog; });
+    return found == windows.end() ? nullptr : found->get();
+}
+
+Rect Screen() {
+    const QSize size = QGuiApplication::primaryScreen()->geometry().size();
+    return {0, 0, static_cast<int16_t>(std::min(size.height(), INT16_MAX)),
+            static_cast<int16_t>(std::min(size.width(), INT16_MAX))};
+}
+
+bool Open(DialogRecord *dialog) {
+    windows.push_back(qt::MakeDialogWindow(dialog));
+    return true;
+}
+
+void Close(DialogRecord *dialog) {
+    std::erase_if(windows, [=](const auto &window) { return window->dialog == dialog; });
+}
+
+bool NextEvent(DialogRecord *dialog, EventRecord *event) {
+    qt::DialogWindow *shown = WindowOf(dialog);
+    qt::UserInput &input = shown->input;
+    *event = {};
+    if (input.actions.empty()) {
+        qt::Refresh(shown);
+        qt::WaitForAction(shown);
+    }
+    if (input.actions.empty()) {
+        return true;
+    }
+    input.current = input.actions.front();
+    input.actions.pop_front();
+    shown->stale = true;
+    if (input.current.item != 0) {
+        dialog->focusItem = input.current.item;
+    }
+    *event = input.current.event;
+    const Point origin = dialog->window.port.origin;
+    event->where = {static_cast<int16_t>(origin.v + input.current.place.v),
+                    static_cast<int16_t>(origin.h + input.current.place.h)};
+    return true;
+}
+
+// A click changes no text.
+void Edit(DialogRecord *dialog, int16_t item, const EventRecord &event) {
+    const qt::Action &action = WindowOf(dialog)->input.current;
+    if (event.what == keyDown) {
+        const auto caret = static_cast<size_t>(action.caret);
+        model::ItemAt(dialog, item)->text = {UTF8ToMacRoman(action.text.toStdString()), caret, caret};
+    }
+}
+
+constexpr DialogBackend kScreen = {
+    Screen,
+    Open,
+    Close,
+    NextEvent,
+    [](ControlRecord *control) { return WindowOf(control->dialog)->input.current.tracked; },
+    Edit,
+    // The window manager drags; Qt tells when it has.
+    [](DialogRecord *, Point start) { return start; },
+};
+
+// Lives as long as the process, like Qt's own state.
+void MakeApplication() {
+    static int count = 1;
+    static char name[] = "hymedian";
+    static char *arguments[] = {name, nullptr};
+    [[maybe_unused]] static auto *application = new QApplication(count, arguments);
+    QApplication::setQuitOnLastWindowClosed(false);
+    // Numbers in files are written the same everywhere.
+    std::setlocale(LC_NUMERIC, "C");
+}
+
+}  // namespace
+
+// Null without a display.
+extern "C" const DialogBackend *ScreenDialogBackend();
+
+extern "C" const DialogBackend *ScreenDialogBackend() {
+    if (QCoreApplication::instance() == nullptr) {
+        if (!qt::DisplayAnswers()) {
+            return nullptr;
+        }
+        MakeApplication();
+    }
+    return &kScreen;
+}

@@ -1,0 +1,75 @@
+#include "platform/qt/user_input.h"
+
+#include <QCoreApplication>
+#include <QMouseEvent>
+#include <algorithm>
+#include <iterator>
+#include <memory>
+
+namespace {
+
+constexpr QEvent::Type kInputEvents[] = {
+    QEvent::KeyPress,           QEvent::KeyRelease,          QEvent::InputMethod, QEvent::MouseButtonPress,
+    QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick, QEvent::MouseMove,
+};
+
+// A copy of a mouse event would not last: all such events share one position, which is the latest.
+qt::Delivery DeliveryOf(const QEvent &event) {
+    if (const auto *mouse = dynamic_cast<const QMouseEvent *>(&event)) {
+        return [type = mouse->type(), place = mouse->position(), onScreen = mouse->globalPosition(),
+                button = mouse->button(), buttons = mouse->buttons(),
+                modifiers = mouse->modifiers()](QObject *window) {
+            QMouseEvent again(type, place, place, onScreen, button, buttons, modifiers);
+            QCoreApplication::sendEvent(window, &again);
+        };
+    }
+    const std::shared_ptr<QEvent> copy(event.clone());
+    return [copy](QObject *window) { QCoreApplication::sendEvent(window, copy.get()); };
+}
+
+}  // namespace
+
+void qt::PostPress(UserInput *input, const Rect &bounds, TrackedPart tracked) {
+    Action action = {};
+    action.event.what = mouseDown;
+    action.place = {static_cast<int16_t>((bounds.top + bounds.bottom) / 2),
+                    static_cast<int16_t>((bounds.left + bounds.right) / 2)};
+    action.tracked = tracked;
+    input->actions.push_back(action);
+}
+
+void qt::PostEdit(UserInput *input, int16_t item, const QString &text, int caret) {
+    Action action = {};
+    action.event.what = keyDown;
+    action.item = item;
+    action.text = text;
+    action.caret = caret;
+    input->actions.push_back(action);
+}
+
+void qt::PostEscape(UserInput *input) {
+    Action action = {};
+    action.event.what = keyDown;
+    action.event.message = kEscapeCharCode;
+    input->actions.push_back(action);
+}
+
+bool qt::HoldBack(UserInput *input, const QEvent &event) {
+    const bool busy = !input->actions.empty() || (!input->held.empty() && !input->releasing);
+    if (!busy ||
+        std::find(std::begin(kInputEvents), std::end(kInputEvents), event.type()) == std::end(kInputEvents)) {
+        return false;
+    }
+    input->held.push_back(DeliveryOf(event));
+    return true;
+}
+
+void qt::ReleaseHeld(UserInput *input, QObject *window) {
+    input->releasing = true;
+    while (input->actions.empty() && !input->held.empty()) {
+        const Delivery deliver = std::move(input->held.front());
+        input->held.pop_front();
+        deliver(window);
+    }
+    input->releasing = false;
+}

@@ -1,0 +1,13 @@
+// What the plug-in has drawn into a dialog's window.
+#pragma once
+
+#include <QDialog>
+
+#include "platform/port.h"
+
+namespace qt {
+
+// Pixel for pixel in the window's coordinates, at any scale of the screen.
+void PaintPicture(const GrafPort &port, QDialog *window);
+
+}  // namespace qt

@@ -1,0 +1,87 @@
+// Drawing: rectangles, ports with 32-bit pictures, off-screen graphics worlds, and copying between them.
+//
+// A pixel is four bytes: 0, red, green, blue. Every drawing call goes into the current port, in its local
+// coordinates, and is cut at its bounds. Where nobody made a port current, the current one is the desktop's,
+// which shows nothing.
+#pragma once
+
+#include "platform/types.h"
+
+struct GrafPort;
+using CGrafPtr = GrafPort *;
+using GrafPtr = CGrafPtr;
+using GWorldPtr = CGrafPtr;
+using GWorldFlags = uint32_t;
+
+struct PixMap {
+    Ptr baseAddr;
+    int16_t rowBytes;  // the two upper bits are flags, not part of the number
+    Rect bounds;
+    int16_t pixelSize;
+};
+using PixMapHandle = PixMap **;
+using BitMap = PixMap;  // pictures have one depth here
+
+struct PenState {
+    Point pnLoc;
+    Point pnSize;
+    int16_t pnMode;
+};
+
+struct GDevice {
+    Rect gdRect;
+};
+using GDHandle = GDevice **;
+
+struct MacRegion {
+    Rect rgnBBox;
+};
+using RgnHandle = MacRegion **;
+
+struct ColorTable;
+using CTabHandle = ColorTable **;
+
+constexpr GWorldFlags useTempMem = 4;
+constexpr int16_t srcCopy = 0;
+
+extern "C" {
+
+void OffsetRect(Rect *rect, int16_t dh, int16_t dv);
+void InsetRect(Rect *rect, int16_t dh, int16_t dv);
+
+// The screen with the menu bar.
+GDHandle GetMainDevice();
+// Sets the arrow cursor.
+void InitCursor();
+
+void GetPort(GrafPtr *port);
+void SetPort(GrafPtr port);
+// There is one device, so that a graphics world is all that these two pass on.
+void GetGWorld(CGrafPtr *port, GDHandle *device);
+void SetGWorld(CGrafPtr port, GDHandle device);
+
+// `depth` is 32. Null with memFullErr, or with paramErr when a row would not fit into `rowBytes`.
+OSErr NewGWorld(GWorldPtr *world, int16_t depth, const Rect *bounds, CTabHandle colors, GDHandle device,
+                GWorldFlags flags);
+void DisposeGWorld(GWorldPtr world);
+PixMapHandle GetGWorldPixMap(GWorldPtr world);
+// Pixels never move, so locking is a statement of intent.
+Boolean LockPixels(PixMapHandle pixels);
+void UnlockPixels(PixMapHandle pixels);
+Ptr GetPixBaseAddr(PixMapHandle pixels);
+
+void RGBForeColor(const RGBColor *color);
+void RGBBackColor(const RGBColor *color);
+void GetPenState(PenState *state);
+void SetPenState(const PenState *state);
+// Both in the fore colour; a frame lies inside the rectangle, as thick as the pen.
+void PaintRect(const Rect *rect);
+void FrameRect(const Rect *rect);
+
+const BitMap *GetPortBitMapForCopyBits(CGrafPtr port);
+// Black comes out in the current port's fore colour and white in its back colour. The rectangles are of one
+// size, the mode is srcCopy, and there is no mask.
+void CopyBits(const BitMap *source, const BitMap *destination, const Rect *sourceRect,
+              const Rect *destinationRect, int16_t mode, RgnHandle mask);
+
+}  // extern "C"

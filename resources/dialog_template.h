@@ -1,0 +1,11 @@
+// The radius dialog's resources: its window and its items, as 'DLOG' and 'DITL' resources hold them in a
+// file.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+constexpr int16_t kRadiusDialogID = 9534;  // of both
+
+std::vector<uint8_t> DialogTemplate();
+std::vector<uint8_t> DialogItemList();

@@ -1,0 +1,307 @@
+// What the user does in the radius dialog, and what comes of it.
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <csignal>
+#include <iterator>
+#include <limits>
+
+#include "dialog/proxy_draw.h"
+#include "tests/support/dialog_session.h"
+
+namespace {
+
+using user::Click;
+using user::DoubleClick;
+using user::Event;
+using user::Key;
+using user::MoveThumb;
+using user::Press;
+using Actions = std::vector<UserAction>;
+
+constexpr char kReturn = kReturnCharCode;
+constexpr char kEnter = kEnterCharCode;
+constexpr char kEscape = kEscapeCharCode;
+constexpr char kBackspace = kBackspaceCharCode;
+constexpr int16_t kUp = kControlUpButtonPart;
+constexpr int16_t kDownArrow = kControlDownButtonPart;
+constexpr int16_t kPageUp = kControlPageUpPart;
+constexpr int16_t kPageDown = kControlPageDownPart;
+
+Actions Typed(const std::string &text) {
+    Actions actions;
+    std::transform(text.begin(), text.end(), std::back_inserter(actions), [](char c) { return Key(c); });
+    return actions;
+}
+
+Actions Then(Actions actions, const Actions &more) {
+    actions.insert(actions.end(), more.begin(), more.end());
+    return actions;
+}
+
+// While it lives no file gets longer than the header of an image.
+class FullDisk {
+  public:
+    FullDisk() {
+        getrlimit(RLIMIT_FSIZE, &usual);
+        const rlimit tight = {16, usual.rlim_max};
+        signal(SIGXFSZ, SIG_IGN);
+        setrlimit(RLIMIT_FSIZE, &tight);
+    }
+    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &usual); }
+
+  private:
+    rlimit usual;
+};
+
+class ParameterDialog : public DialogTest {
+  protected:
+    const TestImage image = RandomImage(250, 181, 3, 1);
+};
+
+TEST_F(ParameterDialog, SessionsGiveTheRadius) {
+    InstallDialog(20, 16);
+    const float kNaN = std::numeric_limits<float>::quiet_NaN();
+    const struct {
+        float stored;
+        Actions actions;
+        float radius;
+        const char *field;
+    } cases[] = {
+        {2.5f, {}, 2.5f, "2"},
+        {0, {}, 1, "1"},
+        {-7, {}, 1, "1"},
+        {9, {}, 6, "6"},
+        {1e30f, {}, 6, "6"},
+        {kNaN, {}, 1, "1"},
+        {2.5f, {Press(kRadiusBar, kDownArrow)}, 3.5f, "3"},
+        {2.5f, {Press(kRadiusBar, kPageDown)}, 3.5f, "3"},
+        {2.5f, {Press(kRadiusBar, kUp)}, 1.5f, "1"},
+        {1.5f, {Press(kRadiusBar, kPageUp)}, 1, "1"},
+        {5.5f, {Press(kRadiusBar, kDownArrow)}, 6, "6"},
+        {2.5f, {Press(kRadiusBar, 0)}, 2, "2"},
+        {2.5f, {MoveThumb(kRadiusBar, 5)}, 5, "5"},
+        {2.5f, {MoveThumb(kRadiusBar, 99)}, 6, "6"},
+        {2.5f, {Click(kPlus)}, 3, "3"},
+        {2.5f, {Click(kMinus)}, 1, "1"},
+        {5.5f, {Click(kPlus)}, 6, "6"},
+        {1.5f, {Click(kMinus)}, 1, "1"},
+        {6, {Click(kPlus)}, 6, "6"},
+        {1, {Click(kMinus)}, 1, "1"},
+        {3, Typed("12"), 6, "12"},
+        {3, Typed("-3"), 1, "-3"},
+        {3, Typed("abc"), 1, "abc"},
+        {3, Typed("0"), 1, "0"},
+        {3, Typed("4"), 4, "4"},
+        {3, Typed(" 5mm"), 5, " 5mm"},
+        {3, Typed("99999999999"), 6, "99999999999"},
+        {3, Typed("-99999999999"), 1, "-99999999999"},
+        {3, {Key(kBackspace)}, 1, ""},
+        {3, Then(Typed("42"), {Key(kBackspace)}), 4, "4"},
+        {3, Typed("42"), 6, "42"},
+        // A step selects the text, so that typing replaces it.
+        {3, Then(Typed("42"), {Click(kMinus), Key('2')}), 2, "2"},
+        {3, {Press(kRadiusBar, kDownArrow), Key('2')}, 2, "2"},
+        // A click into the field reads it; the fraction is gone then.
+        {2.5f, {Click(kField)}, 2, "2"},
+        {2.5f, {Click(kField), Key('1')}, 6, "21"},
+        {2.5f, {DoubleClick(kField), Key('5')}, 5, "5"},
+        {2.5f, {Click(kCheckBox), Click(kCheckBox)}, 2.5f, "2"},
+        // Passive items, the picture, and other keys.
+        {2.5f, {Click(4), Click(kPreviewItem), Click(10), Click(13), Event(nullEvent)}, 2.5f, "2"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(testing::Message() << "case " << &c - cases);
+        const DialogOutcome outcome = Run(image, c.stored, Then(c.actions, {Click(kOK)}));
+        EXPECT_EQ(outcome.result, noErr);
+        EXPECT_EQ(outcome.stored, c.radius);
+        EXPECT_EQ(outcome.Field(), c.field);
+        EXPECT_EQ(outcome.Value(kRadiusBar), static_cast<int16_t>(c.radius));
+    }
+}
+
+TEST_F(ParameterDialog, SessionsPan) {
+    const struct {
+        int16_t width, height;
+        Actions actions;
+        int16_t across, down;
+    } cases[] = {
+        {250, 181, {}, 75, 50},
+        {250, 181, {Press(kAcross, kUp), Press(kDown, kUp), Press(kDown, kUp)}, 74, 48},
+        {250, 181, {Press(kAcross, kDownArrow), Press(kDown, kDownArrow)}, 76, 51},
+        {250, 181, {Press(kAcross, kPageUp), Press(kDown, kPageUp)}, 25, 10},
+        {250,
+         181,
+         {Press(kAcross, kPageUp), Press(kAcross, kPageUp), Press(kDown, kPageUp), Press(kDown, kPageUp)},
+         0,
+         0},
+        {250,
+         181,
+         {Press(kAcross, kPageDown), Press(kAcross, kPageDown), Press(kDown, kPageDown),
+          Press(kDown, kPageDown)},
+         149,
+         100},
+        {250, 181, {MoveThumb(kAcross, 150), MoveThumb(kDown, 101)}, 150, 101},
+        {250, 181, {MoveThumb(kAcross, 150), Press(kAcross, kDownArrow)}, 150, 50},
+        {250, 181, {MoveThumb(kAcross, 150), Press(kAcross, kPageDown)}, 149, 50},
+        {250, 181, {MoveThumb(kAcross, 150), Press(kAcross, kUp)}, 149, 50},
+        {250, 181, {MoveThumb(kAcross, 149), Press(kAcross, kDownArrow)}, 149, 50},
+        {250, 181, {MoveThumb(kAcross, 0), Press(kAcross, kUp), Press(kAcross, 0)}, 0, 50},
+        // One pixel larger than the preview: only the thumb moves it.
+        {101,
+         81,
+         {Press(kAcross, kDownArrow), Press(kDown, kDownArrow), Press(kAcross, kPageDown),
+          Press(kDown, kPageDown)},
+         0,
+         0},
+        {101, 81, {MoveThumb(kAcross, 1), MoveThumb(kDown, 1)}, 1, 1},
+        {101, 80, {MoveThumb(kAcross, 1), MoveThumb(kDown, 1)}, 1, 0},
+        {100, 81, {MoveThumb(kAcross, 1), MoveThumb(kDown, 1)}, 0, 1},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(testing::Message() << "case " << &c - cases);
+        const TestImage panned = RandomImage(c.width, c.height, 3, 2);
+        const DialogOutcome outcome = Run(panned, 1, Then(c.actions, {Click(kOK)}));
+        EXPECT_EQ(outcome.Value(kAcross), c.across);
+        EXPECT_EQ(outcome.Value(kDown), c.down);
+        EXPECT_EQ(outcome.Last().controls[kAcross - 1], c.width > 100);
+        EXPECT_EQ(outcome.Last().controls[kDown - 1], c.height > 80);
+        EXPECT_EQ(outcome.stored, 1);
+    }
+}
+
+TEST_F(ParameterDialog, RebuildsOncePerHandledItem) {
+    const struct {
+        int16_t width, height;
+        Actions actions;
+        int64_t rebuilds;
+    } cases[] = {
+        {250, 181, {}, 1},
+        {250, 181, {Key('4'), Key('2')}, 3},
+        {250,
+         181,
+         {Click(kCheckBox), Click(kField), Press(kRadiusBar, kUp), Press(kAcross, 0), Press(kDown, 0),
+          Click(kPlus), Click(kMinus)},
+         8},
+        {250,
+         181,
+         {Click(4), Click(kPreviewItem), Click(11), Event(nullEvent), Event(updateEvt), Event(activateEvt)},
+         1},
+        {40, 30, {Press(kAcross, kDownArrow), MoveThumb(kDown, 9)}, 1},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(testing::Message() << "case " << &c - cases);
+        const int64_t bytesBefore = faults::BytesInUse();
+        const DialogOutcome outcome = Run(RandomImage(c.width, c.height, 3, 2), 1, c.actions);
+        EXPECT_EQ(outcome.rebuilds, c.rebuilds);
+        EXPECT_EQ(faults::BytesInUse() - bytesBefore, c.rebuilds * ((c.width + 12) * 3 + 9));
+    }
+}
+
+TEST_F(ParameterDialog, EndsByButtonsAndKeys) {
+    const struct {
+        UserAction end;
+        OSErr result;
+    } cases[] = {
+        {Click(kOK), noErr},
+        {Key(kReturn), noErr},
+        {Key(kEnter), noErr},
+        {Click(kCancel), userCanceledErr},
+        {Key(kEscape), userCanceledErr},
+        {Key('.', cmdKey), userCanceledErr},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(testing::Message() << "case " << &c - cases);
+        const DialogOutcome outcome = Run(image, 2, {Key('4'), c.end});
+        EXPECT_EQ(outcome.result, c.result);
+        EXPECT_EQ(outcome.stored, c.result == noErr ? 4 : 2);
+        EXPECT_EQ(outcome.states.size(), 2u);
+        EXPECT_EQ(gProxyPtr, nullptr);
+    }
+    EXPECT_EQ(Run(image, 2, {Key('.'), Click(kOK)}).Field(), ".") << "a period alone is text";
+}
+
+TEST_F(ParameterDialog, AnswersForThoseWhoDoNotWatch) {
+    const DialogOutcome outcome = Run(image, 2.5f, user::Answer(kField, "5"));
+    EXPECT_EQ(outcome.result, noErr);
+    EXPECT_EQ(outcome.stored, 5);
+}
+
+TEST_F(ParameterDialog, WithoutADisplayItIsCancelled) {
+    UseScriptedDialogs(nullptr);
+    setenv("QT_QPA_PLATFORM", "none of these", 1);
+    const OSErr problem = UseScreenDialogs();
+    EXPECT_TRUE(problem == kNoDisplay || problem == kNoScreenModule);
+    EXPECT_STRNE(ScreenDialogProblem(kNoDisplay), ScreenDialogProblem(kNoScreenModule));
+    EXPECT_EQ(RunOnBackend(image, 3).result, userCanceledErr);
+    unsetenv("QT_QPA_PLATFORM");
+}
+
+TEST_F(ParameterDialog, OpensWithTheTextSelectedAndThePreviewOn) {
+    const DialogOutcome outcome = Run(image, 3, {});
+    const EditedText &field = outcome.Last().texts[kField - 1];
+    EXPECT_EQ(field.selectionStart, 0u);
+    EXPECT_EQ(field.selectionEnd, 1u);
+    EXPECT_EQ(outcome.Value(kCheckBox), 1);
+    EXPECT_EQ(Run(image, 3, {Click(kCheckBox)}).Value(kCheckBox), 0);
+}
+
+TEST_F(ParameterDialog, EnabledItemsWithoutARoleAreIgnored) {
+    std::vector<uint8_t> items = DialogItemList();
+    for (const int16_t item : std::initializer_list<int16_t>{4, 7, 10, 11, 12, 13}) {
+        ItemBounds(&items, item)[8] &= 0x7F;
+    }
+    InstallItems(items);
+    const DialogOutcome outcome =
+        Run(image, 2.5f, {Click(4), Click(7), Click(10), Click(11), Click(12), Click(13), Click(kOK)});
+    EXPECT_EQ(outcome.stored, 2.5f);
+    EXPECT_EQ(outcome.rebuilds, 1);
+}
+
+TEST_F(ParameterDialog, WithoutItsResourcesNothingOpens) {
+    faults::RemoveResources();
+    EXPECT_EQ(Run(image, 3, {Click(kOK)}).result, userCanceledErr);
+    faults::AddResource(kDialogType, kRadiusDialogID, DialogTemplate());
+    const DialogOutcome outcome = Run(image, 3, {Click(kOK)});
+    EXPECT_EQ(outcome.result, userCanceledErr);
+    EXPECT_TRUE(outcome.states.empty());
+}
+
+TEST_F(ParameterDialog, WorksWithoutAWorkImage) {
+    const FullDisk disk;
+    refuseTemporaryMemory = true;
+    const struct {
+        UserAction end;
+        OSErr result;
+        float stored;
+    } cases[] = {{Click(kOK), dskFulErr, 4}, {Click(kCancel), userCanceledErr, 2}};
+    for (const auto &c : cases) {
+        const DialogOutcome outcome = Run(image, 2, {Press(kAcross, kUp), Key('4'), c.end});
+        EXPECT_EQ(outcome.result, c.result);
+        EXPECT_EQ(outcome.stored, c.stored);
+        EXPECT_EQ(outcome.Value(kAcross), 74);
+        EXPECT_EQ(outcome.rebuilds, 0);
+    }
+    EXPECT_EQ(FileCount(), 0u);
+}
+
+TEST_F(ParameterDialog, SurvivesEveryFailureOfMemory) {
+    InstallDialog(20, 16);
+    for (const bool refuse : {false, true}) {
+        refuseTemporaryMemory = refuse;
+        for (failAllocation = 1; failAllocation <= 30; ++failAllocation) {
+            const DialogOutcome outcome =
+                Run(image, 2, {Key('4'), Press(kAcross, kUp), Click(kPlus), Click(kOK)});
+            if (outcome.states.empty()) {
+                EXPECT_EQ(outcome.result, userCanceledErr);
+                EXPECT_EQ(outcome.stored, 2);
+            } else {
+                EXPECT_EQ(outcome.stored, 5);
+            }
+        }
+        failAllocation = 0;
+    }
+    EXPECT_EQ(FileCount(), 0u);
+}
+
+}  // namespace

@@ -1,0 +1,380 @@
+// The dialog on a screen of its own: real keys and clicks give what the same session gives from a script.
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QScrollBar>
+#include <QStyleOptionSlider>
+#include <QTest>
+#include <QTimer>
+#include <QWindow>
+#include <functional>
+
+#include "platform/dialog_backend.h"
+#include "tests/support/dialog_session.h"
+
+namespace {
+
+using user::Click;
+using user::Event;
+using user::Key;
+using user::MoveThumb;
+using user::Press;
+using Step = std::function<void(QDialog *)>;
+
+constexpr char kReturn = kReturnCharCode;
+constexpr char kEnter = kEnterCharCode;
+constexpr char kEscape = kEscapeCharCode;
+constexpr char kBackspace = kBackspaceCharCode;
+constexpr int16_t kUp = kControlUpButtonPart;
+constexpr int16_t kDownArrow = kControlDownButtonPart;
+constexpr int16_t kPageUp = kControlPageUpPart;
+constexpr int16_t kPageDown = kControlPageDownPart;
+
+QPoint CenterOf(int16_t item) {
+    const Rect &bounds = model::OpenDialogs().back()->items[static_cast<size_t>(item - 1)].bounds;
+    return {(bounds.left + bounds.right) / 2, (bounds.top + bounds.bottom) / 2};
+}
+
+QWidget *WidgetOf(QDialog *window, int16_t item) {
+    return window->childAt(CenterOf(item));
+}
+
+// Events enter through the window system, as a user's do.
+void ClickAt(QDialog *window, QPoint place) {
+    QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {}, place);
+}
+
+// In the window's coordinates.
+QRect PlaceOf(const QScrollBar &bar, QStyle::SubControl part) {
+    QStyleOptionSlider option;
+    option.initFrom(&bar);
+    option.orientation = bar.orientation();
+    option.minimum = bar.minimum();
+    option.maximum = bar.maximum();
+    option.singleStep = bar.singleStep();
+    option.pageStep = bar.pageStep();
+    option.sliderPosition = option.sliderValue = bar.value();
+    if (bar.orientation() == Qt::Horizontal) {
+        option.state |= QStyle::State_Horizontal;
+    }
+    return bar.style()->subControlRect(QStyle::CC_ScrollBar, &option, part, &bar).translated(bar.pos());
+}
+
+void DragThumb(QDialog *window, const QScrollBar &bar, int value) {
+    const QRect thumb = PlaceOf(bar, QStyle::SC_ScrollBarSlider);
+    const QRect groove = PlaceOf(bar, QStyle::SC_ScrollBarGroove);
+    const bool across = bar.orientation() == Qt::Horizontal;
+    const int span = across ? groove.width() - thumb.width() : groove.height() - thumb.height();
+    const auto position = [&](int at) {
+        return QStyle::sliderPositionFromValue(bar.minimum(), bar.maximum(), at, span);
+    };
+    const int way = position(value) - position(bar.value());
+    const QPoint end = thumb.center() + (across ? QPoint(way, 0) : QPoint(0, way));
+    QTest::mousePress(window->windowHandle(), Qt::LeftButton, {}, thumb.center());
+    QTest::mouseMove(window->windowHandle(), end);
+    QTest::mouseRelease(window->windowHandle(), Qt::LeftButton, {}, end);
+}
+
+void PressBar(QDialog *window, const QScrollBar &bar, TrackedPart tracked) {
+    if (tracked.part == kControlIndicatorPart) {
+        DragThumb(window, bar, tracked.value);
+        return;
+    }
+    constexpr std::pair<int16_t, QStyle::SubControl> kParts[] = {
+        {kUp, QStyle::SC_ScrollBarSubLine},
+        {kDownArrow, QStyle::SC_ScrollBarAddLine},
+        {kPageUp, QStyle::SC_ScrollBarSubPage},
+        {kPageDown, QStyle::SC_ScrollBarAddPage},
+    };
+    for (const auto &[part, place] : kParts) {
+        if (part == tracked.part) {
+            ClickAt(window, PlaceOf(bar, place).center());
+        }
+    }
+}
+
+void PressKey(QDialog *window, char character) {
+    constexpr std::pair<char, Qt::Key> kKeys[] = {{kReturn, Qt::Key_Return},
+                                                  {kEnter, Qt::Key_Enter},
+                                                  {kEscape, Qt::Key_Escape},
+                                                  {kBackspace, Qt::Key_Backspace}};
+    for (const auto &[code, key] : kKeys) {
+        if (code == character) {
+            QTest::keyClick(window->windowHandle(), key);
+            return;
+        }
+    }
+    QTest::keyClick(window->windowHandle(), character);
+}
+
+void Perform(QDialog *window, const UserAction &action) {
+    if (action.event.what == keyDown) {
+        PressKey(window, static_cast<char>(action.event.message));
+    } else if (const auto *bar = qobject_cast<QScrollBar *>(WidgetOf(window, action.item))) {
+        PressBar(window, *bar, action.tracked);
+    } else {
+        ClickAt(window, CenterOf(action.item));
+    }
+}
+
+std::vector<Step> StepsOf(const std::vector<UserAction> &actions) {
+    std::vector<Step> steps;
+    for (const UserAction &action : actions) {
+        steps.push_back([=](QDialog *window) { Perform(window, action); });
+    }
+    return steps;
+}
+
+int32_t hostNullEvents;
+
+class ScreenDialog : public DialogTest {
+  protected:
+    static void SetUpTestSuite() { setenv("QT_QPA_PLATFORM", "offscreen", 0); }
+
+    // Takes a step whenever the dialog waits.
+    DialogOutcome RunOnScreen(const TestImage &source, float radius, const std::vector<Step> &steps) {
+        EXPECT_EQ(UseScreenDialogs(), noErr);
+        std::vector<DialogState> states;
+        size_t next = 0;
+        bool stepping = false;  // a step may run the event loop itself
+        QTimer timer;
+        QObject::connect(&timer, &QTimer::timeout, [&] {
+            auto *window = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+            if (window != nullptr && next < steps.size() && !stepping) {
+                stepping = true;
+                states.push_back(StateOf(*model::OpenDialogs().back()));
+                ExpectShown(window, states.back());
+                steps[next++](window);
+                stepping = false;
+            }
+        });
+        timer.start(1);
+        DialogOutcome outcome = RunOnBackend(source, radius);
+        outcome.states = std::move(states);
+        return outcome;
+    }
+
+    // The widgets and the pixels are what the model says.
+    static void ExpectShown(QDialog *window, const DialogState &state) {
+        const auto *field = qobject_cast<QLineEdit *>(WidgetOf(window, kField));
+        ASSERT_NE(field, nullptr);
+        EXPECT_EQ(field->text().toStdString(), state.texts[kField - 1].characters);
+        const auto *box = qobject_cast<QAbstractButton *>(WidgetOf(window, kCheckBox));
+        ASSERT_NE(box, nullptr);
+        EXPECT_EQ(box->isChecked(), state.values[kCheckBox - 1] != 0);
+        for (const int16_t item : std::initializer_list<int16_t>{kRadiusBar, kAcross, kDown}) {
+            const auto index = static_cast<size_t>(item - 1);
+            const auto *bar = qobject_cast<QScrollBar *>(WidgetOf(window, item));
+            ASSERT_EQ(bar != nullptr, state.controls[index]);
+            if (bar != nullptr) {
+                EXPECT_EQ(bar->value(), state.values[index]) << "item " << item;
+                EXPECT_EQ(bar->sliderPosition(), bar->value()) << "item " << item;
+            }
+        }
+        ExpectPixels(window->grab().toImage(), state);
+    }
+
+    // At any scale: the middle of each of the picture's pixels.
+    static void ExpectPixels(const QImage &shot, const DialogState &state) {
+        const Rect &drawn = state.drawn;
+        const uint8_t *pixel = state.picture.data();
+        int64_t wrong = 0;
+        for (int y = drawn.top; y < drawn.bottom; ++y) {
+            for (int x = drawn.left; x < drawn.right; ++x, pixel += 4) {
+                const auto column = static_cast<int>((x + 0.5) * shot.devicePixelRatio());
+                const auto row = static_cast<int>((y + 0.5) * shot.devicePixelRatio());
+                wrong +=
+                    (shot.pixel(column, row) & 0xFFFFFF) != (qRgb(pixel[1], pixel[2], pixel[3]) & 0xFFFFFF);
+            }
+        }
+        EXPECT_EQ(wrong, 0);
+    }
+
+    const TestImage image = RandomImage(250, 181, 3, 1);
+};
+
+TEST_F(ScreenDialog, GivesWhatTheScriptGives) {
+    const struct {
+        float radius;
+        std::vector<UserAction> actions;
+    } sessions[] = {
+        {2.5f, {Click(kOK)}},
+        {2.5f, {Press(kRadiusBar, kDownArrow), Click(kOK)}},
+        {2.5f,
+         {Press(kRadiusBar, kUp), Press(kRadiusBar, kPageDown), Press(kRadiusBar, kPageDown),
+          Press(kRadiusBar, kPageUp), Key(kReturn)}},
+        {2, {MoveThumb(kRadiusBar, 5), Key(kEnter)}},
+        {2.5f, {Click(kPlus), Click(kOK)}},
+        {3, {Key('1'), Key('2'), Click(kOK)}},
+        {3, {Key('-'), Key('3'), Click(kOK)}},
+        {3, {Key(kBackspace), Click(kOK)}},
+        {3, {Key('4'), Key('2'), Click(kMinus), Key('2'), Key(kReturn)}},
+        {3, {Click(kField), Key(kReturn)}},
+        {3, {Click(4), Click(kPreviewItem), Click(kCheckBox), Click(kCheckBox), Click(kOK)}},
+        {1,
+         {Press(kAcross, kPageDown), Press(kAcross, kPageDown), Press(kDown, kPageDown),
+          Press(kDown, kPageDown), Click(kOK)}},
+        {1, {Press(kAcross, kUp), Press(kDown, kDownArrow), Press(kAcross, kPageUp), Click(kOK)}},
+        {1, {MoveThumb(kAcross, 150), Press(kAcross, kDownArrow), Click(kOK)}},
+        {1, {MoveThumb(kAcross, 150), Press(kAcross, kUp), MoveThumb(kDown, 0), Click(kOK)}},
+        {3, {Key('5'), Key(kEscape)}},
+        {3, {Key('5'), Click(kCancel)}},
+    };
+    for (const auto &session : sessions) {
+        SCOPED_TRACE(testing::Message() << "session " << &session - sessions);
+        const DialogOutcome scripted = Run(image, session.radius, session.actions);
+        const DialogOutcome shown = RunOnScreen(image, session.radius, StepsOf(session.actions));
+        EXPECT_EQ(shown.result, scripted.result);
+        EXPECT_EQ(shown.stored, scripted.stored);
+        EXPECT_EQ(shown.rebuilds, scripted.rebuilds);
+        ASSERT_EQ(shown.states.size(), scripted.states.size());
+        for (size_t i = 0; i < shown.states.size(); ++i) {
+            EXPECT_EQ(shown.states[i].values, scripted.states[i].values) << "before action " << i;
+            EXPECT_EQ(shown.states[i].picture, scripted.states[i].picture) << "before action " << i;
+            EXPECT_EQ(shown.states[i].texts[kField - 1].characters,
+                      scripted.states[i].texts[kField - 1].characters);
+        }
+    }
+}
+
+TEST_F(ScreenDialog, ClosingTheWindowCancels) {
+    const DialogOutcome outcome = RunOnScreen(image, 3, {[](QDialog *window) { window->close(); }});
+    EXPECT_EQ(outcome.result, userCanceledErr);
+    EXPECT_EQ(outcome.stored, 3);
+}
+
+// What comes in faster than the preview is built waits for its turn, in its order.
+TEST_F(ScreenDialog, FastHandsLoseNothing) {
+    const std::vector<UserAction> burst = {
+        Key('4'), Key('2'), Click(kMinus), Key('2'), Press(kAcross, kUp), Click(kPlus)};
+    const Step all = [&](QDialog *window) {
+        for (const UserAction &action : burst) {
+            Perform(window, action);
+        }
+    };
+    const Step nothing = [](QDialog *) {};
+    const DialogOutcome outcome =
+        RunOnScreen(image, 3, {all, nothing, nothing, [](QDialog *window) { PressKey(window, kReturn); }});
+    EXPECT_EQ(outcome.stored, 3);
+    EXPECT_EQ(outcome.rebuilds, 7);
+    EXPECT_EQ(outcome.Value(kAcross), 74);
+}
+
+TEST_F(ScreenDialog, AHeldArrowStepsOnce) {
+    const Step press = [](QDialog *window) {
+        const auto *bar = qobject_cast<QScrollBar *>(WidgetOf(window, kAcross));
+        QTest::mousePress(window->windowHandle(), Qt::LeftButton, {},
+                          PlaceOf(*bar, QStyle::SC_ScrollBarAddLine).center());
+    };
+    // Qt would repeat after half a second.
+    const Step wait = [](QDialog *) { QTest::qWait(700); };
+    const Step release = [](QDialog *window) {
+        QTest::mouseRelease(window->windowHandle(), Qt::LeftButton, {}, CenterOf(kAcross));
+    };
+    const DialogOutcome outcome = RunOnScreen(image, 1, {press, wait, release, StepsOf({Click(kOK)})[0]});
+    EXPECT_EQ(outcome.Value(kAcross), 76);
+    EXPECT_EQ(outcome.rebuilds, 2);
+}
+
+TEST_F(ScreenDialog, TellsTheHostWhenNothingHappens) {
+    hostNullEvents = 0;
+    processEvent = [](EventRecord *event) { hostNullEvents += event->what == nullEvent; };
+    RunOnScreen(image, 1,
+                {[](QDialog *) { QTest::qWait(200); }, [](QDialog *) { QTest::qWait(200); },
+                 StepsOf({Click(kOK)})[0]});
+    EXPECT_GE(hostNullEvents, 2);
+}
+
+TEST_F(ScreenDialog, TabGoesThroughTheRowsAndEveryWidgetHasAName) {
+    std::vector<std::string> order;
+    std::vector<std::string> bars;
+    const Step look = [&](QDialog *window) {
+        for (int i = 0; i < 6; ++i) {
+            order.push_back(window->focusWidget()->accessibleName().toStdString());
+            QTest::keyClick(window->windowHandle(), Qt::Key_Tab);
+        }
+        for (const QWidget *widget : window->findChildren<QWidget *>()) {
+            EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->metaObject()->className();
+        }
+        for (const QScrollBar *bar : window->findChildren<QScrollBar *>()) {
+            bars.push_back(bar->accessibleName().toStdString());
+        }
+    };
+    RunOnScreen(image, 1, {look, StepsOf({Click(kOK)})[0]});
+    EXPECT_EQ(order,
+              (std::vector<std::string>{"Radius", "Radius \u2013", "Radius +", "Cancel", "OK", "Preview"}));
+    EXPECT_EQ(bars, (std::vector<std::string>{"Horizontal position", "Vertical position", "Radius"}));
+}
+
+// A sky over a field with a wire fence, and noise over all of it.
+TestImage Photograph() {
+    TestImage photo = RandomImage(600, 450, 3, 9);
+    for (int y = 0; y < photo.height; ++y) {
+        for (int x = 0; x < photo.width; ++x) {
+            const bool wire = (x + y) % 60 < 2 || x % 80 < 2;
+            const int light = 160 - y / 4;
+            const int color[] = {wire ? 30 : light - 40 + x / 12, wire ? 30 : light,
+                                 wire      ? 35
+                                 : y < 220 ? light + 60
+                                           : light - 60};
+            for (int c = 0; c < 3; ++c) {
+                uint8_t *sample = &photo.bytes[static_cast<size_t>((y * photo.width + x) * 3 + c)];
+                const int noise = *sample < 24 ? 200 - 16 * *sample : *sample / 8 - 16;
+                *sample = static_cast<uint8_t>(std::clamp(color[c] + noise, 0, 255));
+            }
+        }
+    }
+    return photo;
+}
+
+QPalette DarkPalette() {
+    QPalette dark(QColor(50, 50, 50));
+    dark.setColor(QPalette::Base, QColor(30, 30, 30));
+    return dark;
+}
+
+void ExpectCleanLayout(QDialog *window) {
+    const QList<QWidget *> widgets = window->findChildren<QWidget *>(Qt::FindDirectChildrenOnly);
+    const QRect inside = window->rect().adjusted(8, 8, -8, -8);
+    const Rect &preview = model::OpenDialogs().back()->window.port.drawn;
+    const QRect picture(QPoint(preview.left, preview.top), QPoint(preview.right - 1, preview.bottom - 1));
+    for (const QWidget *widget : widgets) {
+        SCOPED_TRACE(widget->accessibleName().toStdString());
+        EXPECT_TRUE(inside.contains(widget->geometry()));
+        EXPECT_FALSE(picture.intersects(widget->geometry()));
+        for (const QWidget *other : widgets) {
+            EXPECT_TRUE(widget == other || !widget->geometry().intersects(other->geometry()));
+        }
+        if (qobject_cast<const QLabel *>(widget) != nullptr) {
+            EXPECT_GE(widget->width(), widget->sizeHint().width());
+            EXPECT_GE(widget->height(), widget->sizeHint().height());
+        }
+    }
+}
+
+// Everything fits where it stands, nothing lies on anything else, and the theme's colours are kept. Pictures
+// go to the folder $HYMEDIAN_SCREENSHOTS.
+TEST_F(ScreenDialog, LooksRightInLightAndDark) {
+    InstallItems(DialogItemList());
+    ASSERT_EQ(UseScreenDialogs(), noErr);
+    const QPalette usual = QApplication::palette();
+    const std::pair<const char *, QPalette> themes[] = {{"/light.png", usual}, {"/dark.png", DarkPalette()}};
+    for (const auto &[name, palette] : themes) {
+        SCOPED_TRACE(name);
+        QApplication::setPalette(palette);
+        const Step look = [&, file = name, background = palette.color(QPalette::Window)](QDialog *window) {
+            ExpectCleanLayout(window);
+            const QImage shot = window->grab().toImage();
+            EXPECT_EQ(shot.pixelColor(2, 2), background);
+            if (const char *place = std::getenv("HYMEDIAN_SCREENSHOTS"); place != nullptr) {
+                EXPECT_TRUE(shot.save(QString(place) + file));
+            }
+        };
+        RunOnScreen(Photograph(), 4, {look, StepsOf({Click(kOK)})[0]});
+    }
+    QApplication::setPalette(usual);
+}
+
+}  // namespace
