@@ -168,9 +168,8 @@ std::string TakeItem(const Json &json, ActionItem *item) {
     if (kind == nullptr) {
         return type == nullptr ? "has no \"type\"" : "has an unknown type";
     }
-    const std::string wrong = kind->codeName == nullptr
-                                  ? CheckMembers(json, {"type", "value"})
-                                  : CheckMembers(json, {"type", kind->codeName, "value"});
+    std::string wrong = kind->codeName == nullptr ? CheckMembers(json, {"type", "value"})
+                                                  : CheckMembers(json, {"type", kind->codeName, "value"});
     if (!wrong.empty()) {
         return wrong;
     }
@@ -197,7 +196,7 @@ std::string TakeAction(const Json &json, Action *action) {
         const bool known = CodeOf(name, &item.key);
         const std::string wrong = known ? TakeItem(value, &item) : "is no code of four characters";
         if (!wrong.empty()) {
-            return "the parameter \"" + name + "\" " + wrong;
+            return std::string("the parameter \"").append(name).append("\" ").append(wrong);
         }
         action->items.push_back(std::move(item));
     }

@@ -129,7 +129,10 @@ bool NextJob(Batch *batch, std::string *job) {
 
 // The picture's outputs stay behind for as long as the result is in use.
 std::unique_ptr<Assigned> TakeBack(Batch *batch, size_t job) {
-    return std::move(batch->assigned.extract(job).mapped());
+    std::unique_ptr<Assigned> assigned;
+    assigned.swap(batch->assigned.at(job));
+    batch->assigned.erase(job);
+    return assigned;
 }
 
 bool TakeAnswer(Batch *batch, size_t job, const std::string &packed) {
@@ -204,8 +207,10 @@ MaybeFailure PlanBatch(const Options &options, std::vector<FileRequest> *request
         const std::string output = OutputOf(options, input);
         const auto [taken, isNew] = inputs.emplace(fs::weakly_canonical(output, error), input);
         if (!isNew) {
-            return Failure{kExitUsage, input + ": its output would be " + output + ", which is that of " +
-                                           taken->second + " already."};
+            std::string sentence = input;
+            sentence.append(": its output would be ").append(output);
+            sentence.append(", which is that of ").append(taken->second).append(" already.");
+            return Failure{kExitUsage, sentence};
         }
         requests->push_back(
             {input, output, options.comparisonFile, options.recordFile, options.force, options.inPlace});

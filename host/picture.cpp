@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <iterator>
@@ -157,10 +157,13 @@ void FillShape(VipsImage *image, const PictureMode &mode, VipsImage *metadata, D
 double ExifResolution(VipsImage *metadata, const char *field) {
     const char *text = nullptr;
     const char *unit = nullptr;
-    double numerator = 0;
-    double denominator = 0;
-    if (vips_image_get_typeof(metadata, field) == 0 || vips_image_get_string(metadata, field, &text) != 0 ||
-        std::sscanf(text, "%lf/%lf", &numerator, &denominator) != 2 || denominator <= 0) {
+    if (vips_image_get_typeof(metadata, field) == 0 || vips_image_get_string(metadata, field, &text) != 0) {
+        return 0;
+    }
+    char *slash = nullptr;
+    const double numerator = std::strtod(text, &slash);
+    const double denominator = *slash == '/' ? std::strtod(slash + 1, nullptr) : 0;
+    if (denominator <= 0) {
         return 0;
     }
     const bool centimeters = vips_image_get_typeof(metadata, VIPS_META_RESOLUTION_UNIT) != 0 &&

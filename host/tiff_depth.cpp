@@ -56,7 +56,7 @@ int32_t TiffDepth(const std::string &file) {
     const Layout &layout = reader.Number(2, 2) == kBigVersion ? kBig : kClassic;
     const uint64_t directory = reader.Number(layout.directoryPlace, layout.offsetBytes);
     const uint64_t entries = reader.Number(directory, layout.countBytes);
-    const auto entryBytes = static_cast<uint64_t>(4 + 2 * layout.offsetBytes);
+    const uint64_t entryBytes = 4 + 2 * static_cast<uint64_t>(layout.offsetBytes);
     uint64_t entry = directory + static_cast<uint64_t>(layout.countBytes);
     for (uint64_t i = 0; reader.stream && i < entries; ++i, entry += entryBytes) {
         if (reader.Number(entry, 2) == kBitsPerSample) {

@@ -28,6 +28,7 @@ std::vector<Span> Cut(int32_t begin, int32_t end, int32_t parts, int32_t maxLeng
         parts = std::max(parts, RoundedUp(length, maxLength - 2 * kMargin));
     }
     std::vector<Span> spans;
+    spans.reserve(static_cast<size_t>(parts));
     for (int32_t i = 0; i < parts; ++i) {
         spans.push_back({begin + static_cast<int32_t>(int64_t{length} * i / parts),
                          begin + static_cast<int32_t>(int64_t{length} * (i + 1) / parts)});

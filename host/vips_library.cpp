@@ -1,5 +1,7 @@
 #include "host/vips_library.h"
 
+#include <algorithm>
+
 namespace {
 
 // Warnings of damaged but readable files are nothing that the user could act on.
@@ -20,7 +22,7 @@ bool StartVips(const char *program) {
 std::string TakeVipsError() {
     std::string text = vips_error_buffer();
     vips_error_clear();
-    text = text.substr(0, text.find('\n'));
+    text.resize(std::min(text.size(), text.find('\n')));
     const size_t source = text.find(": ");
     text = source == std::string::npos ? text : text.substr(source + 2);
     while (!text.empty() && (text.back() == '.' || text.back() == ' ')) {
