@@ -33,7 +33,8 @@ FilterOutcome FilterInWorkers(const BandRequest &request, const std::vector<Tile
         if (handedOut == tiles.size()) {
             return false;
         }
-        *job = PackTileJob(request.pluginFolder, *request.document, request.action, tiles[handedOut++]);
+        *job = PackTileJob(request.pluginFolder, *request.document, request.action, request.dialog,
+                           tiles[handedOut++]);
         return true;
     };
     // Tiles are of about one size.

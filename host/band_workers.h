@@ -11,6 +11,7 @@ struct BandRequest {
     std::string pluginFolder;
     Document *document;
     Action action;
+    FilterDialog dialog;
     int32_t workers;
     Watcher watcher;
 };

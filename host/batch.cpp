@@ -74,11 +74,16 @@ void Settle(Batch *batch, size_t index, const MaybeFailure &failure, const FileR
 FilterOutcome Filter(Batch *batch, Document *document, const Watcher &watcher) {
     const Options &options = *batch->options;
     const Action &action = batch->settings->action;
+    const FilterDialog &dialog = batch->settings->dialog;
     const std::vector<Tile> tiles =
         CutIntoTiles(SelectedRect(*document), {.bands = BandsFor(*document, options.jobs)});
+    if (dialog.use == FilterDialog::Use::shown && tiles.size() > 1) {
+        return {errReportString, "the picture is too large to be shown in the dialog whole", {}};
+    }
     return options.jobs == 1 || tiles.size() == 1
-               ? FilterTiles({&batch->plugin->module, document, action, true, watcher}, tiles)
-               : FilterInWorkers({options.pluginFolder, document, action, options.jobs, watcher}, tiles);
+               ? FilterTiles({&batch->plugin->module, document, action, true, watcher, dialog}, tiles)
+               : FilterInWorkers({options.pluginFolder, document, action, dialog, options.jobs, watcher},
+                                 tiles);
 }
 
 MaybeFailure DoHere(Batch *batch, size_t index, FileReport *report) {

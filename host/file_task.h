@@ -15,6 +15,7 @@
 
 struct FilterSettings {
     Action action;
+    FilterDialog dialog;
     Selection selection;
 };
 

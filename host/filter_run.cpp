@@ -8,6 +8,7 @@
 #include "host/suites.h"
 #include "photoshop/filter_record.h"
 #include "platform/owned_block.h"
+#include "platform/scripted_dialogs.h"
 
 namespace {
 
@@ -18,6 +19,7 @@ constexpr int16_t kFlatImageWithSelection = 2;
 constexpr Fixed kFixedOne = 1 << 16;
 constexpr int32_t kRowAlignment = 64;
 constexpr uint8_t kSelected = 255;
+constexpr int16_t kRadiusField = 5;  // of the filter's dialog
 
 // Rows as the filter has them; null while it asks for none.
 struct Delivery {
@@ -38,6 +40,8 @@ struct Run {
 };
 
 Run *currentRun = nullptr;
+// In use from the run that sets it on.
+ScriptedSession answers;
 
 bool IsEmpty(const Rect &rect) {
     return rect.right <= rect.left || rect.bottom <= rect.top;
@@ -269,11 +273,18 @@ std::string MessageOf(const Run &run, OSErr result) {
 
 FilterOutcome RunFilter(const FilterRequest &request) {
     Run run = {};
+    if (request.dialog.use == FilterDialog::Use::answered) {
+        answers = {};
+        answers.actions = user::Answer(kRadiusField, std::to_string(request.dialog.radius));
+        UseScriptedDialogs(&answers);
+    }
     run.request = &request;
     run.document = request.document;
-    run.descriptorParameters = {kDescriptorParametersVersion, plugInDialogDontDisplay,
-                                plugInDialogOptional,         EncodeAction(request.action),
-                                HostWriteDescriptorProcs(),   HostReadDescriptorProcs()};
+    const bool asks = request.dialog.use != FilterDialog::Use::none;
+    run.descriptorParameters = {
+        kDescriptorParametersVersion, asks ? plugInDialogDisplay : plugInDialogDontDisplay,
+        plugInDialogOptional,         EncodeAction(request.action),
+        HostWriteDescriptorProcs(),   HostReadDescriptorProcs()};
     FillDocumentInfo(*run.document, &run.documentInfo);
     FillRecord(&run);
     ResetDestination(run.document);

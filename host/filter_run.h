@@ -5,6 +5,7 @@
 
 #include "host/action.h"
 #include "host/document.h"
+#include "host/filter_dialog.h"
 #include "host/module.h"
 #include "host/watcher.h"
 #include "platform/types.h"
@@ -12,9 +13,10 @@
 struct FilterRequest {
     Module *module;
     Document *document;
-    Action action;           // played back without a dialog
+    Action action;           // played back
     bool offerAdvanceState;  // else every request of the filter is answered by a Continue
     Watcher watcher;
+    FilterDialog dialog = {};
 };
 
 struct FilterOutcome {

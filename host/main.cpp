@@ -13,6 +13,7 @@
 #include "host/vips_library.h"
 #include "host/worker.h"
 #include "host/worker_pool.h"
+#include "platform/dialog_backend.h"
 
 namespace {
 
@@ -21,7 +22,11 @@ Plugin plugin;
 
 MaybeFailure TakeSettings(const Options &options, FilterSettings *settings) {
     settings->selection = {options.selection, options.maskFile};
-    if (options.radius) {
+    if (options.dialog) {
+        settings->dialog.use = FilterDialog::Use::shown;
+    } else if (options.radius && *options.radius > kMaxActionRadius) {
+        settings->dialog = {FilterDialog::Use::answered, static_cast<int32_t>(*options.radius)};
+    } else if (options.radius) {
         settings->action.items.push_back({.key = kRadiusKey, .type = typeFloat, .number = *options.radius});
     }
     return options.playFile.empty() ? std::nullopt : ReadAction(options.playFile, &settings->action);
@@ -34,7 +39,11 @@ MaybeFailure Prepare(const Options &options, FilterSettings *settings, std::vect
     if (MaybeFailure failure = TakeSettings(options, settings)) {
         return failure;
     }
-    return OpenPlugin(options.pluginFolder, &plugin);
+    if (MaybeFailure failure = OpenPlugin(options.pluginFolder, &plugin)) {
+        return failure;
+    }
+    const OSErr problem = options.dialog ? UseScreenDialogs() : noErr;
+    return problem == noErr ? std::nullopt : MaybeFailure({kExitFailed, ScreenDialogProblem(problem)});
 }
 
 int Run(const Options &options) {

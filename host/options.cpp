@@ -9,9 +9,9 @@
 
 namespace {
 
-// What an action may hold.
+// Beyond what an action may hold, the filter's dialog takes whole numbers.
 constexpr double kMinRadius = 1;
-constexpr double kMaxRadius = 4;
+constexpr double kDialogRadii[] = {5, 6};
 constexpr int32_t kMaxJobs = 256;
 
 Failure WrongUsage(const std::string &reason) {
@@ -29,9 +29,15 @@ bool HasSuffix(const std::string &file, const std::string &suffix) {
            file.compare(file.size() - suffix.size(), suffix.size(), suffix) == 0;
 }
 
+// Also refuses what is not a number.
+bool IsRadius(double radius) {
+    return (radius >= kMinRadius && radius <= kMaxActionRadius) ||
+           std::find(std::begin(kDialogRadii), std::end(kDialogRadii), radius) != std::end(kDialogRadii);
+}
+
 MaybeFailure CheckOptions(const Options &options) {
-    const bool radiusSound =
-        !options.radius || (*options.radius >= kMinRadius && *options.radius <= kMaxRadius);
+    const bool radiusSound = !options.radius || IsRadius(*options.radius);
+    const bool beyondActions = options.radius && *options.radius > kMaxActionRadius;
     const std::string first = options.inputFiles.empty() ? "" : options.inputFiles.front();
     const bool several = options.inputFiles.size() > 1;
     const bool nowhere = options.output.empty() && !options.inPlace;
@@ -40,8 +46,8 @@ MaybeFailure CheckOptions(const Options &options) {
         std::string reason;
     } checks[] = {
         {options.inputFiles.empty() && !options.info, "A picture is missing"},
-        // Also refuses what is not a number.
-        {!radiusSound, "The radius must be from 1 to 4"},
+        {!radiusSound, "The radius must be from 1 to 4, or 5 or 6"},
+        {beyondActions && !options.recordFile.empty(), "--record keeps a radius of at most 4"},
         {options.jobs < 1 || options.jobs > kMaxJobs,
          "The number of jobs must be from 1 to " + std::to_string(kMaxJobs)},
         {several && !options.comparisonFile.empty(), "--compare takes one picture"},
@@ -68,10 +74,13 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
                    "The filtered picture, whose suffix decides the format; or the folder of all outputs");
     auto *radius =
         app.add_option("-r,--radius", options->radius,
-                       "How far the filter reaches, from 1 to 4; without it, as far as the last time");
-    app.add_option("--play", options->playFile, "Play a recorded action back")
-        ->type_name("FILE")
-        ->excludes(radius);
+                       "How far the filter reaches, from 1 to 6; without it, as far as the last time");
+    auto *play = app.add_option("--play", options->playFile, "Play a recorded action back")
+                     ->type_name("FILE")
+                     ->excludes(radius);
+    app.add_flag("--dialog", options->dialog, "Ask for the radius, with a preview")
+        ->excludes(radius)
+        ->excludes(play);
     app.add_option("--record", options->recordFile, "Write the action for --play")->type_name("FILE");
     app.add_option("--select", selection, "Filter this rectangle alone")->type_name("X,Y,W,H");
     app.add_option("--mask", options->maskFile, "Filter as far as this grey picture is white")
@@ -97,6 +106,10 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
         return std::nullopt;
     } catch (const CLI::ParseError &error) {
         return WrongUsage(OneLine(error.what()));
+    }
+    if (options->dialog) {
+        // One picture at a time, and whole.
+        options->jobs = 1;
     }
     options->selection = ParseRect(selection);
     if (!selection.empty() && !options->selection) {

@@ -9,6 +9,9 @@
 #include "host/failure.h"
 #include "photoshop/document_info.h"
 
+// What an action may hold; a larger radius is one for the filter's dialog.
+constexpr double kMaxActionRadius = 4;
+
 struct Options {
     std::vector<std::string> inputFiles;
     std::string output;  // a file, or a folder; empty with --in-place alone
@@ -20,6 +23,7 @@ struct Options {
     std::optional<VRect> selection;
     std::string pluginFolder;
     int32_t jobs = 1;
+    bool dialog = false;
     bool inPlace = false;
     bool force = false;
     bool quiet = false;

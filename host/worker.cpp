@@ -83,7 +83,8 @@ FilterOutcome DoTile(TileJob *job, Workplace *workplace) {
     FilterOutcome outcome = {memFullErr, {}, {}};
     if (Attach(job->masked, workplace, &job->document)) {
         outcome = FilterTile(
-            {&workplace->plugin.module, &job->document, job->action, true, ReportingWatcher()}, job->tile);
+            {&workplace->plugin.module, &job->document, job->action, true, ReportingWatcher(), job->dialog},
+            job->tile);
     }
     Detach(workplace, &job->document);
     return outcome;
@@ -103,8 +104,9 @@ FileAnswer DoFile(const FileTask &task, Workplace *workplace) {
     answer.failure = OpenPicture(task.inputFile, &picture);
     if (!answer.failure) {
         const auto filter = [&](Document *document, const Watcher &watcher) {
-            const FilterRequest request = {&workplace->plugin.module, document, task.settings.action, true,
-                                           watcher};
+            const FilterRequest request = {
+                &workplace->plugin.module, document, task.settings.action, true, watcher,
+                task.settings.dialog};
             return FilterTiles(request, CutIntoTiles(SelectedRect(*document), {}));
         };
         answer.failure = DoFileTask(task, &picture, filter, ReportingWatcher(), &answer.report);

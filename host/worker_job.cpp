@@ -79,8 +79,8 @@ bool TakeTask(std::string_view *packed, FileTask *task) {
     }
     RectRecord rect;
     Selection *selection = &task->settings.selection;
-    if (!TakeActionText(packed, &task->settings.action) || !TakeText(packed, &selection->maskFile) ||
-        !TakeRecord(packed, &rect)) {
+    if (!TakeActionText(packed, &task->settings.action) || !TakeRecord(packed, &task->settings.dialog) ||
+        !TakeText(packed, &selection->maskFile) || !TakeRecord(packed, &rect)) {
         return false;
     }
     selection->rect = rect.there ? std::optional(rect.rect) : std::nullopt;
@@ -89,7 +89,8 @@ bool TakeTask(std::string_view *packed, FileTask *task) {
 
 bool TakeTile(std::string_view *packed, TileJob *job) {
     Shape shape;
-    if (!TakeRecord(packed, &shape) || !TakeActionText(packed, &job->action)) {
+    if (!TakeRecord(packed, &shape) || !TakeActionText(packed, &job->action) ||
+        !TakeRecord(packed, &job->dialog)) {
         return false;
     }
     TakeShape(shape, job);
@@ -99,10 +100,11 @@ bool TakeTile(std::string_view *packed, TileJob *job) {
 }  // namespace
 
 std::string PackTileJob(const std::string &pluginFolder, const Document &document, const Action &action,
-                        const Tile &tile) {
+                        const FilterDialog &dialog, const Tile &tile) {
     std::string packed = JobHead(pluginFolder, kTileMark);
     AppendRecord(&packed, ShapeOf(document, tile));
     AppendText(&packed, PackAction(action));
+    AppendRecord(&packed, dialog);
     return packed;
 }
 
@@ -113,6 +115,7 @@ std::string PackFileJob(const std::string &pluginFolder, const FileTask &task) {
     }
     const Selection &selection = task.settings.selection;
     AppendText(&packed, PackAction(task.settings.action));
+    AppendRecord(&packed, task.settings.dialog);
     AppendText(&packed, selection.maskFile);
     AppendRecord(&packed, RectRecord{selection.rect.has_value(), selection.rect.value_or(VRect{})});
     return packed;

@@ -16,6 +16,7 @@ struct TileJob {
     bool masked = false;
     Tile tile = {};
     Action action;
+    FilterDialog dialog;
 };
 
 struct WorkerJob {
@@ -30,7 +31,7 @@ struct FileAnswer {
 };
 
 std::string PackTileJob(const std::string &pluginFolder, const Document &document, const Action &action,
-                        const Tile &tile);
+                        const FilterDialog &dialog, const Tile &tile);
 std::string PackFileJob(const std::string &pluginFolder, const FileTask &task);
 bool UnpackJob(std::string_view packed, WorkerJob *job);
 
