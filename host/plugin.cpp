@@ -17,7 +17,7 @@ namespace {
 constexpr char kResourceName[] = "HybridMedian.rsrc";
 constexpr int16_t kPropertyListID = 16000;
 
-MaybeFailure OpenResources(const std::string &path) {
+MaybeFailure OpenResources(const std::string &path, int16_t *resources) {
     std::error_code error;
     FSSpec spec;
     const OSErr err = SpecFromPosixPath(fs::absolute(path, error), &spec);
@@ -26,7 +26,8 @@ MaybeFailure OpenResources(const std::string &path) {
                                                : "the plug-in's resource file has no name that it could be "
                                                  "opened by");
     }
-    if (FSpOpenResFile(&spec, fsRdPerm) == -1) {
+    *resources = FSpOpenResFile(&spec, fsRdPerm);
+    if (*resources == -1) {
         return FileFailure(path, ResError() == mapReadErr ? "the plug-in's resource file is damaged"
                                                           : "the plug-in's resource file cannot be read");
     }
@@ -35,13 +36,19 @@ MaybeFailure OpenResources(const std::string &path) {
 
 }  // namespace
 
+Plugin::~Plugin() {
+    if (resources != -1) {
+        CloseResFile(resources);
+    }
+}
+
 MaybeFailure OpenPlugin(const std::string &folder, Plugin *plugin) {
     // First, since its failure speaks of a wrong folder.
     if (MaybeFailure failure = LoadModule(folder, &plugin->module)) {
         return failure;
     }
     const std::string path = (fs::path(folder) / kResourceName).string();
-    if (MaybeFailure failure = OpenResources(path)) {
+    if (MaybeFailure failure = OpenResources(path, &plugin->resources)) {
         return failure;
     }
     const Handle list = GetResource(PIPropertyListType, kPropertyListID);

@@ -11,9 +11,14 @@
 struct Plugin {
     PluginInfo info;
     Module module;
+    int16_t resources = -1;  // open as long as the plug-in is: the filter reads from it, too
+
+    Plugin() = default;
+    Plugin(const Plugin &) = delete;
+    Plugin &operator=(const Plugin &) = delete;
+    ~Plugin();
 };
 
-// The resource file stays open with the module, to the end of the process: the filter reads from it too.
 MaybeFailure OpenPlugin(const std::string &folder, Plugin *plugin);
 
 // Refuses a document whose mode the plug-in does not declare.

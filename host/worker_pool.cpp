@@ -34,14 +34,15 @@ struct Worker {
     // What waitpid tells; 0 when it had ended before.
     int End() {
         int status = 0;
-        if (line >= 0) {
-            close(line);
-            line = -1;
-        }
+        // Before it hears that the line is closed, and would end in its own way.
         if (process > 0) {
             kill(process, SIGKILL);
             waitpid(process, &status, 0);
             process = -1;
+        }
+        if (line >= 0) {
+            close(line);
+            line = -1;
         }
         return status;
     }
