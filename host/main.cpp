@@ -9,11 +9,11 @@
 #include "host/options.h"
 #include "host/plugin.h"
 #include "host/preferences_folder.h"
+#include "host/screen_dialogs.h"
 #include "host/tell.h"
 #include "host/vips_library.h"
 #include "host/worker.h"
 #include "host/worker_pool.h"
-#include "platform/dialog_backend.h"
 
 namespace {
 
@@ -42,8 +42,7 @@ MaybeFailure Prepare(const Options &options, FilterSettings *settings, std::vect
     if (MaybeFailure failure = OpenPlugin(options.pluginFolder, &plugin)) {
         return failure;
     }
-    const OSErr problem = options.dialog ? UseScreenDialogs() : noErr;
-    return problem == noErr ? std::nullopt : MaybeFailure({kExitFailed, ScreenDialogProblem(problem)});
+    return options.dialog ? ShowDialogs() : std::nullopt;
 }
 
 int Run(const Options &options) {

@@ -52,6 +52,10 @@ class Program : public ScratchFolder {
         const pid_t child = fork();
         if (child == 0) {
             setpgid(0, 0);
+            // No windows on the developer's desktop.
+            for (const char *display : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+                unsetenv(display);
+            }
             if (fileSizeLimit != 0) {
                 // Writing more fails, as on a full disk.
                 const rlimit limit = {fileSizeLimit, fileSizeLimit};

@@ -2,6 +2,8 @@
 #include <chrono>
 #include <thread>
 
+#include "host/picture.h"
+#include "median/plain_filter.h"
 #include "tests/host/program_fixture.h"
 
 namespace {
@@ -82,6 +84,11 @@ TEST_F(Program, FailsWithOneSentenceAndLeavesNothing) {
         {{"good.png", "-o", "new.png", "--plugin", "no-main"}, 1, "main"},
         {{"good.png", "-o", "new.png", "-r", "0.5"}, 2, "radius"},
         {{"good.png", "-o", "new.png", "-r", "4.01"}, 2, "radius"},
+        {{"good.png", "-o", "new.png", "-r", "5.5"}, 2, "radius"},
+        {{"good.png", "-o", "new.png", "-r", "7"}, 2, "radius"},
+        {{"good.png", "-o", "new.png", "-r", "5", "--record", "new.json"}, 2, "--record"},
+        {{"good.png", "-o", "new.png", "--dialog"}, 1, "Dialogs need"},
+        {{"good.png", "-o", "new.png", "--dialog", "-r", "2"}, 2, "--dialog"},
         {{"good.png", "-o", "new.png", "-r", "nan"}, 2, "radius"},
         {{"good.png", "-o", "new.png", "-r", "wide"}, 2, "wide"},
         {{"good.png", "-o", "new.png", "--raduis", "2"}, 2, "--raduis"},
@@ -201,6 +208,33 @@ TEST_F(Program, AnyNumberOfJobsGivesTheSameFile) {
         EXPECT_EQ(results.size(), 1u);
         EXPECT_EQ(preferences.size(), 1u);
         EXPECT_EQ(summaries.size(), 1u);
+    }
+}
+
+std::vector<uint8_t> PixelsOf(const std::string &file) {
+    Picture picture;
+    EXPECT_FALSE(OpenPicture(file, &picture));
+    EXPECT_FALSE(ReadPixels(&picture, {}));
+    const uint8_t *pixels = picture.document.source.get();
+    return {pixels, pixels + PixelBytes(picture.document)};
+}
+
+// Radii that no action holds go through the filter's own dialog.
+TEST_F(Program, EveryRadiusGivesWhatItsDefinitionGives) {
+    constexpr int32_t kWidth = 400;
+    constexpr int32_t kHeight = 30;
+    WriteNoise("in.png", kWidth, kHeight, 3);
+    const std::vector<uint8_t> noise = PixelsOf(Path("in.png"));
+    for (int32_t radius = 1; radius <= 6; ++radius) {
+        std::vector<uint8_t> defined(noise.size());
+        FilterPlainly({PixelFormat::kRgb8, kWidth, kHeight, noise.data()}, radius, defined.data());
+        const std::string digit = std::to_string(radius);
+        const Ended asked = Wait(Start({"in.png", "-o", "out.png", "-f", "-r", digit}));
+        EXPECT_EQ(asked.status, 0) << asked.err;
+        EXPECT_EQ(PixelsOf(Path("out.png")), defined) << radius;
+        const Ended remembered = Wait(Start({"in.png", "-o", "out.png", "-f"}));
+        EXPECT_NE(remembered.out.find("radius " + digit + ","), std::string::npos) << remembered.out;
+        EXPECT_EQ(PixelsOf(Path("out.png")), defined) << radius;
     }
 }
 
