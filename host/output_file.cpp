@@ -10,6 +10,8 @@
 #include <cstring>
 #include <filesystem>
 
+#include "host/dead_temporaries.h"
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -97,14 +99,21 @@ MaybeFailure PlanOutput(const OutputRequest &request, OutputFile *output) {
 }
 
 MaybeFailure CreateTemporary(OutputFile *output) {
+    const fs::path folder = FolderOf(*output);
     const std::string suffix = fs::path(output->target).extension();
-    std::string path = FolderOf(*output) / (".hymedian-XXXXXX" + suffix);
-    output->descriptor = mkostemps(path.data(), static_cast<int>(suffix.size()), O_CLOEXEC);
-    if (output->descriptor < 0) {
-        return Unwritable(*output, errno);
+    ClearDeadTemporaries(folder);
+    for (;;) {
+        std::string path = folder / (std::string(kTemporaryPrefix) + "XXXXXX" + suffix);
+        output->descriptor = mkostemps(path.data(), static_cast<int>(suffix.size()), O_CLOEXEC);
+        if (output->descriptor < 0) {
+            return Unwritable(*output, errno);
+        }
+        if (LockTemporary(output->descriptor)) {
+            output->temporary = path;
+            return std::nullopt;
+        }
+        close(output->descriptor);
     }
-    output->temporary = path;
-    return std::nullopt;
 }
 
 MaybeFailure Publish(OutputFile *output) {

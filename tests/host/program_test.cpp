@@ -177,6 +177,34 @@ TEST_F(Program, InterruptLeavesNothing) {
     }
 }
 
+TEST_F(Program, KilledRunsAreClearedUpAfterAndLivingOnesLeftAlone) {
+    WriteNoise("in.png", 2000, 2000, 3);
+    WriteNoise("small.png", 20, 20, 3);
+    const std::set<std::string> before = Names();
+    // Until there is a file that was not there.
+    const auto startLongRun = [&](const char *out, const std::set<std::string> &known) {
+        const pid_t child = Start({"in.png", "-o", out, "-r", "4", "--jobs", "1"});
+        std::set<std::string> names = known;
+        while (std::includes(known.begin(), known.end(), names.begin(), names.end())) {
+            names = Names();
+        }
+        return child;
+    };
+    const pid_t dying = startLongRun("never.png", before);
+    kill(-dying, SIGKILL);
+    Wait(dying);
+    const std::set<std::string> withTemporary = Names();
+    EXPECT_EQ(withTemporary.size(), before.size() + 1);
+    const pid_t living = startLongRun("later.png", withTemporary);
+    kill(-living, SIGSTOP);
+    EXPECT_EQ(Wait(Start({"small.png", "-o", "small-out.png"})).status, 0);
+    kill(-living, SIGCONT);
+    EXPECT_EQ(Wait(living).status, 0);
+    std::set<std::string> after = before;
+    after.insert({"small-out.png", "later.png"});
+    EXPECT_EQ(Names(), after);
+}
+
 // Finds the program's children through the process table, which lists them for its first thread.
 std::vector<pid_t> ChildrenOf(pid_t process) {
     const std::string number = std::to_string(process);
