@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <iterator>
 #include <limits>
@@ -58,16 +59,39 @@ int PrintPSNR(char **files) {
     return 0;
 }
 
+// Lays a picture side by side until a larger one is full.
+int Tile(char **arguments) {
+    PictureRGB picture;
+    const int width = std::atoi(arguments[1]);
+    const int height = std::atoi(arguments[2]);
+    if (width < 1 || height < 1) {
+        std::fprintf(stderr, "chart: a picture of %s x %s pixels cannot be made\n", arguments[1],
+                     arguments[2]);
+        return 2;
+    }
+    if (!ReadRGB(arguments[0], &picture)) {
+        return TellVipsError();
+    }
+    PictureRGB tiled = MakePicture(width, height, {255, 255, 255});
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            At(tiled, x, y) = At(picture, x % picture.width, y % picture.height);
+        }
+    }
+    return WriteRGB(tiled, arguments[3]) ? 0 : TellVipsError();
+}
+
 struct Command {
     const char *name;
-    int files;
+    int arguments;
     const char *usage;
-    int (*run)(char **files);
+    int (*run)(char **arguments);
 };
 
 constexpr Command kCommands[] = {
     {"draw", 2, "CLEAN.png NOISY.png", Draw},
     {"psnr", 2, "CLEAN OTHER", PrintPSNR},
+    {"tile", 4, "PICTURE WIDTH HEIGHT OUT", Tile},
 };
 
 int TellUsage() {
@@ -83,7 +107,7 @@ int main(int count, char **arguments) {
     const auto *command = std::find_if(std::begin(kCommands), std::end(kCommands), [=](const Command &known) {
         return count > 1 && std::strcmp(known.name, arguments[1]) == 0;
     });
-    if (command == std::end(kCommands) || count != 2 + command->files) {
+    if (command == std::end(kCommands) || count != 2 + command->arguments) {
         return TellUsage();
     }
     if (VIPS_INIT(arguments[0]) != 0) {
