@@ -44,7 +44,7 @@ bool WriteRGB(const PictureRGB &picture, const std::string &file) {
         return false;
     }
     image->Type = VIPS_INTERPRETATION_sRGB;
-    const bool written = vips_pngsave(image, file.c_str(), nullptr) == 0;
+    const bool written = vips_image_write_to_file(image, file.c_str(), nullptr) == 0;
     g_object_unref(image);
     return written;
 }
