@@ -42,17 +42,9 @@ std::vector<uint8_t> Noise(int16_t width, int16_t bytesPerPixel) {
     return bytes;
 }
 
-// All pairs of samples whose distances the filter's definition counts for a pixel.
-double PairsPerPixel(int radius) {
-    const double samples = 4 * radius + 1;
-    return (radius == 1 ? 2 : 4) * samples * (samples - 1) / 2;
-}
-
-void Count(benchmark::State &state, int16_t width, int radius) {
+void Count(benchmark::State &state, int16_t width) {
     const double pixels = static_cast<double>(width) * kHeight * static_cast<double>(state.iterations());
     state.counters["MP/s"] = benchmark::Counter(pixels / 1e6, benchmark::Counter::kIsRate);
-    state.counters["ns/pair"] = benchmark::Counter(pixels * PairsPerPixel(radius) / 1e9,
-                                                   benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
 void Plain(benchmark::State &state, Layout layout, int radius) {
@@ -62,7 +54,7 @@ void Plain(benchmark::State &state, Layout layout, int radius) {
         (void)iteration;
         FilterPlainly({layout.format, kPlainWidth, kHeight, noise.data()}, radius, filtered.data());
     }
-    Count(state, kPlainWidth, radius);
+    Count(state, kPlainWidth);
 }
 
 // NewHyMedian, line access and all.
@@ -85,7 +77,7 @@ void Kernel(benchmark::State &state, const HybridKernel *kernel, Layout layout, 
         NewHyMedian(image, static_cast<float>(radius), false, nullptr, 1, 2, 3);
     }
     TossTempImage(image);
-    Count(state, kWidth, radius);
+    Count(state, kWidth);
 }
 
 }  // namespace

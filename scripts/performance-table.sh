@@ -19,7 +19,7 @@ for layout in ${LAYOUTS:-rgb8}; do
                 split($1, place, /[\/_]/)
                 kernel = place[1]; radius = place[3]
                 if (!(kernel in seen)) { seen[kernel] = 1; kernels[++count] = kernel }
-                speed[kernel, radius] = $(NF - 1); pair[kernel, radius] = $NF * 1e9
+                speed[kernel, radius] = $NF
             }
             function table(title, value, form,    k, r) {
                 printf "\n%s, %s\n\n| radius | 1 | 2 | 3 | 4 | 5 | 6 |\n|---|---|---|---|---|---|---|\n", layout, title
@@ -29,9 +29,12 @@ for layout in ${LAYOUTS:-rgb8}; do
                     print ""
                 }
             }
-            function cell(value, kernel, radius) {
+            function cell(value, kernel, radius,    n, pairs) {
                 if (value == "ratio") return speed[kernel, radius] / speed["plain", radius]
-                return value == "pair" ? pair[kernel, radius] : speed[kernel, radius]
+                # The definition counts all pairs of 4 * radius + 1 samples, in two sets at radius 1, in four beyond.
+                n = 4 * radius + 1
+                pairs = (radius == 1 ? 2 : 4) * n * (n - 1) / 2
+                return value == "pair" ? 1e3 / (speed[kernel, radius] * pairs) : speed[kernel, radius]
             }
             END {
                 table("megapixels per second", "speed", " %.3g |")
