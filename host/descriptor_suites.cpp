@@ -25,6 +25,8 @@ namespace {
 constexpr OSErr coercedParamErr = 2;
 constexpr size_t kMaxStringLength = 255;
 
+// The suite says what the keys' type is.
+// NOLINTNEXTLINE(readability-non-const-parameter)
 PIReadDescriptor OpenReader(Handle descriptor, OSType *keys) {
     Action action;
     if (!DecodeAction(descriptor, &action)) {

@@ -41,7 +41,7 @@ constexpr int32_t kMaxJpegSide = 65500;
 constexpr int32_t kMaxWebpSide = 16383;
 
 // For the colour spaces beside grey and RGB.
-constexpr std::string_view kNoOther = "";
+constexpr std::string_view kNoOther;
 constexpr std::string_view kAlsoCMYK = "CMYK";
 constexpr std::string_view kAlsoLabAndCMYK = "Lab CMYK";
 
@@ -126,9 +126,10 @@ MaybeFailure CheckFormatHolds(const PictureFormat &format, const Document &docum
     };
     for (const auto &[refused, what] : checks) {
         if (refused) {
-            return FileFailure(inputFile, "its " + what + " would not fit into " + outputFile + ", as " +
-                                              format.name + " cannot hold that; choose " +
-                                              SuffixesThatHold(document));
+            std::string reason = "its " + what;
+            reason.append(" would not fit into ").append(outputFile);
+            reason.append(", as ").append(format.name).append(" cannot hold that; choose ");
+            return FileFailure(inputFile, reason + SuffixesThatHold(document));
         }
     }
     return std::nullopt;

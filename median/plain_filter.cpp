@@ -37,9 +37,10 @@ Color CandidateAt(const Candidates &candidates, int32_t index) {
 }
 
 Color SetMedian(const Band &band, int32_t x, const PixelOffset *offsets, int32_t count) {
+    Color *const *center = band.data() + kCenterLine;
     float r[kMaxSetSize], g[kMaxSetSize], b[kMaxSetSize];
     for (int32_t i = 0; i < count; ++i) {
-        const Color &color = band.data()[kCenterLine + offsets[i].dy][x + kMargin + offsets[i].dx];
+        const Color &color = center[offsets[i].dy][x + kMargin + offsets[i].dx];
         r[i] = color.r;
         g[i] = color.g;
         b[i] = color.b;

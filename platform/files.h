@@ -50,12 +50,12 @@ extern "C" {
 OSErr FindFolder(int16_t vRefNum, OSType folderType, Boolean createFolder, int16_t *foundVRefNum,
                  int32_t *foundDirID);
 
-// Makes a specification from a colon path: "Volume:Folder:Name", or, with a leading colon or none at all,
+// Makes an FSSpec from a colon path: "Volume:Folder:Name", or, with a leading colon or none at all,
 // relative to the folder the process was started in (volume and directory 0 are the only ones taken). One
-// colon may follow a folder's name. fnfErr: the specification is sound, but nothing has its name.
+// colon may follow a folder's name. fnfErr: the FSSpec is sound, but nothing has its name.
 OSErr FSMakeFSSpec(int16_t vRefNum, int32_t dirID, ConstStringPtr path, FSSpec *spec);
 
-// The calls on a specification, like those on volume, directory and name below.
+// The calls on an FSSpec, like those on volume, directory and name below.
 OSErr FSpCreate(const FSSpec *spec, OSType creator, OSType fileType, int16_t scriptTag);
 OSErr FSpDirCreate(const FSSpec *spec, int16_t scriptTag, int32_t *createdDirID);
 OSErr FSpOpenDF(const FSSpec *spec, int8_t permission, int16_t *refNum);

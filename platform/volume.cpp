@@ -77,7 +77,7 @@ std::string Joined(const std::string &folder, const std::string &name) {
     return folder.back() == '/' ? folder + name : folder + '/' + name;
 }
 
-// What cannot be resolved leaves a specification on which every call fails with the same error: an empty
+// What cannot be resolved leaves an FSSpec on which every call fails with the same error: an empty
 // name, or no folder.
 OSErr MakeSpec(int16_t vRefNum, const std::string &folder, std::string_view name, FSSpec *spec) {
     *spec = {vRefNum, volume::kRoot, {}};

@@ -23,10 +23,10 @@ OSErr ItemPath(int16_t vRefNum, int32_t dirID, ConstStringPtr name, std::string 
 // Name and parent of a directory.
 OSErr CatalogueEntry(int16_t vRefNum, int32_t dirID, StringPtr name, int32_t *parentID);
 
-// The specification of a colon path, whether or not its last component exists.
+// The FSSpec of a colon path, whether or not its last component exists.
 OSErr ResolvePath(std::string_view path, FSSpec *spec);
 
-// The specification of a POSIX path on the startup volume.
+// The FSSpec of a POSIX path on the startup volume.
 OSErr ResolvePosixPath(const std::string &path, FSSpec *spec);
 
 // The File Manager's code for what errno says.

@@ -62,8 +62,8 @@ int PrintPSNR(char **files) {
 // Lays a picture side by side until a larger one is full.
 int Tile(char **arguments) {
     PictureRGB picture;
-    const int width = std::atoi(arguments[1]);
-    const int height = std::atoi(arguments[2]);
+    const auto width = static_cast<int>(std::strtol(arguments[1], nullptr, 10));
+    const auto height = static_cast<int>(std::strtol(arguments[2], nullptr, 10));
     if (width < 1 || height < 1) {
         std::fprintf(stderr, "chart: a picture of %s x %s pixels cannot be made\n", arguments[1],
                      arguments[2]);

@@ -14,4 +14,5 @@ status=("${PIPESTATUS[@]}")
 
 echo "cppcheck"
 cppcheck --quiet --std=c++20 --language=c++ --enable=warning,performance,portability --inline-suppr \
-    --error-exitcode=1 -I . --suppress=missingIncludeSystem $sources
+    --error-exitcode=1 -I . --suppress=missingIncludeSystem \
+    --suppressions-list=scripts/cppcheck-suppressions.txt $sources
