@@ -6,11 +6,10 @@ cd "$(dirname "$0")/.."
 sources=$(git ls-files '*.cpp' ':!tests/')
 echo "clang-tidy"
 # The build's flags are GCC's: clang does not know all of them, and nests fold expressions less deeply.
+# What clang-tidy counts on standard error is of no interest; its status is.
 xargs -P "$(nproc)" -n 4 clang-tidy -quiet -p build \
-    --extra-arg=-Wno-unknown-warning-option --extra-arg=-Wno-ignored-optimization-argument --extra-arg=-fbracket-depth=512 <<<"$sources" 2>&1 |
-    { grep -vE '^[0-9]+ warnings? (and [0-9]+ errors? )?(generated|treated)|^Suppressed|^Use -header-filter' || true; }
-status=("${PIPESTATUS[@]}")
-[ "${status[0]}" -eq 0 ]
+    --extra-arg=-Wno-unknown-warning-option --extra-arg=-Wno-ignored-optimization-argument \
+    --extra-arg=-fbracket-depth=512 <<<"$sources" 2>/dev/null
 
 echo "cppcheck"
 cppcheck --quiet --std=c++20 --language=c++ --enable=warning,performance,portability --inline-suppr \
