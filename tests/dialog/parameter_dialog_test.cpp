@@ -19,15 +19,6 @@ using user::MoveThumb;
 using user::Press;
 using Actions = std::vector<UserAction>;
 
-constexpr char kReturn = kReturnCharCode;
-constexpr char kEnter = kEnterCharCode;
-constexpr char kEscape = kEscapeCharCode;
-constexpr char kBackspace = kBackspaceCharCode;
-constexpr int16_t kUp = kControlUpButtonPart;
-constexpr int16_t kDownArrow = kControlDownButtonPart;
-constexpr int16_t kPageUp = kControlPageUpPart;
-constexpr int16_t kPageDown = kControlPageDownPart;
-
 Actions Typed(const std::string &text) {
     Actions actions;
     std::transform(text.begin(), text.end(), std::back_inserter(actions), [](char c) { return Key(c); });

@@ -23,15 +23,6 @@ using user::MoveThumb;
 using user::Press;
 using Step = std::function<void(QDialog *)>;
 
-constexpr char kReturn = kReturnCharCode;
-constexpr char kEnter = kEnterCharCode;
-constexpr char kEscape = kEscapeCharCode;
-constexpr char kBackspace = kBackspaceCharCode;
-constexpr int16_t kUp = kControlUpButtonPart;
-constexpr int16_t kDownArrow = kControlDownButtonPart;
-constexpr int16_t kPageUp = kControlPageUpPart;
-constexpr int16_t kPageDown = kControlPageDownPart;
-
 QPoint CenterOf(int16_t item) {
     const Rect &bounds = model::OpenDialogs().back()->items[static_cast<size_t>(item - 1)].bounds;
     return {(bounds.left + bounds.right) / 2, (bounds.top + bounds.bottom) / 2};

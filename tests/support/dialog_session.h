@@ -9,6 +9,16 @@
 #include "toolkit/filter_hooks.h"
 #include "toolkit/run_context.h"
 
+// Keys and parts of bars, short enough for tables of sessions.
+constexpr char kReturn = kReturnCharCode;
+constexpr char kEnter = kEnterCharCode;
+constexpr char kEscape = kEscapeCharCode;
+constexpr char kBackspace = kBackspaceCharCode;
+constexpr int16_t kUp = kControlUpButtonPart;
+constexpr int16_t kDownArrow = kControlDownButtonPart;
+constexpr int16_t kPageUp = kControlPageUpPart;
+constexpr int16_t kPageDown = kControlPageDownPart;
+
 constexpr OSType kDialogType = FourCharCode("DLOG");
 constexpr OSType kItemListType = FourCharCode("DITL");
 
