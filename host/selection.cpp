@@ -57,7 +57,7 @@ MaybeFailure ReadMask(const std::string &maskFile, const std::string &file, cons
     if (MaybeFailure failure = ReadPixels(&mask, watcher)) {
         return failure;
     }
-    document->mask = MapBlock(MaskBytes(*document));
+    document->mask = MapBlock(MaskBytes(*document), document->sharing);
     if (document->mask == nullptr) {
         return FileFailure(maskFile, "there is not enough memory to read it");
     }
