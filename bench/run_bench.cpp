@@ -1,7 +1,7 @@
-// Where the time of a whole run goes: run_bench PICTURE OUTPUT RADIUS prints a row of a Markdown table: the picture's
-// size; seconds of reading, of filtering through the plug-in's entry point, of that the filter alone, and of
-// writing; the filter's nanoseconds per pixel, its own memory, and the longest time between two questions
-// whether to cancel. Times are the best of three runs. RGB pictures of 8 bits only.
+// Where the time of a whole run goes: run_bench PICTURE OUTPUT RADIUS prints a row of a Markdown table: the
+// picture's size; seconds of reading, of filtering through the plug-in's entry point, of that the filter
+// alone, and of writing; the filter's nanoseconds per pixel, its own memory, and the longest time between two
+// questions whether to cancel. Times are the best of three runs. RGB pictures of 8 bits only.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -47,8 +47,7 @@ struct {
 Boolean Ask() {
     Figures *figures = watched.figures;
     figures->longestSilence = std::max(figures->longestSilence, SecondsSince(watched.lastAsked));
-    figures->filterMemory =
-        std::max(figures->filterMemory, faults::BytesInUse() - watched.memoryBefore);
+    figures->filterMemory = std::max(figures->filterMemory, faults::BytesInUse() - watched.memoryBefore);
     watched.lastAsked = Clock::now();
     return false;
 }
@@ -67,8 +66,8 @@ void Need(const MaybeFailure &failure) {
 // The filter on an image of its own, as the plug-in calls it.
 void FilterAlone(const Document &document, float radius, Figures *figures) {
     NamedImage *image = nullptr;
-    if (MakeTempImage(static_cast<int16_t>(document.width), static_cast<int16_t>(document.height), 3, &image) !=
-        noErr) {
+    if (MakeTempImage(static_cast<int16_t>(document.width), static_cast<int16_t>(document.height), 3,
+                      &image) != noErr) {
         std::exit(1);
     }
     for (int32_t y = 0; y < document.height; ++y) {
@@ -146,8 +145,9 @@ int main(int argc, char **argv) {
                                     std::min(best.longestSilence, figures.longestSilence),
                                     std::max(best.filterMemory, figures.filterMemory)};
     }
-    std::printf("| %d × %d | %.2f | %.2f | %.2f | %.2f | %.1f | %.1f | %.0f |\n", document.width, document.height,
-                best.reading, best.filtering, best.filterAlone, best.writing, best.filterAlone / pixels * 1e9,
-                static_cast<double>(best.filterMemory) / 1e6, best.longestSilence * 1e3);
+    std::printf("| %d × %d | %.2f | %.2f | %.2f | %.2f | %.1f | %.1f | %.0f |\n", document.width,
+                document.height, best.reading, best.filtering, best.filterAlone, best.writing,
+                best.filterAlone / pixels * 1e9, static_cast<double>(best.filterMemory) / 1e6,
+                best.longestSilence * 1e3);
     return 0;
 }

@@ -43,12 +43,12 @@ int64_t MaskBytes(const Document &document) {
     return int64_t{document.width} * document.height;
 }
 
-VRect SelectedRect(const Document &document) {
-    return document.selection.value_or(WholeRect(document));
-}
-
 VRect WholeRect(const Document &document) {
     return {0, 0, document.height, document.width};
+}
+
+VRect SelectedRect(const Document &document) {
+    return document.selection.value_or(WholeRect(document));
 }
 
 int32_t WidthOf(const VRect &rect) {

@@ -53,11 +53,10 @@ int32_t SampleBytes(const Document &document);
 int64_t RowBytes(const Document &document);
 int64_t PixelBytes(const Document &document);  // of one whole block
 int64_t MaskBytes(const Document &document);
+VRect WholeRect(const Document &document);
 VRect SelectedRect(const Document &document);
 int32_t WidthOf(const VRect &rect);
 int32_t HeightOf(const VRect &rect);
-
-VRect WholeRect(const Document &document);
 
 // Zeroed; null when memory is short.
 PixelBlock MapBlock(int64_t size, Sharing sharing);
