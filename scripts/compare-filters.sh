@@ -17,7 +17,7 @@ export OMP_NUM_THREADS=1 MAGICK_THREAD_LIMIT=1 GEGL_THREADS=1
 
 # The best of three runs; what takes over ten seconds is run once.
 seconds() {
-    local best= took
+    local best='' took
     local TIMEFORMAT='%3U %3S'
     for _ in 1 2 3; do
         took=$({ time "$@" >/dev/null 2>&1 || echo failed; } 2>&1)

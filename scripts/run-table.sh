@@ -16,13 +16,13 @@ export HYMEDIAN_PREFERENCES=$work/preferences
 "$build/chart" draw "$work/chart.png" "$work/noisy.png"
 picture() { "$build/chart" tile "$work/noisy.png" "$1" "$2" "$work/$1x$2.tif"; }
 
-head='| pixels | reading, s | filtering, s | the filter alone, s | writing, s | filter, ns per pixel | its memory, MB | longest without a question, ms |'
-line='|---|---|---|---|---|---|---|---|'
+head=' pixels | reading, s | filtering, s | the filter alone, s | writing, s | filter, ns per pixel | its memory, MB | longest without a question, ms |'
+line='---|---|---|---|---|---|---|---|'
 
 echo "Radius 4, uncompressed RGB TIFF of 8 bits"
 echo
-echo "$head"
-echo "$line"
+echo "|$head"
+echo "|$line"
 for size in "1000 1000" "2000 2000" "4000 2500" "6000 4000" "10000 10000" "100 30000" "30000 100"; do
     # shellcheck disable=SC2086
     picture $size
@@ -30,12 +30,12 @@ for size in "1000 1000" "2000 2000" "4000 2500" "6000 4000" "10000 10000" "100 3
 done
 
 echo
-echo "6000 × 1000, by radius from 1 to 6"
+echo "All radii"
 echo
-echo "$head"
-echo "$line"
+echo "| radius |$head"
+echo "|---|$line"
 picture 6000 1000
-for radius in 1 2 3 4 5 6; do "$build/run_bench" "$work/6000x1000.tif" "$work/out.tif" $radius; done
+for radius in 1 2 3 4 5 6; do echo "| $radius $("$build/run_bench" "$work/6000x1000.tif" "$work/out.tif" $radius)"; done
 
 # Seconds of a whole run, the best of five.
 whole() {
