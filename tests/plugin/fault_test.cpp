@@ -33,6 +33,7 @@ constexpr RunCase kRuns[] = {
 
 constexpr int kWidth = 7;
 constexpr int kHeight = 5;
+constexpr std::pair<int32_t, int32_t> kLastRowWritten = {6 * kHeight - 1, 6 * kHeight};
 
 // The dialog, when there is one, is opened, then asked for another radius than the script's. It keeps a line
 // buffer of each preview that it builds: at first, after the click into the field, and after the digit.
@@ -54,16 +55,17 @@ TestDocument DocumentOf(const RunCase &c) {
 
 class Faults : public DialogTest {
   protected:
-    TestRun Play(const RunCase &c, const TestDocument &document) {
+    TestRun Play(const RunCase &c, const TestDocument &document, TestHostOptions options = {}) {
         const int64_t blocks = faults::BlocksInUse();
         const int64_t bytes = faults::BytesInUse();
         PIDescriptorParameters parameters = script::Parameters(
             {{FourCharCode("nRad"), typeFloat, 2}}, c.dialog ? plugInDialogDisplay : plugInDialogDontDisplay);
+        options.descriptorParameters = &parameters;
         session = {};
         session.actions = user::Answer(kField, kAnswer);
         UseScriptedDialogs(&session);
         faults::RefuseTemporaryMemory(c.onDisk);
-        TestRun run = RunPlugin(document, {true, -1, &parameters});
+        TestRun run = RunPlugin(document, options);
         faults::RefuseTemporaryMemory(false);
         DisposeHandle(parameters.descriptor);
         ExpectNothingKeptButLineBuffers(c, faults::BlocksInUse() - blocks, faults::BytesInUse() - bytes);
@@ -132,6 +134,25 @@ TEST_F(Faults, EveryFileCallFailsOnce) {
         if (c.onDisk) {
             FailEachOnce(
                 c, [](int64_t n) { faults::FailFileCall(n, ioErr); }, faults::FaultStruck);
+        }
+    }
+}
+
+// An image that could not be made, or was made too late for the first rows, must not end as a success.
+TEST_F(Faults, HostsThatIgnoreErrorsGetNothingUnfiltered) {
+    for (const RunCase &c : kRuns) {
+        const TestDocument document = DocumentOf(c);
+        const std::vector<uint8_t> right = Play(c, document).destination;
+        bool struck = true;
+        for (int64_t n = 1; struck; ++n) {
+            SCOPED_TRACE(testing::Message() << c.name << ", fault " << n);
+            faults::FailAllocation(n);
+            const TestRun run = Play(c, document, {.advanceState = false, .ignoreErrors = true});
+            struck = faults::FaultStruck();
+            faults::FailAllocation(0);
+            const bool written = std::count(run.progress.begin(), run.progress.end(), kLastRowWritten) == 1;
+            EXPECT_EQ(run.destination, written ? right : document.source);
+            EXPECT_TRUE(written || run.result != noErr);
         }
     }
 }
