@@ -1,4 +1,6 @@
 // hymedian: runs the filter over picture files.
+#include <sys/socket.h>
+
 #include <cstdio>
 #include <cstring>
 #include <vector>
@@ -60,10 +62,17 @@ int Run(const Options &options) {
     return RunBatch(options, settings, requests, &plugin);
 }
 
+// Whoever types the workers' argument has no line to a parent.
+bool HasWorkerLine() {
+    int type = 0;
+    socklen_t size = sizeof type;
+    return getsockopt(kWorkerLine, SOL_SOCKET, SO_TYPE, &type, &size) == 0 && type == SOCK_SEQPACKET;
+}
+
 }  // namespace
 
 int main(int count, char **arguments) {
-    if (count == 2 && std::strcmp(arguments[1], kWorkerArgument) == 0) {
+    if (count == 2 && std::strcmp(arguments[1], kWorkerArgument) == 0 && HasWorkerLine()) {
         return RunWorker();
     }
     Options options;

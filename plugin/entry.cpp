@@ -42,6 +42,7 @@ void ResetRun(PluginState *state) {
     state->maskAnd = -1;
     state->maskHasZero = false;
     state->selectionUsed = false;
+    state->imageError = noErr;
     state->originLeft = state->filterRecord->filterRect.left;
     state->originTop = state->filterRecord->filterRect.top;
 }

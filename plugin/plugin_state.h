@@ -31,6 +31,7 @@ struct PluginState {
     int16_t depth;   // 8, 16 or 32
     Boolean maskHasZero;
     Boolean selectionUsed;
+    OSErr imageError;  // of an image that could not be made
 };
 
 // Tosses whatever images are there.

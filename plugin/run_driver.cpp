@@ -48,6 +48,7 @@ void MakeImages(PluginState *state, const RunGeometry &run) {
     } else if (state->haveMask && state->selectionImage == nullptr) {
         state->haveMask = MakeSelectionImage(width, height, 1, &state->selectionImage) == noErr;
     }
+    state->imageError = state->imageError == noErr ? state->result : state->imageError;
 }
 
 // Whether the host delivered a row of that many bytes. Hosts that say nothing of row bytes are believed.
@@ -146,8 +147,9 @@ OSErr WriteRow(PluginState *state, const RunGeometry &run) {
     return state->result;
 }
 
+// A host that sends Continue in spite of an error gets as far as this, with rows that no image has taken.
 OSErr Filter(PluginState *state, const RunGeometry &run) {
-    const OSErr err = RunFilterPhase(state, run);
+    const OSErr err = state->imageError == noErr ? RunFilterPhase(state, run) : state->imageError;
     if (err != noErr) {
         return End(state, err);
     }

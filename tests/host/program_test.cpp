@@ -94,6 +94,7 @@ TEST_F(Program, FailsWithOneSentenceAndLeavesNothing) {
         {{"good.png", "-o", "new.png", "--raduis", "2"}, 2, "--raduis"},
         {{"good.png"}, 2, "good.png"},
         {{}, 2, "--help"},
+        {{"--worker"}, 2, "--worker"},
         {{"good.png", "-o", "new.png", "--plugin", "bare"}, 1, "bare/HybridMedian.rsrc"},
         {{"good.png", "-o", "new.png", "--plugin", "cut"}, 1, "cut/HybridMedian.rsrc"},
         {{"good.png", "-o", "new.png", "--plugin", "modes"}, 1, "colour mode is RGB 8"},

@@ -102,19 +102,21 @@ TestRun RunPlugin(const TestDocument &document, const TestHostOptions &options) 
     FilterRecord *record = &current.run.record;
     PluginMain(filterSelectorPrepare, record, &data, &result);
     PluginMain(filterSelectorStart, record, &data, &result);
-    if (result == noErr) {
-        while (result == noErr && WantsMore()) {
+    current.run.result = result;
+    const auto goesOn = [&] { return current.run.result == noErr || options.ignoreErrors; };
+    if (goesOn()) {
+        while (goesOn() && WantsMore()) {
             AdvanceState();
             PluginMain(filterSelectorContinue, record, &data, &result);
+            current.run.result = current.run.result == noErr ? result : current.run.result;
         }
         StoreOutput();
         int16_t finishResult = 0;
         PluginMain(filterSelectorFinish, record, &data, &finishResult);
     }
-    if (result != noErr) {
+    if (!goesOn()) {
         current.run.destination = document.source;
     }
-    current.run.result = result;
     DisposeHandle(reinterpret_cast<Handle>(data));
     session = nullptr;
     return current.run;

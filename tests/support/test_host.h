@@ -21,10 +21,11 @@ struct TestHostOptions {
     int64_t cancelAtCall = -1;  // abortProc answers yes from this call on
     PIDescriptorParameters *descriptorParameters = nullptr;
     ReadImageDocumentDesc *documentInfo = nullptr;
+    bool ignoreErrors = false;  // goes on with whatever comes out
 };
 
 struct TestRun {
-    OSErr result;
+    OSErr result;                      // the first error
     std::vector<uint8_t> destination;  // what reached the document
     std::vector<int16_t> requestedTops;
     std::vector<std::pair<int32_t, int32_t>> progress;
