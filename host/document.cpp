@@ -5,6 +5,15 @@
 
 #include <cstring>
 
+namespace {
+
+// Shared memory is promised without limit, and a page that then cannot be had ends the process.
+int64_t PhysicalMemory() {
+    return int64_t{sysconf(_SC_PHYS_PAGES)} * sysconf(_SC_PAGESIZE);
+}
+
+}  // namespace
+
 void PixelUnmapper::operator()(uint8_t *pixels) const {
     munmap(pixels, size);
     close(descriptor);
@@ -38,9 +47,8 @@ int32_t HeightOf(const VRect &rect) {
     return rect.bottom - rect.top;
 }
 
-// Shared memory is promised without limit, and a page that then cannot be had ends the process.
 PixelBlock MapBlock(int64_t size) {
-    if (size > int64_t{sysconf(_SC_PHYS_PAGES)} * sysconf(_SC_PAGESIZE)) {
+    if (size > PhysicalMemory()) {
         return nullptr;
     }
     const int descriptor = memfd_create("pixels", MFD_CLOEXEC);
@@ -62,6 +70,9 @@ PixelBlock MapShared(int descriptor, int64_t size) {
 }
 
 bool MapPixels(Document *document) {
+    if (PixelBytes(*document) > PhysicalMemory() / 2) {
+        return false;
+    }
     document->source = MapBlock(PixelBytes(*document));
     document->destination = MapBlock(PixelBytes(*document));
     return document->source != nullptr && document->destination != nullptr;

@@ -23,10 +23,15 @@ struct Picture {
 // would not come back whole, such as further pages.
 MaybeFailure OpenPicture(const std::string &file, Picture *picture);
 
+// Refuses an opened picture that is larger; no memory has been taken for its pixels yet.
+MaybeFailure CheckSize(const Picture &picture, int32_t maxMegapixels);
+
 // Reads the pixels of an opened picture into both blocks and closes the file. A file that is cut short is a
 // failure.
 MaybeFailure ReadPixels(Picture *picture, const Watcher &watcher);
 
+// "3000 x 2000"
+std::string SizeOf(const Document &document);
 // "3000 x 2000 RGB, 16 bits"
 std::string DescribePicture(const Picture &picture);
 
