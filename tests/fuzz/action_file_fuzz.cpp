@@ -22,9 +22,9 @@ void Play(const Action &action) {
     RunContext context = {};
     SPBlock *settings = _AllocateSPBlock(8);
     GetDefaultSettings(&context, settings);
-    PIDescriptorParameters parameters = {
-        kDescriptorParametersVersion, plugInDialogDontDisplay,    plugInDialogOptional, EncodeAction(action),
-        HostWriteDescriptorProcs(),   HostReadDescriptorProcs()};
+    PIDescriptorParameters parameters = {kDescriptorParametersVersion, plugInDialogDontDisplay,
+                                         plugInDialogOptional,         EncodeAction(action),
+                                         HostWriteDescriptorProcs(),   HostReadDescriptorProcs()};
     FilterRecord record = {};
     record.descriptorParameters = &parameters;
     _ReadScriptParamFromPS(&record, settings);

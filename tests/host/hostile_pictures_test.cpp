@@ -120,7 +120,9 @@ TEST_F(HostilePictures, LimitDecides) {
 // Each of hundreds of damaged files gives a whole picture or a sentence.
 TEST_F(HostilePictures, AnyDamageIsSurvived) {
     std::mt19937 random(11);
-    const auto below = [&](size_t count) { return std::uniform_int_distribution<size_t>(0, count - 1)(random); };
+    const auto below = [&](size_t count) {
+        return std::uniform_int_distribution<size_t>(0, count - 1)(random);
+    };
     std::vector<std::string> arguments;
     for (const char *name : {"a.png", "a.jpg", "a.tif", "a.webp"}) {
         const std::string whole = NoiseIn(name);
@@ -148,7 +150,8 @@ TEST_F(HostilePictures, AnyDamageIsSurvived) {
         EXPECT_NE(told, done.erase(input) == 1) << input;
         failed += told ? 1 : 0;
         Picture picture;
-        EXPECT_TRUE(told || (!OpenPicture((folder / "out" / input).string(), &picture) && !ReadPixels(&picture, {})))
+        EXPECT_TRUE(told ||
+                    (!OpenPicture((folder / "out" / input).string(), &picture) && !ReadPixels(&picture, {})))
             << input;
     }
     EXPECT_TRUE(done.empty()) << *done.begin();
