@@ -221,8 +221,8 @@ MaybeFailure PlanBatch(const Options &options, std::vector<FileRequest> *request
             sentence.append(", which is that of ").append(taken->second).append(" already.");
             return Failure{kExitUsage, sentence};
         }
-        requests->push_back(
-            {input, output, options.comparisonFile, options.recordFile, options.force, options.inPlace});
+        requests->push_back({input, output, options.comparisonFile, options.recordFile, options.force,
+                             options.inPlace, options.maxMegapixels});
     }
     return std::nullopt;
 }

@@ -18,6 +18,11 @@ PixelBlock Map(int descriptor, int64_t size, int flags) {
     return PixelBlock(static_cast<uint8_t *>(block), PixelUnmapper{bytes, descriptor});
 }
 
+// Memory is promised without limit, and a page that then cannot be had ends the process.
+int64_t PhysicalMemory() {
+    return int64_t{sysconf(_SC_PHYS_PAGES)} * sysconf(_SC_PAGESIZE);
+}
+
 }  // namespace
 
 void PixelUnmapper::operator()(uint8_t *pixels) const {
@@ -59,9 +64,8 @@ int32_t HeightOf(const VRect &rect) {
     return rect.bottom - rect.top;
 }
 
-// Memory is promised without limit, and a page that then cannot be had ends the process.
 PixelBlock MapBlock(int64_t size, Sharing sharing) {
-    if (size > int64_t{sysconf(_SC_PHYS_PAGES)} * sysconf(_SC_PAGESIZE)) {
+    if (size > PhysicalMemory()) {
         return nullptr;
     }
     if (sharing == Sharing::none) {
@@ -84,6 +88,9 @@ PixelBlock MapShared(int descriptor, int64_t size) {
 }
 
 bool MapPixels(Document *document) {
+    if (PixelBytes(*document) > PhysicalMemory() / 2) {
+        return false;
+    }
     document->source = MapBlock(PixelBytes(*document), document->sharing);
     document->destination = MapBlock(PixelBytes(*document), document->sharing);
     return document->source != nullptr && document->destination != nullptr;

@@ -79,6 +79,9 @@ MaybeFailure PlanFile(const FileRequest &request, const FilterSettings &settings
     if (MaybeFailure failure = OpenPicture(request.inputFile, picture)) {
         return failure;
     }
+    if (MaybeFailure failure = CheckSize(*picture, request.maxMegapixels)) {
+        return failure;
+    }
     if (MaybeFailure failure = CheckMode(plugin, picture->document, request.inputFile)) {
         return failure;
     }

@@ -26,6 +26,7 @@ struct FileRequest {
     std::string recordFile;      // empty for none
     bool force;
     bool inPlace;
+    int32_t maxMegapixels;
 };
 
 // Whoever does the task writes to files that another may move to their places: it may die in between.

@@ -20,6 +20,7 @@
 namespace {
 
 constexpr int32_t kStripHeight = 64;
+constexpr int64_t kMegapixel = 1'000'000;
 constexpr double kMillimetersPerInch = 25.4;
 constexpr double kMaxResolution = 32767;  // what a Fixed can say
 
@@ -238,6 +239,16 @@ MaybeFailure OpenPicture(const std::string &file, Picture *picture) {
     return std::nullopt;
 }
 
+MaybeFailure CheckSize(const Picture &picture, int32_t maxMegapixels) {
+    const int64_t pixels = int64_t{picture.document.width} * picture.document.height;
+    if (pixels <= maxMegapixels * kMegapixel) {
+        return std::nullopt;
+    }
+    return FileFailure(picture.file, "its " + SizeOf(picture.document) + " pixels are more than the " +
+                                         std::to_string(maxMegapixels) +
+                                         " megapixels that --max-megapixels allows");
+}
+
 MaybeFailure StartReading(Picture *picture, PixelReader *reader) {
     if (!MapPixels(&picture->document)) {
         return TooLittleMemory(picture->file);
@@ -279,11 +290,14 @@ MaybeFailure ReadPixels(Picture *picture, const Watcher &watcher) {
     return failure;
 }
 
+std::string SizeOf(const Document &document) {
+    return std::to_string(document.width) + " x " + std::to_string(document.height);
+}
+
 std::string DescribePicture(const Picture &picture) {
     const Document &document = picture.document;
     const int32_t extraPlanes = document.planes - document.colorPlanes;
-    std::string text = std::to_string(document.width) + " x " + std::to_string(document.height) + " " +
-                       ModeOfDocument(document.imageMode).name;
+    std::string text = SizeOf(document) + " " + ModeOfDocument(document.imageMode).name;
     if (extraPlanes > 0) {
         text +=
             " and " + std::to_string(extraPlanes) + (extraPlanes == 1 ? " extra channel" : " extra channels");

@@ -23,6 +23,9 @@ struct Picture {
 // would not come back whole, such as further pages.
 MaybeFailure OpenPicture(const std::string &file, Picture *picture);
 
+// Refuses an opened picture that is larger; no memory has been taken for its pixels yet.
+MaybeFailure CheckSize(const Picture &picture, int32_t maxMegapixels);
+
 // Reads an opened picture's pixels into both blocks of its document, from top to bottom.
 struct PixelReader {
     Picture *picture = nullptr;
@@ -39,6 +42,8 @@ bool IsAllRead(const PixelReader &reader);
 // Reads all of them.
 MaybeFailure ReadPixels(Picture *picture, const Watcher &watcher);
 
+// "3000 x 2000"
+std::string SizeOf(const Document &document);
 // "3000 x 2000 RGB, 16 bits"
 std::string DescribePicture(const Picture &picture);
 
