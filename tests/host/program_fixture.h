@@ -68,6 +68,13 @@ class Program : public ScratchFolder {
             };
             redirect(STDOUT_FILENO, "out");
             redirect(STDERR_FILENO, "err");
+            // First out of the way, since one of them could stand where another has to go.
+            for (int &descriptor : descriptors) {
+                descriptor = fcntl(descriptor, F_DUPFD_CLOEXEC, 64);
+            }
+            for (size_t i = 0; i < descriptors.size(); ++i) {
+                dup2(descriptors[i], STDERR_FILENO + 1 + static_cast<int>(i));
+            }
             if (chdir(folder.c_str()) == 0) {
                 execv(HYMEDIAN_PROGRAM, pointers.data());
             }
@@ -111,6 +118,7 @@ class Program : public ScratchFolder {
         return names;
     }
 
-    rlim_t fileSizeLimit = 0;  // of the next program; 0 for none
+    std::vector<int> descriptors;  // that the next program is born with, behind the standard ones
+    rlim_t fileSizeLimit = 0;      // of the next program; 0 for none
     std::filesystem::path output = folder.string() + "-output";
 };
