@@ -44,7 +44,7 @@ class Program : public ScratchFolder {
 
     // Starts the program in the test's folder; what it prints goes to files outside.
     pid_t Start(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), HYMEDIAN_PROGRAM);
+        arguments.insert(arguments.begin(), executable);
         std::vector<char *> pointers;
         for (std::string &argument : arguments) {
             pointers.push_back(argument.data());
@@ -76,7 +76,7 @@ class Program : public ScratchFolder {
                 dup2(descriptors[i], STDERR_FILENO + 1 + static_cast<int>(i));
             }
             if (chdir(folder.c_str()) == 0) {
-                execv(HYMEDIAN_PROGRAM, pointers.data());
+                execv(executable.c_str(), pointers.data());
             }
             _exit(127);
         }
@@ -118,6 +118,7 @@ class Program : public ScratchFolder {
         return names;
     }
 
+    std::string executable = HYMEDIAN_PROGRAM;  // that is started next
     std::vector<int> descriptors;  // that the next program is born with, behind the standard ones
     rlim_t fileSizeLimit = 0;      // of the next program; 0 for none
     std::filesystem::path output = folder.string() + "-output";

@@ -79,7 +79,8 @@ TEST_F(Worker, DoesFilesAndTilesUntilTheLineEnds) {
 TEST_F(Worker, WithoutThePluginSaysSo) {
     const pid_t worker = StartWorker({});
     FileAnswer answer;
-    ASSERT_TRUE(UnpackAnswer(Do(PackFileJob("nowhere", {"in.png", "out.png", "", "", "", "", "", {}})), &answer));
+    ASSERT_TRUE(
+        UnpackAnswer(Do(PackFileJob("nowhere", {"in.png", "out.png", "", "", "", "", "", {}})), &answer));
     EXPECT_NE(answer.failure->sentence.find("nowhere"), std::string::npos);
     shutdown(line[0], SHUT_RDWR);
     Wait(worker);
