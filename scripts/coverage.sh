@@ -6,6 +6,8 @@ cd "$(dirname "$0")/.."
 
 scripts/install-packages.sh build test coverage
 cmake --preset coverage >/dev/null
+# Also before, for builds run the tests to list them; and counts of an earlier build fit no more.
+find build/coverage -name '*.gcda' -delete
 cmake --build --preset coverage
 find build/coverage -name '*.gcda' -delete
 ctest --preset coverage >build/coverage/tests.log || { tail -30 build/coverage/tests.log >&2; exit 1; }
