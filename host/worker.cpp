@@ -122,7 +122,9 @@ int RunWorker() {
     std::signal(SIGHUP, SIG_IGN);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     // The parent may have gone before that; then the line is dead, too.
-    Workplace workplace;
+
+    // To the end of the process, since the filter keeps a block of its own behind the plug-in.
+    static Workplace workplace;
     std::vector<char> packet(kLargestPacket);
     for (;;) {
         const ssize_t size = recv(kWorkerLine, packet.data(), packet.size(), 0);
