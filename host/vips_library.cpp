@@ -1,8 +1,14 @@
 #include "host/vips_library.h"
 
+#include <malloc.h>
+
 #include <algorithm>
 
 namespace {
+
+// Of so many bytes or more, free memory goes back to the system. The heap of every thread that libraries
+// start would else keep nearly all that it ever held.
+constexpr int kLargeBlock = 1 << 20;
 
 // Warnings of damaged but readable files are nothing that the user could act on.
 void Discard(const gchar *, GLogLevelFlags, const gchar *, gpointer) {}
@@ -10,6 +16,8 @@ void Discard(const gchar *, GLogLevelFlags, const gchar *, gpointer) {}
 }  // namespace
 
 bool StartVips(const char *program) {
+    mallopt(M_MMAP_THRESHOLD, kLargeBlock);
+    mallopt(M_TRIM_THRESHOLD, kLargeBlock);
     g_log_set_default_handler(Discard, nullptr);
     if (vips_init(program) != 0) {
         return false;
