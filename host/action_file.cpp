@@ -15,7 +15,8 @@ namespace {
 // Keeps the order of the parameters, in which they are played.
 using Json = nlohmann::ordered_json;
 
-constexpr size_t kLargestFile = 1 << 20;
+// Objects are searched from their beginnings for each new member, which in longer files takes seconds.
+constexpr size_t kLargestFile = 1 << 16;
 constexpr size_t kCodeLength = 4;
 constexpr int kIndent = 2;
 

@@ -3,10 +3,22 @@
 #include <algorithm>
 #include <numeric>
 
+#include "host/filter_result.h"
+#include "host/picture_filter.h"
 #include "host/worker_job.h"
 #include "host/worker_pool.h"
 
 namespace {
+
+struct Bands {
+    const BandRequest *request;
+    const std::vector<Tile> *tiles;
+    PixelReader reader = {};
+    size_t handedOut = 0;
+    std::vector<double> done = {};  // by tile
+    FilterOutcome outcome = {};
+    MaybeFailure failure = {};  // of reading
+};
 
 FilterOutcome Trouble(const std::string &message) {
     return {errReportString, message, {}};
@@ -21,50 +33,83 @@ std::vector<int> SharedBlocks(const Document &document) {
     return shared;
 }
 
-}  // namespace
-
-FilterOutcome FilterInWorkers(const BandRequest &request, const std::vector<Tile> &tiles) {
-    ResetDestination(request.document);
-    FilterOutcome outcome = {};
-    std::vector<double> done(tiles.size());
-    size_t handedOut = 0;
-    WorkerCalls calls;
-    calls.next = [&](std::string *job) {
-        if (handedOut == tiles.size()) {
-            return false;
-        }
-        *job = PackTileJob(request.pluginFolder, *request.document, request.action, request.dialog,
-                           tiles[handedOut++]);
-        return true;
-    };
+void ShowProgress(const Bands &bands) {
     // Tiles are of about one size.
-    calls.progress = [&](size_t tile, double part) {
-        done[tile] = part;
-        request.watcher.progress(std::accumulate(done.begin(), done.end(), 0.0) /
-                                 static_cast<double>(tiles.size()));
+    const double filtered =
+        std::accumulate(bands.done.begin(), bands.done.end(), 0.0) / static_cast<double>(bands.done.size());
+    const double read = double{1} * bands.reader.rows / bands.reader.picture->document.height;
+    bands.request->watcher.progress(kReadingShare * read + (1 - kReadingShare) * filtered);
+}
+
+bool ReadUntil(Bands *bands, int32_t row) {
+    while (!bands->failure && bands->reader.rows < row) {
+        bands->failure = ReadSomeRows(&bands->reader, {[](double) {}, bands->request->watcher.cancelled});
+        ShowProgress(*bands);
+    }
+    return !bands->failure;
+}
+
+bool NextBand(Bands *bands, std::string *job) {
+    if (bands->handedOut == bands->tiles->size()) {
+        return false;
+    }
+    const Tile &tile = (*bands->tiles)[bands->handedOut++];
+    const BandRequest &request = *bands->request;
+    *job = PackTileJob(request.pluginFolder, bands->reader.picture->document, request.action, request.dialog,
+                       tile);
+    return ReadUntil(bands, tile.framed.bottom);
+}
+
+PoolEnd RunBands(Bands *bands) {
+    WorkerCalls calls;
+    calls.next = [=](std::string *job) { return NextBand(bands, job); };
+    calls.meanwhile = [=] {
+        return !IsAllRead(bands->reader) && ReadUntil(bands, bands->reader.rows + 1) &&
+               !IsAllRead(bands->reader);
     };
-    calls.answered = [&](size_t tile, const std::string &answer) {
-        done[tile] = 1;
-        if (!UnpackOutcome(answer, &outcome)) {
-            outcome = Trouble("a worker process answered nonsense");
+    calls.progress = [=](size_t tile, double part) {
+        bands->done[tile] = part;
+        ShowProgress(*bands);
+    };
+    calls.answered = [=](size_t tile, const std::string &answer) {
+        bands->done[tile] = 1;
+        if (!UnpackOutcome(answer, &bands->outcome)) {
+            bands->outcome = Trouble("a worker process answered nonsense");
         }
-        return outcome.result == noErr;
+        return bands->outcome.result == noErr;
     };
-    calls.died = [&](size_t, const std::string &how) {
-        outcome = Trouble("a worker process " + how + ", nothing was written");
+    calls.died = [=](size_t, const std::string &how) {
+        bands->outcome = Trouble("a worker process " + how + ", nothing was written");
         return false;
     };
-    calls.cancelled = request.watcher.cancelled;
-    const auto workers =
-        static_cast<int32_t>(std::min<size_t>(tiles.size(), static_cast<size_t>(request.workers)));
-    switch (RunWorkers(workers, SharedBlocks(*request.document), calls)) {
-        case PoolEnd::cancelled:
-            return {userCanceledErr, {}, {}};
-        case PoolEnd::notStarted:
-            return Trouble("no worker process can be started");
-        case PoolEnd::done:
-        case PoolEnd::stopped:
-            break;
+    calls.cancelled = [=] { return bands->failure || bands->request->watcher.cancelled(); };
+    const auto workers = std::min(bands->tiles->size(), static_cast<size_t>(bands->request->workers));
+    return RunWorkers(static_cast<int32_t>(workers), SharedBlocks(bands->reader.picture->document), calls);
+}
+
+}  // namespace
+
+MaybeFailure FilterInWorkers(const BandRequest &request, const std::vector<Tile> &tiles, Picture *picture,
+                             Action *recorded) {
+    Bands bands = {&request, &tiles, {}};
+    bands.done.resize(tiles.size());
+    if (MaybeFailure failure = StartReading(picture, &bands.reader)) {
+        return failure;
     }
-    return outcome;
+    const PoolEnd end = RunBands(&bands);
+    // What is not selected may still be unread.
+    if (end == PoolEnd::done) {
+        ReadUntil(&bands, picture->document.height);
+    }
+    if (bands.failure) {
+        return bands.failure;
+    }
+    if (end == PoolEnd::cancelled) {
+        return Interruption(picture->file);
+    }
+    if (end == PoolEnd::notStarted) {
+        bands.outcome = Trouble("no worker process can be started");
+    }
+    *recorded = bands.outcome.recorded;
+    return FailureOfFilter(bands.outcome, picture->file);
 }

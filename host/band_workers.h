@@ -4,17 +4,22 @@
 #include <string>
 #include <vector>
 
-#include "host/filter_run.h"
+#include "host/action.h"
+#include "host/failure.h"
+#include "host/filter_dialog.h"
+#include "host/picture.h"
 #include "host/tiles.h"
+#include "host/watcher.h"
 
 struct BandRequest {
     std::string pluginFolder;
-    Document *document;
-    Action action;
+    Action action;  // played back
     FilterDialog dialog;
     int32_t workers;
     Watcher watcher;
 };
 
-// Like FilterTiles, with the tiles spread over the workers.
-FilterOutcome FilterInWorkers(const BandRequest &request, const std::vector<Tile> &tiles);
+// Reads the opened picture's pixels while workers filter the tiles whose rows are there. The document shares
+// its blocks with them. Fills what the filter recorded.
+MaybeFailure FilterInWorkers(const BandRequest &request, const std::vector<Tile> &tiles, Picture *picture,
+                             Action *recorded);

@@ -9,6 +9,7 @@
 
 #include "host/band_workers.h"
 #include "host/interrupt.h"
+#include "host/picture_filter.h"
 #include "host/progress_bar.h"
 #include "host/tell.h"
 #include "host/worker_job.h"
@@ -71,19 +72,20 @@ void Settle(Batch *batch, size_t index, const MaybeFailure &failure, const FileR
     Advance(batch, index, 1);
 }
 
-FilterOutcome Filter(Batch *batch, Document *document, const Watcher &watcher) {
+MaybeFailure Filter(Batch *batch, Picture *picture, const Watcher &watcher, Action *recorded) {
     const Options &options = *batch->options;
     const Action &action = batch->settings->action;
     const FilterDialog &dialog = batch->settings->dialog;
+    const Document &document = picture->document;
     const std::vector<Tile> tiles =
-        CutIntoTiles(SelectedRect(*document), {.bands = BandsFor(*document, options.jobs)});
+        CutIntoTiles(SelectedRect(document), {.bands = BandsFor(document, options.jobs)});
     if (dialog.use == FilterDialog::Use::shown && tiles.size() > 1) {
-        return {errReportString, "the picture is too large to be shown in the dialog whole", {}};
+        return FileFailure(picture->file, "the picture is too large to be shown in the dialog whole");
     }
-    return options.jobs == 1 || tiles.size() == 1
-               ? FilterTiles({&batch->plugin->module, document, action, true, watcher, dialog}, tiles)
-               : FilterInWorkers({options.pluginFolder, document, action, dialog, options.jobs, watcher},
-                                 tiles);
+    return document.sharing == Sharing::withWorkers && tiles.size() > 1
+               ? FilterInWorkers({options.pluginFolder, action, dialog, options.jobs, watcher}, tiles,
+                                 picture, recorded)
+               : FilterPicture({&batch->plugin->module, action, dialog, watcher}, picture, recorded);
 }
 
 MaybeFailure DoHere(Batch *batch, size_t index, FileReport *report) {
@@ -94,8 +96,10 @@ MaybeFailure DoHere(Batch *batch, size_t index, FileReport *report) {
             PlanFile((*batch->requests)[index], *batch->settings, batch->plugin->info, &planned, &picture)) {
         return failure;
     }
-    const auto filter = [=](Document *document, const Watcher &ofFilter) {
-        return Filter(batch, document, ofFilter);
+    const bool inBands = BandsFor(picture.document, batch->options->jobs) > 1;
+    picture.document.sharing = inBands ? Sharing::withWorkers : Sharing::none;
+    const auto filter = [=](Picture *opened, const Watcher &ofFilter, Action *recorded) {
+        return Filter(batch, opened, ofFilter, recorded);
     };
     if (MaybeFailure failure = DoFileTask(planned.task, &picture, filter, watcher, report)) {
         return failure;
@@ -217,8 +221,8 @@ MaybeFailure PlanBatch(const Options &options, std::vector<FileRequest> *request
             sentence.append(", which is that of ").append(taken->second).append(" already.");
             return Failure{kExitUsage, sentence};
         }
-        requests->push_back(
-            {input, output, options.comparisonFile, options.recordFile, options.force, options.inPlace});
+        requests->push_back({input, output, options.comparisonFile, options.recordFile, options.force,
+                             options.inPlace, options.maxMegapixels});
     }
     return std::nullopt;
 }

@@ -5,9 +5,31 @@
 
 #include <cstring>
 
+namespace {
+
+// Fresh pages cost less by the large.
+PixelBlock Map(int descriptor, int64_t size, int flags) {
+    const auto bytes = static_cast<size_t>(size);
+    void *block = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, flags, descriptor, 0);
+    if (block == MAP_FAILED) {
+        return nullptr;
+    }
+    madvise(block, bytes, MADV_HUGEPAGE);
+    return PixelBlock(static_cast<uint8_t *>(block), PixelUnmapper{bytes, descriptor});
+}
+
+// Memory is promised without limit, and a page that then cannot be had ends the process.
+int64_t PhysicalMemory() {
+    return int64_t{sysconf(_SC_PHYS_PAGES)} * sysconf(_SC_PAGESIZE);
+}
+
+}  // namespace
+
 void PixelUnmapper::operator()(uint8_t *pixels) const {
     munmap(pixels, size);
-    close(descriptor);
+    if (descriptor >= 0) {
+        close(descriptor);
+    }
 }
 
 int32_t SampleBytes(const Document &document) {
@@ -26,8 +48,12 @@ int64_t MaskBytes(const Document &document) {
     return int64_t{document.width} * document.height;
 }
 
+VRect WholeRect(const Document &document) {
+    return {0, 0, document.height, document.width};
+}
+
 VRect SelectedRect(const Document &document) {
-    return document.selection.value_or(VRect{0, 0, document.height, document.width});
+    return document.selection.value_or(WholeRect(document));
 }
 
 int32_t WidthOf(const VRect &rect) {
@@ -38,10 +64,12 @@ int32_t HeightOf(const VRect &rect) {
     return rect.bottom - rect.top;
 }
 
-// Shared memory is promised without limit, and a page that then cannot be had ends the process.
-PixelBlock MapBlock(int64_t size) {
-    if (size > int64_t{sysconf(_SC_PHYS_PAGES)} * sysconf(_SC_PAGESIZE)) {
+PixelBlock MapBlock(int64_t size, Sharing sharing) {
+    if (size > PhysicalMemory()) {
         return nullptr;
+    }
+    if (sharing == Sharing::none) {
+        return Map(-1, size, MAP_PRIVATE | MAP_ANONYMOUS);
     }
     const int descriptor = memfd_create("pixels", MFD_CLOEXEC);
     if (descriptor >= 0 && ftruncate(descriptor, size) != 0) {
@@ -52,22 +80,42 @@ PixelBlock MapBlock(int64_t size) {
 }
 
 PixelBlock MapShared(int descriptor, int64_t size) {
-    const auto bytes = static_cast<size_t>(size);
-    void *block = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
-    if (block == MAP_FAILED) {
+    PixelBlock block = Map(descriptor, size, MAP_SHARED);
+    if (block == nullptr) {
         close(descriptor);
-        return nullptr;
     }
-    return PixelBlock(static_cast<uint8_t *>(block), PixelUnmapper{bytes, descriptor});
+    return block;
 }
 
 bool MapPixels(Document *document) {
-    document->source = MapBlock(PixelBytes(*document));
-    document->destination = MapBlock(PixelBytes(*document));
+    if (PixelBytes(*document) > PhysicalMemory() / 2) {
+        return false;
+    }
+    document->source = MapBlock(PixelBytes(*document), document->sharing);
+    document->destination = MapBlock(PixelBytes(*document), document->sharing);
     return document->source != nullptr && document->destination != nullptr;
 }
 
-void ResetDestination(Document *document) {
-    std::memcpy(document->destination.get(), document->source.get(),
-                static_cast<size_t>(PixelBytes(*document)));
+// Shared pages cost half when a call fills them, and a page that cannot be had is then an error of the call.
+bool FillRow(Document *document, int64_t y, const uint8_t *samples) {
+    const auto size = static_cast<size_t>(RowBytes(*document));
+    const int64_t offset = y * RowBytes(*document);
+    for (PixelBlock *block : {&document->source, &document->destination}) {
+        const int descriptor = block->get_deleter().descriptor;
+        if (descriptor < 0) {
+            std::memcpy(block->get() + offset, samples, size);
+        } else if (pwrite(descriptor, samples, size, offset) != static_cast<ssize_t>(size)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void ResetDestination(Document *document, const VRect &rect) {
+    const int64_t pixelBytes = int64_t{document->planes} * SampleBytes(*document);
+    for (int64_t y = rect.top; y < rect.bottom; ++y) {
+        const int64_t offset = y * RowBytes(*document) + rect.left * pixelBytes;
+        std::memcpy(document->destination.get() + offset, document->source.get() + offset,
+                    static_cast<size_t>(WidthOf(rect) * pixelBytes));
+    }
 }

@@ -9,12 +9,15 @@
 #include "photoshop/document_info.h"
 #include "platform/types.h"
 
+// Whether workers map a block, too.
+enum class Sharing : uint8_t { none, withWorkers };
+
 // As many channels as documents of this interface have at most.
 constexpr int32_t kMaxPlanes = 56;
 
 struct PixelUnmapper {
     size_t size = 0;
-    int descriptor = -1;  // of the memory, through which another process maps the same block
+    int descriptor = -1;  // of shared memory, through which another process maps the same block
     void operator()(uint8_t *pixels) const;
 };
 using PixelBlock = std::unique_ptr<uint8_t[], PixelUnmapper>;
@@ -32,6 +35,9 @@ struct Document {
     // Where the document was read from; none for a name that the File Manager cannot hold.
     std::optional<FSSpec> file;
 
+    // Of all blocks. Shared memory takes several times as long to get.
+    Sharing sharing = Sharing::none;
+
     // Interleaved, rows without padding. 16-bit samples go up to 65535; a and b of Lab are offset by half
     // their range; 8-bit CMYK is inverted, 255 being no ink.
     PixelBlock source;
@@ -47,16 +53,19 @@ int32_t SampleBytes(const Document &document);
 int64_t RowBytes(const Document &document);
 int64_t PixelBytes(const Document &document);  // of one whole block
 int64_t MaskBytes(const Document &document);
+VRect WholeRect(const Document &document);
 VRect SelectedRect(const Document &document);
 int32_t WidthOf(const VRect &rect);
 int32_t HeightOf(const VRect &rect);
 
 // Zeroed; null when memory is short.
-PixelBlock MapBlock(int64_t size);
+PixelBlock MapBlock(int64_t size, Sharing sharing);
 // Another process's block; takes the descriptor over.
 PixelBlock MapShared(int descriptor, int64_t size);
 
 // Maps both blocks; false when memory is short.
 bool MapPixels(Document *document);
-// Makes the destination a copy of the source.
-void ResetDestination(Document *document);
+// Fills a row of both blocks; false when memory is short.
+bool FillRow(Document *document, int64_t y, const uint8_t *samples);
+// Makes the rectangle of the destination a copy of the source.
+void ResetDestination(Document *document, const VRect &rect);

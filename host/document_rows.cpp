@@ -1,5 +1,6 @@
 #include "host/document_rows.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "host/sample_scale.h"
@@ -76,6 +77,12 @@ void DeliverRows(const Document &document, const PixelBlock &pixels, const Area 
     (document.depth == 16 ? DeliverScaled : DeliverUnchanged)(document, pixels.get(), area, rows);
 }
 
-void StoreRows(Document *document, const Area &area, const uint8_t *rows) {
-    (document->depth == 16 ? StoreScaled : StoreUnchanged)(document, area, rows);
+void StoreRows(Document *document, const Area &area, const VRect &limits, const uint8_t *rows) {
+    const VRect &rect = area.rect;
+    Area stored = area;
+    stored.rect = {std::max(rect.top, limits.top), std::max(rect.left, limits.left),
+                   std::min(rect.bottom, limits.bottom), std::min(rect.right, limits.right)};
+    const int64_t pixelBytes = int64_t{area.hiPlane - area.loPlane + 1} * SampleBytes(*document);
+    rows += int64_t{stored.rect.top - rect.top} * area.rowBytes + (stored.rect.left - rect.left) * pixelBytes;
+    (document->depth == 16 ? StoreScaled : StoreUnchanged)(document, stored, rows);
 }

@@ -7,7 +7,7 @@
 // Part of a document: a rectangle inside it and planes lo to hi. The filter has it in rows of `rowBytes`, the
 // planes of a pixel together.
 struct Area {
-    Rect rect;
+    VRect rect;
     int16_t loPlane;
     int16_t hiPlane;
     int32_t rowBytes;
@@ -16,6 +16,6 @@ struct Area {
 // Copies the area of `pixels`, one of the document's blocks, into `rows`.
 void DeliverRows(const Document &document, const PixelBlock &pixels, const Area &area, uint8_t *rows);
 
-// Stores `rows` in the destination. A 16-bit extra sample that comes back as it was delivered keeps the
-// file's value: the filter's scale has only half as many.
-void StoreRows(Document *document, const Area &area, const uint8_t *rows);
+// Stores what of `rows` lies inside `limits` in the destination. A 16-bit extra sample that comes back as it
+// was delivered keeps the file's value: the filter's scale has only half as many.
+void StoreRows(Document *document, const Area &area, const VRect &limits, const uint8_t *rows);

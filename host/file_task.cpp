@@ -5,7 +5,6 @@
 
 #include "host/action_file.h"
 #include "host/comparison.h"
-#include "host/filter_result.h"
 #include "host/picture_format.h"
 #include "host/picture_writer.h"
 #include "host/plugin.h"
@@ -14,8 +13,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Parts of the bar; the filter takes longest by far.
-constexpr double kReadUntil = 0.05;
+// Of the bar; the rest is for writing.
 constexpr double kFilteredUntil = 0.95;
 
 struct PlannedOutput {
@@ -81,6 +79,9 @@ MaybeFailure PlanFile(const FileRequest &request, const FilterSettings &settings
     if (MaybeFailure failure = OpenPicture(request.inputFile, picture)) {
         return failure;
     }
+    if (MaybeFailure failure = CheckSize(*picture, request.maxMegapixels)) {
+        return failure;
+    }
     if (MaybeFailure failure = CheckMode(plugin, picture->document, request.inputFile)) {
         return failure;
     }
@@ -129,20 +130,17 @@ MaybeFailure DoFileTask(const FileTask &task, Picture *picture, const FilterCall
     if (MaybeFailure failure = Select(task.settings.selection, task.inputFile, silent, document)) {
         return failure;
     }
-    if (MaybeFailure failure = ReadPixels(picture, PartOf(watcher, 0, kReadUntil))) {
-        return failure;
-    }
-    const FilterOutcome outcome = filter(document, PartOf(watcher, kReadUntil, kFilteredUntil));
-    if (MaybeFailure failure = FailureOfFilter(outcome, task.inputFile)) {
+    Action recorded;
+    if (MaybeFailure failure = filter(picture, PartOf(watcher, 0, kFilteredUntil), &recorded)) {
         return failure;
     }
     BlendByMask(document);
     if (MaybeFailure failure =
-            WriteResults(task, *picture, *format, outcome.recorded, PartOf(watcher, kFilteredUntil, 1))) {
+            WriteResults(task, *picture, *format, recorded, PartOf(watcher, kFilteredUntil, 1))) {
         return failure;
     }
     const std::string lost = LostMetadata(*format, picture->metadata.get());
-    *report = {WordsOn(*picture, outcome.recorded),
+    *report = {WordsOn(*picture, recorded),
                lost.empty() ? "" : std::string(" (") + format->name + " keeps no " + lost + " data)"};
     return std::nullopt;
 }

@@ -6,7 +6,7 @@
 
 #include "host/action.h"
 #include "host/failure.h"
-#include "host/filter_run.h"
+#include "host/filter_dialog.h"
 #include "host/output_file.h"
 #include "host/picture.h"
 #include "host/plugin_info.h"
@@ -26,6 +26,7 @@ struct FileRequest {
     std::string recordFile;      // empty for none
     bool force;
     bool inPlace;
+    int32_t maxMegapixels;
 };
 
 // Whoever does the task writes to files that another may move to their places: it may die in between.
@@ -57,7 +58,8 @@ struct PlannedFile {
 MaybeFailure PlanFile(const FileRequest &request, const FilterSettings &settings, const PluginInfo &plugin,
                       PlannedFile *planned, Picture *picture);
 
-using FilterCall = std::function<FilterOutcome(Document *document, const Watcher &watcher)>;
+// Reads and filters the opened picture, and fills what the filter recorded.
+using FilterCall = std::function<MaybeFailure(Picture *picture, const Watcher &watcher, Action *recorded)>;
 
 // Reads, filters and writes the opened picture of a task.
 MaybeFailure DoFileTask(const FileTask &task, Picture *picture, const FilterCall &filter,

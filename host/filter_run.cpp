@@ -30,6 +30,7 @@ struct Delivery {
 struct Run {
     const FilterRequest *request;
     Document *document;
+    Tile tile;
     FilterRecord record;
     PIDescriptorParameters descriptorParameters;
     ReadImageDocumentDesc documentInfo;
@@ -51,10 +52,18 @@ bool RequestsNothing(const FilterRecord &record) {
     return IsEmpty(record.inRect) && IsEmpty(record.outRect) && IsEmpty(record.maskRect);
 }
 
-bool LiesInside(const Document &document, const Area &area) {
-    return area.rect.left >= 0 && area.rect.top >= 0 && area.rect.right <= document.width &&
-           area.rect.bottom <= document.height && area.loPlane >= 0 && area.loPlane <= area.hiPlane &&
-           area.hiPlane < document.planes;
+// Of the filter's coordinates in the document's.
+VRect Placed(const Run &run, const Rect &rect) {
+    const VRect &framed = run.tile.framed;
+    return {framed.top + rect.top, framed.left + rect.left, framed.top + rect.bottom,
+            framed.left + rect.right};
+}
+
+bool LiesInside(const Run &run, const Area &area) {
+    const VRect &framed = run.tile.framed;
+    return area.rect.left >= framed.left && area.rect.top >= framed.top && area.rect.right <= framed.right &&
+           area.rect.bottom <= framed.bottom && area.loPlane >= 0 && area.loPlane <= area.hiPlane &&
+           area.hiPlane < run.document->planes;
 }
 
 // Rows are longer than their pixels, as a filter has to expect.
@@ -65,24 +74,25 @@ int32_t PaddedRowBytes(int32_t bytes) {
 // What the filter has written since the latest delivery goes into the destination.
 void StoreOutput(Run *run) {
     if (run->output.rows != nullptr) {
-        StoreRows(run->document, run->output.area, run->output.rows.get());
+        StoreRows(run->document, run->output.area, run->tile.core, run->output.rows.get());
         run->output.rows.reset();
     }
 }
 
-// An empty area leaves a delivery without rows.
-OSErr Deliver(const Document &document, const PixelBlock &pixels, Area area, Delivery *delivery) {
+// An empty rectangle leaves a delivery without rows.
+OSErr Deliver(const Run &run, const PixelBlock &pixels, const Rect &rect, int16_t loPlane, int16_t hiPlane,
+              Delivery *delivery) {
     *delivery = {};
-    if (IsEmpty(area.rect)) {
+    if (IsEmpty(rect)) {
         return noErr;
     }
-    if (!LiesInside(document, area)) {
+    Area area = {Placed(run, rect), loPlane, hiPlane, 0};
+    if (!LiesInside(run, area)) {
         return filterBadParameters;
     }
-    const int32_t planes = area.hiPlane - area.loPlane + 1;
-    const int32_t width = area.rect.right - area.rect.left;
-    area.rowBytes = PaddedRowBytes(width * planes * SampleBytes(document));
-    delivery->rows = MakeOwnedBlock<uint8_t>(int64_t{area.rowBytes} * (area.rect.bottom - area.rect.top));
+    const Document &document = *run.document;
+    area.rowBytes = PaddedRowBytes(WidthOf(area.rect) * (hiPlane - loPlane + 1) * SampleBytes(document));
+    delivery->rows = MakeOwnedBlock<uint8_t>(int64_t{area.rowBytes} * HeightOf(area.rect));
     if (delivery->rows == nullptr) {
         return memFullErr;
     }
@@ -92,8 +102,8 @@ OSErr Deliver(const Document &document, const PixelBlock &pixels, Area area, Del
 }
 
 // Of a document without a mask all is selected.
-void FillMask(const Document &document, const Rect &rect, int32_t rowBytes, uint8_t *rows) {
-    const auto width = static_cast<size_t>(rect.right - rect.left);
+void FillMask(const Document &document, const VRect &rect, int32_t rowBytes, uint8_t *rows) {
+    const auto width = static_cast<size_t>(WidthOf(rect));
     for (int64_t y = rect.top; y < rect.bottom; ++y, rows += rowBytes) {
         if (document.mask == nullptr) {
             std::memset(rows, kSelected, width);
@@ -105,18 +115,18 @@ void FillMask(const Document &document, const Rect &rect, int32_t rowBytes, uint
 
 OSErr DeliverMask(Run *run) {
     FilterRecord *record = &run->record;
-    const Rect &rect = record->maskRect;
     run->mask.reset();
     record->maskData = nullptr;
     record->maskRowBytes = 0;
-    if (IsEmpty(rect)) {
+    if (IsEmpty(record->maskRect)) {
         return noErr;
     }
-    if (!LiesInside(*run->document, {rect, 0, 0, 0})) {
+    const VRect rect = Placed(*run, record->maskRect);
+    if (!LiesInside(*run, {rect, 0, 0, 0})) {
         return filterBadParameters;
     }
-    const int32_t rowBytes = PaddedRowBytes(rect.right - rect.left);
-    run->mask = MakeOwnedBlock<uint8_t>(int64_t{rowBytes} * (rect.bottom - rect.top));
+    const int32_t rowBytes = PaddedRowBytes(WidthOf(rect));
+    run->mask = MakeOwnedBlock<uint8_t>(int64_t{rowBytes} * HeightOf(rect));
     if (run->mask == nullptr) {
         return memFullErr;
     }
@@ -142,11 +152,11 @@ OSErr ServeRequest(Run *run) {
     }
     FilterRecord *record = &run->record;
     const Document &document = *run->document;
-    OSErr err = Deliver(document, document.source, {record->inRect, record->inLoPlane, record->inHiPlane, 0},
-                        &run->input);
+    OSErr err =
+        Deliver(*run, document.source, record->inRect, record->inLoPlane, record->inHiPlane, &run->input);
     if (err == noErr) {
-        err = Deliver(document, document.destination,
-                      {record->outRect, record->outLoPlane, record->outHiPlane, 0}, &run->output);
+        err = Deliver(*run, document.destination, record->outRect, record->outLoPlane, record->outHiPlane,
+                      &run->output);
     }
     if (err == noErr) {
         err = DeliverMask(run);
@@ -173,11 +183,17 @@ void ShowProgress(int32_t done, int32_t total) {
     }
 }
 
-void FillDocumentInfo(Document &document, ReadImageDocumentDesc *info) {
+Tile WholeOf(const Document &document) {
+    return {SelectedRect(document), WholeRect(document)};
+}
+
+void FillDocumentInfo(Run *run) {
+    Document &document = *run->document;
+    ReadImageDocumentDesc *info = &run->documentInfo;
     info->maxVersion = 1;
     info->imageMode = document.imageMode;
     info->depth = document.depth;
-    info->bounds = {0, 0, document.height, document.width};
+    info->bounds = {0, 0, HeightOf(run->tile.framed), WidthOf(run->tile.framed)};
     info->hResolution = document.horizontalResolution;
     info->vResolution = document.verticalResolution;
     info->documentFileSpec = document.file ? &*document.file : nullptr;
@@ -186,18 +202,18 @@ void FillDocumentInfo(Document &document, ReadImageDocumentDesc *info) {
     }
 }
 
-Rect Narrow(const VRect &rect) {
-    return {static_cast<int16_t>(rect.top), static_cast<int16_t>(rect.left),
-            static_cast<int16_t>(rect.bottom), static_cast<int16_t>(rect.right)};
-}
-
-bool HasSelection(const Document &document) {
-    return document.mask != nullptr || document.selection.has_value();
+// Of the document's coordinates in the filter's.
+Rect Narrow(const VRect &rect, const VRect &framed) {
+    return {static_cast<int16_t>(rect.top - framed.top), static_cast<int16_t>(rect.left - framed.left),
+            static_cast<int16_t>(rect.bottom - framed.top), static_cast<int16_t>(rect.right - framed.left)};
 }
 
 void FillRecord(Run *run) {
     const Document &document = *run->document;
-    const Point size = {static_cast<int16_t>(document.height), static_cast<int16_t>(document.width)};
+    const VRect &framed = run->tile.framed;
+    const VRect &filtered = run->request->tile ? framed : run->tile.core;
+    const bool partly = document.mask != nullptr || (!run->request->tile && document.selection);
+    const Point size = {static_cast<int16_t>(HeightOf(framed)), static_cast<int16_t>(WidthOf(framed))};
     const auto colorPlanes = static_cast<int16_t>(document.colorPlanes);
     const auto extraPlanes = static_cast<int16_t>(document.planes - document.colorPlanes);
     FilterRecord *record = &run->record;
@@ -205,7 +221,7 @@ void FillRecord(Run *run) {
     record->progressProc = ShowProgress;
     record->imageSize = size;
     record->planes = static_cast<int16_t>(document.planes);
-    record->filterRect = Narrow(SelectedRect(document));
+    record->filterRect = Narrow(filtered, framed);
     record->haveMask = document.mask != nullptr;
     record->autoMask = document.mask != nullptr;
     record->background = {UINT16_MAX, UINT16_MAX, UINT16_MAX};
@@ -219,7 +235,7 @@ void FillRecord(Run *run) {
     record->wholeSize = size;
     record->bufferProcs = HostBufferProcs();
     record->handleProcs = HostHandleProcs();
-    record->filterCase = HasSelection(document) ? kFlatImageWithSelection : kFlatImageNoSelection;
+    record->filterCase = partly ? kFlatImageWithSelection : kFlatImageNoSelection;
     record->advanceState = run->request->offerAdvanceState ? AdvanceState : nullptr;
     record->inputRate = kFixedOne;
     record->maskRate = kFixedOne;
@@ -280,21 +296,21 @@ FilterOutcome RunFilter(const FilterRequest &request) {
     }
     run.request = &request;
     run.document = request.document;
+    run.tile = request.tile.value_or(WholeOf(*request.document));
     const bool asks = request.dialog.use != FilterDialog::Use::none;
     run.descriptorParameters = {
         kDescriptorParametersVersion, asks ? plugInDialogDisplay : plugInDialogDontDisplay,
         plugInDialogOptional,         EncodeAction(request.action),
         HostWriteDescriptorProcs(),   HostReadDescriptorProcs()};
-    FillDocumentInfo(*run.document, &run.documentInfo);
+    FillDocumentInfo(&run);
     FillRecord(&run);
-    ResetDestination(run.document);
 
     currentRun = &run;
     const OSErr result = CallSelectors(&run);
     currentRun = nullptr;
 
     if (result != noErr) {
-        ResetDestination(run.document);
+        ResetDestination(run.document, run.tile.core);
     }
     FilterOutcome outcome = {result, MessageOf(run, result), {}};
     DecodeAction(run.descriptorParameters.descriptor, &outcome.recorded);

@@ -1,6 +1,7 @@
 // One run of a filter over a document, through its entry point.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "host/action.h"
@@ -10,6 +11,13 @@
 #include "host/watcher.h"
 #include "platform/types.h"
 
+// Part of a document that is filtered as if it were all: of `framed`, which the filter is shown, only `core`
+// is taken into the destination.
+struct Tile {
+    VRect core;
+    VRect framed;
+};
+
 struct FilterRequest {
     Module *module;
     Document *document;
@@ -17,6 +25,7 @@ struct FilterRequest {
     bool offerAdvanceState;  // else every request of the filter is answered by a Continue
     Watcher watcher;
     FilterDialog dialog = {};
+    std::optional<Tile> tile = {};  // without it, all that is selected
 };
 
 struct FilterOutcome {
@@ -28,7 +37,7 @@ struct FilterOutcome {
 // The interface counts rows and columns in 16 bits; this much of them is left to filters for margins.
 constexpr int32_t kMaxRunSide = 30000;
 
-// Filters what is selected of the source into the destination, whose sides must not exceed kMaxRunSide. After
-// anything but noErr the destination is a copy of the source. One run at a time: the callbacks of the
-// interface are told nothing of whose they are.
+// Filters the source into the destination, which has to be a copy of it there, and is one again after
+// anything but noErr. The sides of what the filter is shown must not exceed kMaxRunSide. One run at a time:
+// the callbacks of the interface are told nothing of whose they are.
 FilterOutcome RunFilter(const FilterRequest &request);

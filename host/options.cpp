@@ -50,6 +50,7 @@ MaybeFailure CheckOptions(const Options &options) {
         {beyondActions && !options.recordFile.empty(), "--record keeps a radius of at most 4"},
         {options.jobs < 1 || options.jobs > kMaxJobs,
          "The number of jobs must be from 1 to " + std::to_string(kMaxJobs)},
+        {options.maxMegapixels < 1, "The limit must be at least 1 megapixel"},
         {several && !options.comparisonFile.empty(), "--compare takes one picture"},
         {several && !options.recordFile.empty(), "--record takes one picture"},
         {!options.comparisonFile.empty() && !HasSuffix(options.comparisonFile, ".png"),
@@ -88,6 +89,10 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
     app.add_option("--compare", options->comparisonFile, "Write before and after, side by side")
         ->type_name("FILE.png");
     app.add_option("-j,--jobs", options->jobs, "How many processes filter; without it, one per processor")
+        ->type_name("N");
+    app.add_option(
+           "--max-megapixels", options->maxMegapixels,
+           "Refuse larger pictures; without it, those of more than " + std::to_string(options->maxMegapixels))
         ->type_name("N");
     app.add_flag("--in-place", options->inPlace, "Write over the inputs");
     app.add_flag("-f,--force", options->force, "Write over existing outputs");

@@ -23,6 +23,7 @@ struct Options {
     std::optional<VRect> selection;
     std::string pluginFolder;
     int32_t jobs = 1;
+    int32_t maxMegapixels = 1000;
     bool dialog = false;
     bool inPlace = false;
     bool force = false;

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <iterator>
 #include <string_view>
+#include <vector>
 
 #include "host/animated_png.h"
 #include "host/picture_mode.h"
@@ -19,6 +20,7 @@
 namespace {
 
 constexpr int32_t kStripHeight = 64;
+constexpr int64_t kMegapixel = 1'000'000;
 constexpr double kMillimetersPerInch = 25.4;
 constexpr double kMaxResolution = 32767;  // what a Fixed can say
 
@@ -82,6 +84,10 @@ MaybeFailure CheckFile(const std::string &file) {
 
 MaybeFailure Unreadable(const std::string &file) {
     return FileFailure(file, "cannot be read: " + TakeVipsError());
+}
+
+MaybeFailure TooLittleMemory(const std::string &file) {
+    return FileFailure(file, "there is not enough memory to read it");
 }
 
 // Loading through a source takes the name as it is; a file name would be searched for options.
@@ -190,17 +196,21 @@ std::optional<FSSpec> SpecOf(const std::string &file) {
                                                                                      : std::nullopt;
 }
 
-bool ReadStrip(VipsRegion *region, const VipsRect &strip, Picture *picture) {
-    const Document &document = picture->document;
+MaybeFailure ReadStrip(VipsRegion *region, const VipsRect &strip, Picture *picture) {
+    Document *document = &picture->document;
     if (vips_region_prepare(region, &strip) != 0) {
-        return false;
+        return Unreadable(picture->file);
     }
+    std::vector<uint8_t> row(static_cast<size_t>(RowBytes(*document)));
     const auto rowStep = static_cast<int64_t>(region->bpl);
     for (int64_t y = strip.top; y < strip.top + strip.height; ++y) {
-        TakeSamples(picture->delivered, region->data + (y - region->valid.top) * rowStep, document,
-                    document.source.get() + y * RowBytes(document));
+        TakeSamples(picture->delivered, region->data + (y - region->valid.top) * rowStep, *document,
+                    row.data());
+        if (!FillRow(document, y, row.data())) {
+            return TooLittleMemory(picture->file);
+        }
     }
-    return true;
+    return std::nullopt;
 }
 
 }  // namespace
@@ -229,32 +239,65 @@ MaybeFailure OpenPicture(const std::string &file, Picture *picture) {
     return std::nullopt;
 }
 
-MaybeFailure ReadPixels(Picture *picture, const Watcher &watcher) {
-    Document *document = &picture->document;
-    if (!MapPixels(document)) {
-        return FileFailure(picture->file, "there is not enough memory to read it");
+MaybeFailure CheckSize(const Picture &picture, int32_t maxMegapixels) {
+    const int64_t pixels = int64_t{picture.document.width} * picture.document.height;
+    if (pixels <= maxMegapixels * kMegapixel) {
+        return std::nullopt;
     }
-    const OwnedObject<VipsRegion> region(vips_region_new(picture->unread.get()));
-    for (int32_t top = 0; top < document->height; top += kStripHeight) {
-        if (watcher.cancelled()) {
-            return Interruption(picture->file);
-        }
-        const VipsRect strip = {0, top, document->width, std::min(kStripHeight, document->height - top)};
-        if (!ReadStrip(region.get(), strip, picture)) {
-            return Unreadable(picture->file);
-        }
-        watcher.progress(double{1} * top / document->height);
+    return FileFailure(picture.file, "its " + SizeOf(picture.document) + " pixels are more than the " +
+                                         std::to_string(maxMegapixels) +
+                                         " megapixels that --max-megapixels allows");
+}
+
+MaybeFailure StartReading(Picture *picture, PixelReader *reader) {
+    if (!MapPixels(&picture->document)) {
+        return TooLittleMemory(picture->file);
     }
-    ResetDestination(document);
-    picture->unread.reset();
+    *reader = {picture, OwnedObject<VipsRegion>(vips_region_new(picture->unread.get()))};
     return std::nullopt;
+}
+
+MaybeFailure ReadSomeRows(PixelReader *reader, const Watcher &watcher) {
+    Picture *picture = reader->picture;
+    const Document &document = picture->document;
+    if (watcher.cancelled()) {
+        return Interruption(picture->file);
+    }
+    const VipsRect strip = {0, reader->rows, document.width,
+                            std::min(kStripHeight, document.height - reader->rows)};
+    if (MaybeFailure failure = ReadStrip(reader->region.get(), strip, picture)) {
+        return failure;
+    }
+    reader->rows += strip.height;
+    if (IsAllRead(*reader)) {
+        reader->region.reset();
+        picture->unread.reset();
+    }
+    watcher.progress(double{1} * reader->rows / document.height);
+    return std::nullopt;
+}
+
+bool IsAllRead(const PixelReader &reader) {
+    return reader.rows == reader.picture->document.height;
+}
+
+MaybeFailure ReadPixels(Picture *picture, const Watcher &watcher) {
+    PixelReader reader;
+    MaybeFailure failure = StartReading(picture, &reader);
+    while (!failure && !IsAllRead(reader)) {
+        failure = ReadSomeRows(&reader, watcher);
+    }
+    return failure;
+}
+
+std::string SizeOf(const Document &document) {
+    return std::to_string(document.width) + " x " + std::to_string(document.height);
 }
 
 std::string DescribePicture(const Picture &picture) {
     const Document &document = picture.document;
     const int32_t extraPlanes = document.planes - document.colorPlanes;
-    std::string text = std::to_string(document.width) + " x " + std::to_string(document.height) + " " +
-                       ModeOfDocument(document.imageMode).name;
+    std::string text = SizeOf(document) + " " + ModeOfDocument(document.imageMode).name;
     if (extraPlanes > 0) {
         text +=
             " and " + std::to_string(extraPlanes) + (extraPlanes == 1 ? " extra channel" : " extra channels");

@@ -23,10 +23,27 @@ struct Picture {
 // would not come back whole, such as further pages.
 MaybeFailure OpenPicture(const std::string &file, Picture *picture);
 
-// Reads the pixels of an opened picture into both blocks and closes the file. A file that is cut short is a
-// failure.
+// Refuses an opened picture that is larger; no memory has been taken for its pixels yet.
+MaybeFailure CheckSize(const Picture &picture, int32_t maxMegapixels);
+
+// Reads an opened picture's pixels into both blocks of its document, from top to bottom.
+struct PixelReader {
+    Picture *picture = nullptr;
+    OwnedObject<VipsRegion> region;
+    int32_t rows = 0;  // read so far
+};
+
+// Maps both blocks.
+MaybeFailure StartReading(Picture *picture, PixelReader *reader);
+// Reads some rows more; after the last one the file is closed. A file that is cut short is a failure.
+MaybeFailure ReadSomeRows(PixelReader *reader, const Watcher &watcher);
+bool IsAllRead(const PixelReader &reader);
+
+// Reads all of them.
 MaybeFailure ReadPixels(Picture *picture, const Watcher &watcher);
 
+// "3000 x 2000"
+std::string SizeOf(const Document &document);
 // "3000 x 2000 RGB, 16 bits"
 std::string DescribePicture(const Picture &picture);
 

@@ -20,10 +20,6 @@ bool LiesInside(const VRect &rect, const Document &document) {
     return rect.left >= 0 && rect.top >= 0 && rect.right <= document.width && rect.bottom <= document.height;
 }
 
-std::string SizeOf(const Document &document) {
-    return std::to_string(document.width) + " x " + std::to_string(document.height);
-}
-
 // The mask's samples, cut to bytes.
 void CopyMask(const Document &mask, uint8_t *bytes) {
     const int64_t count = MaskBytes(mask);
@@ -57,7 +53,7 @@ MaybeFailure ReadMask(const std::string &maskFile, const std::string &file, cons
     if (MaybeFailure failure = ReadPixels(&mask, watcher)) {
         return failure;
     }
-    document->mask = MapBlock(MaskBytes(*document));
+    document->mask = MapBlock(MaskBytes(*document), document->sharing);
     if (document->mask == nullptr) {
         return FileFailure(maskFile, "there is not enough memory to read it");
     }

@@ -47,56 +47,6 @@ bool IsWhole(const Document &document, const Tile &tile) {
            std::max(document.width, document.height) <= kMaxRunSide;
 }
 
-// Copies rectangles of one size between blocks whose rows hold `width` pixels.
-struct Place {
-    uint8_t *block;
-    int32_t width;
-    int32_t left, top;
-};
-
-void CopyPixels(const Place &from, const Place &to, const VRect &size, int64_t pixelBytes) {
-    const auto bytes = static_cast<size_t>(WidthOf(size) * pixelBytes);
-    for (int64_t y = 0; y < HeightOf(size); ++y) {
-        std::memcpy(to.block + ((to.top + y) * to.width + to.left) * pixelBytes,
-                    from.block + ((from.top + y) * from.width + from.left) * pixelBytes, bytes);
-    }
-}
-
-Place PlaceIn(const Document &document, const PixelBlock &block, const VRect &rect) {
-    return {block.get(), document.width, rect.left, rect.top};
-}
-
-int64_t PixelSize(const Document &document) {
-    return int64_t{document.planes} * SampleBytes(document);
-}
-
-// The framed tile as a document; false when memory is short.
-bool CopyTile(const Document &whole, const VRect &framed, Document *part) {
-    part->imageMode = whole.imageMode;
-    part->depth = whole.depth;
-    part->colorPlanes = whole.colorPlanes;
-    part->planes = whole.planes;
-    part->width = WidthOf(framed);
-    part->height = HeightOf(framed);
-    part->horizontalResolution = whole.horizontalResolution;
-    part->verticalResolution = whole.verticalResolution;
-    part->file = whole.file;
-    if (!MapPixels(part)) {
-        return false;
-    }
-    const VRect all = SelectedRect(*part);
-    CopyPixels(PlaceIn(whole, whole.source, framed), PlaceIn(*part, part->source, all), framed,
-               PixelSize(whole));
-    if (whole.mask != nullptr) {
-        part->mask = MapBlock(MaskBytes(*part));
-        if (part->mask == nullptr) {
-            return false;
-        }
-        CopyPixels(PlaceIn(whole, whole.mask, framed), PlaceIn(*part, part->mask, all), framed, 1);
-    }
-    return true;
-}
-
 int64_t AreaOf(const Tile &tile) {
     return int64_t{WidthOf(tile.core)} * HeightOf(tile.core);
 }
@@ -124,27 +74,14 @@ std::vector<Tile> CutIntoTiles(const VRect &area, const TileLimits &limits) {
 }
 
 FilterOutcome FilterTile(const FilterRequest &request, const Tile &tile) {
-    Document *whole = request.document;
-    if (IsWhole(*whole, tile)) {
-        return RunFilter(request);
+    FilterRequest ofTile = request;
+    if (!IsWhole(*request.document, tile)) {
+        ofTile.tile = tile;
     }
-    Document part;
-    if (!CopyTile(*whole, tile.framed, &part)) {
-        return {memFullErr, {}, {}};
-    }
-    FilterRequest ofPart = request;
-    ofPart.document = &part;
-    FilterOutcome outcome = RunFilter(ofPart);
-    if (outcome.result == noErr) {
-        const VRect inPart = {tile.core.top - tile.framed.top, tile.core.left - tile.framed.left, 0, 0};
-        CopyPixels(PlaceIn(part, part.destination, inPart), PlaceIn(*whole, whole->destination, tile.core),
-                   tile.core, PixelSize(*whole));
-    }
-    return outcome;
+    return RunFilter(ofTile);
 }
 
 FilterOutcome FilterTiles(const FilterRequest &request, const std::vector<Tile> &tiles) {
-    ResetDestination(request.document);
     int64_t total = 0;
     for (const Tile &tile : tiles) {
         total += AreaOf(tile);
@@ -159,6 +96,7 @@ FilterOutcome FilterTiles(const FilterRequest &request, const std::vector<Tile> 
             PartOf(request.watcher, from, static_cast<double>(done) / static_cast<double>(total));
         outcome = FilterTile(ofTile, tile);
         if (outcome.result != noErr) {
+            ResetDestination(request.document, SelectedRect(*request.document));
             break;
         }
     }

@@ -5,12 +5,6 @@
 
 #include "host/filter_run.h"
 
-// A run filters `framed`; only what lies in `core` is taken from it.
-struct Tile {
-    VRect core;
-    VRect framed;
-};
-
 struct TileLimits {
     int32_t bands = 1;              // at least so many tiles from top to bottom, where the rows suffice
     int32_t maxSide = kMaxRunSide;  // of the framed tile
@@ -22,9 +16,10 @@ int32_t BandsFor(const Document &document, int32_t jobs);
 // The cores cover the area once; frames stay inside it.
 std::vector<Tile> CutIntoTiles(const VRect &area, const TileLimits &limits);
 
-// Runs the filter over one tile, as a document of its own where that is needed. The rest of the document's
-// destination stays as it is.
+// Runs the filter over one tile, which it is shown as a document of its own unless it is all that is
+// selected.
 FilterOutcome FilterTile(const FilterRequest &request, const Tile &tile);
 
-// Makes the destination a copy of the source, then filters the tiles one after the other up to a failure.
+// Filters the tiles one after the other. As with one run, the destination has to be a copy of the source, and
+// is one again after a failure.
 FilterOutcome FilterTiles(const FilterRequest &request, const std::vector<Tile> &tiles);

@@ -3,6 +3,7 @@
 #include <malloc.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace {
 
@@ -19,6 +20,9 @@ bool StartVips(const char *program) {
     mallopt(M_MMAP_THRESHOLD, kLargeBlock);
     mallopt(M_TRIM_THRESHOLD, kLargeBlock);
     g_log_set_default_handler(Discard, nullptr);
+    // Its loaders of documents, slides and strangers' formats are not used here; to load them takes longer
+    // than to filter a small picture. They are looked for below this folder.
+    setenv("VIPSHOME", "/nonexistent", 0);
     if (vips_init(program) != 0) {
         return false;
     }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/packing.h"
+#include "host/picture_filter.h"
 #include "host/plugin.h"
 #include "host/vips_library.h"
 #include "host/worker_job.h"
@@ -103,11 +104,10 @@ FileAnswer DoFile(const FileTask &task, Workplace *workplace) {
     Picture picture;
     answer.failure = OpenPicture(task.inputFile, &picture);
     if (!answer.failure) {
-        const auto filter = [&](Document *document, const Watcher &watcher) {
-            const FilterRequest request = {
-                &workplace->plugin.module, document, task.settings.action, true, watcher,
-                task.settings.dialog};
-            return FilterTiles(request, CutIntoTiles(SelectedRect(*document), {}));
+        const auto filter = [&](Picture *opened, const Watcher &watcher, Action *recorded) {
+            return FilterPicture(
+                {&workplace->plugin.module, task.settings.action, task.settings.dialog, watcher}, opened,
+                recorded);
         };
         answer.failure = DoFileTask(task, &picture, filter, ReportingWatcher(), &answer.report);
     }

@@ -154,7 +154,7 @@ bool ListenToAll(Pool *pool) {
     for (const Worker &worker : pool->workers) {
         lines.push_back({worker.line, POLLIN, 0});
     }
-    if (poll(lines.data(), lines.size(), kPollMilliseconds) <= 0) {
+    if (poll(lines.data(), lines.size(), pool->calls->meanwhile() ? 0 : kPollMilliseconds) <= 0) {
         return true;
     }
     auto worker = pool->workers.begin();

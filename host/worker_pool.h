@@ -24,6 +24,8 @@ constexpr size_t kLargestPacket = 1 << 17;
 struct WorkerCalls {
     // The message of the next job, which gets the next number from 0 on; false when there are no more.
     std::function<bool(std::string *job)> next;
+    // A piece of the caller's own work between two messages; false when there is no more.
+    std::function<bool()> meanwhile = [] { return false; };
     std::function<void(size_t job, double done)> progress;
     // Both end a job; false ends all others.
     std::function<bool(size_t job, const std::string &answer)> answered;

@@ -225,11 +225,15 @@ const BitMap *GetPortBitMapForCopyBits(CGrafPtr port) {
 
 void CopyBits(const BitMap *source, const BitMap *destination, const Rect *sourceRect,
               const Rect *destinationRect, int16_t, RgnHandle) {
-    const auto dh = static_cast<int16_t>(destinationRect->left - sourceRect->left);
-    const auto dv = static_cast<int16_t>(destinationRect->top - sourceRect->top);
-    Rect from = ports::Common(*sourceRect, source->bounds);
-    OffsetRect(&from, dh, dv);
-    const Rect area = ports::Common(ports::Common(from, *destinationRect), destination->bounds);
+    // Rectangles may lie so far apart that the way between them has no 16 bits.
+    const int32_t dh = destinationRect->left - sourceRect->left;
+    const int32_t dv = destinationRect->top - sourceRect->top;
+    const Rect from = ports::Common(*sourceRect, source->bounds);
+    Rect area = ports::Common(*destinationRect, destination->bounds);
+    area.top = static_cast<int16_t>(std::clamp<int32_t>(from.top + dv, area.top, INT16_MAX));
+    area.left = static_cast<int16_t>(std::clamp<int32_t>(from.left + dh, area.left, INT16_MAX));
+    area.bottom = static_cast<int16_t>(std::clamp<int32_t>(from.bottom + dv, INT16_MIN, area.bottom));
+    area.right = static_cast<int16_t>(std::clamp<int32_t>(from.right + dh, INT16_MIN, area.right));
     if (ports::IsEmpty(area)) {
         return;
     }

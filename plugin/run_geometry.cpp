@@ -75,7 +75,7 @@ OSErr GetRunGeometry(const PluginState *state, RunGeometry *run) {
         mode.conversions == nullptr ? nullptr : &mode.conversions[run->sampleBytes == 1 ? 0 : 1];
     run->extraPlanes = run->planes - run->colorPlanes;
     run->row = record->outRect.top - record->filterRect.top;
-    if (run->width > INT16_MAX || run->height > INT16_MAX) {
+    if (IsEmpty(record->filterRect) || run->width > INT16_MAX || run->height > INT16_MAX) {
         return filterBadParameters;
     }
     return run->colorPlanes > 0 && run->extraPlanes >= 0 ? noErr : filterBadMode;

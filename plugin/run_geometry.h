@@ -30,5 +30,6 @@ bool IsEmpty(const Rect &rect);
 int64_t RowBufferSize(const RunGeometry &run);
 
 // Returns filterBadMode for a mode without a colour plane count, or with fewer planes than it needs;
-// filterBadParameters for a side of more than 32767 pixels, which no image can have.
+// filterBadParameters for an empty rectangle and for a side of more than 32767 pixels, which no image can
+// have.
 OSErr GetRunGeometry(const PluginState *state, RunGeometry *run);

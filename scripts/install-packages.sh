@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs the Debian packages of the groups named (build, test, bench, lint) that are missing; asks for nothing else.
+# Installs the Debian packages of the groups named (build, test, bench, lint, fuzz) that are missing; asks for nothing else.
 set -euo pipefail
 
 declare -A packages=(

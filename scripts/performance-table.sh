@@ -18,12 +18,12 @@ for layout in ${LAYOUTS:-rgb8}; do
                 gsub(/"/, "", $1)
                 split($1, place, /[\/_]/)
                 kernel = place[1]; radius = place[3]
-                if (!(kernel in seen)) { seen[kernel] = 1; kernels[++count] = kernel }
                 speed[kernel, radius] = $NF
             }
             function table(title, value, form,    k, r) {
                 printf "\n%s, %s\n\n| radius | 1 | 2 | 3 | 4 | 5 | 6 |\n|---|---|---|---|---|---|---|\n", layout, title
                 for (k = 1; k <= count; ++k) {
+                    if (!((kernels[k], 1) in speed)) continue
                     printf "| %s |", kernels[k]
                     for (r = 1; r <= 6; ++r) printf form, cell(value, kernels[k], r)
                     print ""
@@ -37,6 +37,7 @@ for layout in ${LAYOUTS:-rgb8}; do
                 return value == "pair" ? 1e3 / (speed[kernel, radius] * pairs) : speed[kernel, radius]
             }
             END {
+                count = split("plain scalar sse2 avx2 avx512", kernels, " ")
                 table("megapixels per second", "speed", " %.3g |")
                 table("ratio to the plain routines", "ratio", " %.1f |")
                 table("nanoseconds per pair", "pair", " %.3f |")

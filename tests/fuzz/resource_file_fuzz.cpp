@@ -1,18 +1,77 @@
+// A plug-in's resource file: its property list, the names of its settings, and a session in its dialog.
+#include <string_view>
+
+#include "host/plugin_info.h"
+#include "photoshop/property_list.h"
+#include "platform/fault_injection.h"
+#include "platform/files.h"
+#include "platform/memory.h"
 #include "platform/posix_paths.h"
 #include "platform/resources.h"
+#include "platform/scripted_dialogs.h"
 #include "settings/key_names.h"
 #include "tests/fuzz/fuzz_folder.h"
+#include "toolkit/filter_hooks.h"
+#include "toolkit/run_context.h"
+
+namespace {
+
+constexpr int16_t kPropertyListID = 16000;
+// Items of the dialog.
+enum : int16_t { kPreviewCheckBox = 3, kField = 5, kRadiusBar = 6, kAcross = 8, kDown = 9, kPlus = 14 };
+
+void ReadPropertyList() {
+    Handle list = GetResource(PIPropertyListType, kPropertyListID);
+    PluginInfo info;
+    if (list != nullptr &&
+        ParsePropertyList(std::string_view(*list, static_cast<size_t>(GetHandleSize(list))), &info)) {
+        DescribePlugin(info);
+    }
+}
+
+void RunDialog() {
+    ScriptedSession session;
+    session.actions = {user::Click(kPreviewCheckBox),
+                       user::Press(kRadiusBar, kControlPageDownPart),
+                       user::MoveThumb(kAcross, 1),
+                       user::Press(kDown, kControlDownButtonPart),
+                       user::Click(kPlus),
+                       user::DoubleClick(kField),
+                       user::Key('3'),
+                       user::Event(updateEvt),
+                       user::Key(kReturnCharCode)};
+    UseScriptedDialogs(&session);
+    NamedImage *image = nullptr;
+    FilterRecord record = {};
+    RunContext context = {};
+    context.filterRecord = &record;
+    context.colorPlanes = 3;
+    FilterParameters values = {2, 1};
+    Ptr block = reinterpret_cast<Ptr>(&values);
+    if (MakeImage(10, 9, 3, &image) == noErr) {
+        InteractiveDialog(image, &context, &block);
+    }
+    TossImage(image);
+    UseScriptedDialogs(nullptr);
+    if (values.radius < 1 || values.radius > 6) {
+        std::abort();
+    }
+}
+
+}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size) {
     static const FuzzFolder folder;
     folder.Write("test.rsrc", bytes, size);
-    FSSpec spec;
-    SpecFromPosixPath(folder.path / "test.rsrc", &spec);
-    const int16_t file = FSpOpenResFile(&spec, 1);
-    if (file > 0) {
-        char name[kKeyNameSize], units[kKeyNameSize];
-        _LookupParamKeyName(FourCharCode("nRad"), name, units, static_cast<int32_t>(size % 13));
-        CloseResFile(file);
-    }
+    // Painting takes long, so windows are small.
+    faults::SetMemoryLimit(faults::BytesInUse() + (64 << 10));
+    FSSpec file;
+    SpecFromPosixPath(folder.path / "test.rsrc", &file);
+    const int16_t resources = FSpOpenResFile(&file, fsRdPerm);
+    ReadPropertyList();
+    char name[kKeyNameSize], units[kKeyNameSize];
+    _LookupParamKeyName(FourCharCode("nRad"), name, units, static_cast<int32_t>(size % 13));
+    RunDialog();
+    CloseResFile(resources);
     return 0;
 }

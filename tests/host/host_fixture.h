@@ -53,7 +53,7 @@ inline Document RandomDocument(int16_t mode, int32_t depth, int32_t colorPlanes,
                     depth == 32 ? static_cast<const void *>(&fraction) : &bits,
                     static_cast<size_t>(SampleBytes(document)));
     }
-    ResetDestination(&document);
+    ResetDestination(&document, WholeRect(document));
     return document;
 }
 

@@ -23,6 +23,7 @@
 struct Ended {
     int status;
     std::string out, err;
+    int64_t megabytes;  // of memory, at its most
 };
 
 inline std::string Contents(const std::filesystem::path &path) {
@@ -77,9 +78,10 @@ class Program : public ScratchFolder {
 
     Ended Wait(pid_t child) {
         int status = 0;
-        waitpid(child, &status, 0);
+        rusage usage = {};
+        wait4(child, &status, 0, &usage);
         return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Contents(output / "out"),
-                Contents(output / "err")};
+                Contents(output / "err"), usage.ru_maxrss / 1024};
     }
 
     std::string Path(const std::string &name) const { return (folder / name).string(); }

@@ -389,6 +389,26 @@ TEST_F(Program, DeadWorkersAreToldAndLeaveNothing) {
     EXPECT_EQ(std::distance(fs::directory_iterator(folder / "out"), {}), 1) << "the other picture was done";
 }
 
+// The workers are at the first bands by the time the file turns out to be cut short.
+TEST_F(Program, CutPicturesEndRunsThatHaveBegun) {
+    WriteNoise("large.png", 900, 700, 3);
+    WriteNoise("large.jpg", 900, 700, 3);
+    for (const char *name : {"large.png", "large.jpg"}) {
+        fs::resize_file(folder / name, fs::file_size(folder / name) * 2 / 3);
+    }
+    const std::set<std::string> before = Names();
+    for (const std::string name : {"large.png", "large.jpg"}) {
+        for (const char *select : {"0,0,900,700", "0,0,900,400"}) {
+            const Ended ended =
+                Wait(Start({name, "-o", "new.tif", "-r", "4", "-j", "3", "--select", select}));
+            EXPECT_EQ(ended.status, 1);
+            EXPECT_EQ(ended.err.find("hymedian: " + name + ": cannot be read"), 0u) << ended.err;
+            EXPECT_EQ(std::count(ended.err.begin(), ended.err.end(), '\n'), 1) << ended.err;
+            EXPECT_EQ(Names(), before);
+        }
+    }
+}
+
 TEST_F(Program, TellsWhatThePluginSays) {
     const Ended ended = Wait(Start({"--info"}));
     EXPECT_EQ(ended.status, 0);

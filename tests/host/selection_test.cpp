@@ -30,7 +30,7 @@ void ExpectBlended(int16_t mode, int32_t depth) {
     for (int64_t i = 0; i < PixelBytes(document); ++i) {
         document.destination[static_cast<size_t>(i)] ^= static_cast<uint8_t>(0x3C + i % 7);
     }
-    document.mask = MapBlock(MaskBytes(document));
+    document.mask = MapBlock(MaskBytes(document), Sharing::none);
     for (size_t i = 0; i < 256 * 3; ++i) {
         document.mask[i] = static_cast<uint8_t>(i);
     }

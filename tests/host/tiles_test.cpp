@@ -55,7 +55,7 @@ TEST_F(Tiles, GiveTheResultOfOneRun) {
                     RandomDocument(kind.mode, kind.depth, kind.colorPlanes, kind.planes, 45, 61);
                 document.selection = selection;
                 if (masked) {
-                    document.mask = MapBlock(MaskBytes(document));
+                    document.mask = MapBlock(MaskBytes(document), Sharing::none);
                     document.mask[700] = 255;
                 }
                 const FilterRequest request = {&realFilter, &document, action, true, {}};
