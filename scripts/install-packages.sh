@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs the Debian packages of the groups named (build, test, bench, lint, fuzz) that are missing; asks for nothing else.
+# Installs the Debian packages of the groups named (build, test, bench, lint, fuzz, coverage) that are missing; asks for nothing else.
 set -euo pipefail
 
 declare -A packages=(
@@ -8,6 +8,7 @@ declare -A packages=(
     [bench]="libbenchmark-dev"
     [lint]="clang-format clang-tidy cppcheck"
     [fuzz]="clang libclang-rt-14-dev"
+    [coverage]="gcovr"
 )
 
 missing=()

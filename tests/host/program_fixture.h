@@ -44,7 +44,7 @@ class Program : public ScratchFolder {
 
     // Starts the program in the test's folder; what it prints goes to files outside.
     pid_t Start(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), HYMEDIAN_PROGRAM);
+        arguments.insert(arguments.begin(), executable);
         std::vector<char *> pointers;
         for (std::string &argument : arguments) {
             pointers.push_back(argument.data());
@@ -68,8 +68,15 @@ class Program : public ScratchFolder {
             };
             redirect(STDOUT_FILENO, "out");
             redirect(STDERR_FILENO, "err");
+            // First out of the way, since one of them could stand where another has to go.
+            for (int &descriptor : descriptors) {
+                descriptor = fcntl(descriptor, F_DUPFD_CLOEXEC, 64);
+            }
+            for (size_t i = 0; i < descriptors.size(); ++i) {
+                dup2(descriptors[i], STDERR_FILENO + 1 + static_cast<int>(i));
+            }
             if (chdir(folder.c_str()) == 0) {
-                execv(HYMEDIAN_PROGRAM, pointers.data());
+                execv(executable.c_str(), pointers.data());
             }
             _exit(127);
         }
@@ -111,6 +118,8 @@ class Program : public ScratchFolder {
         return names;
     }
 
-    rlim_t fileSizeLimit = 0;  // of the next program; 0 for none
+    std::string executable = HYMEDIAN_PROGRAM;  // that is started next
+    std::vector<int> descriptors;  // that the next program is born with, behind the standard ones
+    rlim_t fileSizeLimit = 0;      // of the next program; 0 for none
     std::filesystem::path output = folder.string() + "-output";
 };

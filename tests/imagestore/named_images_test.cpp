@@ -2,6 +2,8 @@
 
 #include <fstream>
 
+#include "imagestore/kept_images.h"
+#include "platform/files.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/test_images.h"
 
@@ -97,6 +99,54 @@ TEST_F(NamedImages, KeptImagesHaveMemoryAndFile) {
     EXPECT_EQ(File("Kept").substr(0, 6), std::string("\1\0\4\0\2\0", 6));
     TossNamedImage(kKeptName, image);
     EXPECT_EQ(FileCount(), 0u);
+}
+
+TEST_F(NamedImages, KeptImagesComeBackUnderTheirNames) {
+    const struct {
+        OSErr (*make)(int16_t width, int16_t height, int16_t bytesPerPixel, NamedImage **image);
+        OSErr (*open)(NamedImage **image);
+        OSErr (*close)(NamedImage *image);
+        OSErr (*toss)(NamedImage *image);
+        std::string name;
+    } kinds[] = {
+        {MakeImage2, OpenImage2, CloseImage2, TossImage2, "PSsecImage"},
+        {MakeImage2Dup16, OpenImage2Dup16, CloseImage2Dup16, TossImage2Dup16, "PSsecImageDup16"},
+        {MakeImageFFT, OpenImageFFT, CloseImageFFT, TossImageFFT, "FFTImage"},
+    };
+    for (const auto &kind : kinds) {
+        SCOPED_TRACE(kind.name);
+        const std::string pascalName = static_cast<char>(kind.name.size()) + kind.name;
+        const auto dimensions = [&] {
+            int16_t width, height, bytes;
+            const OSErr err = GetNamedImageDimensions(reinterpret_cast<ConstStringPtr>(pascalName.data()),
+                                                      &width, &height, &bytes);
+            return std::vector<int>{err, width, height, bytes};
+        };
+        const std::vector<uint8_t> noise = RandomBytes(6 * 4 * 2, 5);
+        for (const bool onDisk : {false, true}) {
+            faults::RefuseTemporaryMemory(onDisk);
+            NamedImage *image;
+            ASSERT_EQ(kind.make(6, 4, 2, &image), noErr);
+            for (int32_t y = 0; y < 4; ++y) {
+                PutLine(image, 0, y, 12, noise.data() + y * 12);
+            }
+            ASSERT_EQ(kind.close(image), noErr);
+            EXPECT_EQ(dimensions(), (std::vector<int>{noErr, 6, 4, 2}));
+            ASSERT_EQ(kind.open(&image), noErr);
+            EXPECT_EQ(BytesOf(image), noise);
+            EXPECT_EQ(kind.close(image), noErr);
+            for (const auto &[header, err] : {std::pair{"\2\0\6", eofErr}, {"\2\0\6\0\377\377", paramErr}}) {
+                std::ofstream(folder / kind.name, std::ios::binary)
+                    << std::string(header, err == eofErr ? 3 : 6);
+                EXPECT_EQ(kind.open(&image), err);
+                EXPECT_EQ(image, nullptr);
+            }
+            EXPECT_EQ(kind.toss(nullptr), noErr);
+            EXPECT_EQ(FileCount(), 0u);
+            EXPECT_EQ(kind.open(&image), fnfErr);
+            EXPECT_EQ(dimensions(), (std::vector<int>{fnfErr, 0, 0, 0}));
+        }
+    }
 }
 
 TEST_F(NamedImages, ImagesTooLargeForMemoryGoToDisk) {

@@ -6,6 +6,7 @@
 #include "platform/files.h"
 #include "platform/posix_paths.h"
 #include "platform/resources.h"
+#include "resources/key_name_table.h"
 #include "settings/setting_dump.h"
 #include "tests/support/dates.h"
 #include "tests/support/key_name_table.h"
@@ -65,6 +66,14 @@ TEST_F(KeyNames, UnitsFollowTheirCode) {
     EXPECT_EQ(_LookupParamKeyName(FourCharCode("aaaa"), nullptr, nullptr, 0), fnfErr);
     faults::AddResource(FourCharCode("TEXT"), 9999, std::vector<uint8_t>(100, 'a'));
     EXPECT_EQ(_LookupParamKeyName(FourCharCode("aaaa"), nullptr, nullptr, 0), fnfErr) << "a record cut short";
+}
+
+TEST_F(KeyNames, RadiusIsNamedByThePlugin) {
+    faults::AddResource(FourCharCode("TEXT"), kKeyNameTableID, KeyNameTable());
+    char name[kKeyNameSize], units[kKeyNameSize];
+    EXPECT_EQ(_LookupParamKeyName(FourCharCode("nRad"), name, units, 0), noErr);
+    EXPECT_STREQ(name, "Radius");
+    EXPECT_STREQ(units, "pixels");
 }
 
 TEST_F(KeyNames, LineEndsCarryDateAndTime) {

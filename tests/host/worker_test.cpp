@@ -1,0 +1,105 @@
+// A worker process as its parent meets it.
+#include <sys/socket.h>
+
+#include "host/packing.h"
+#include "host/picture.h"
+#include "host/worker_job.h"
+#include "host/worker_pool.h"
+#include "tests/host/program_fixture.h"
+
+namespace {
+
+class Worker : public Program {
+  protected:
+    Worker() { socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, line); }
+    ~Worker() override { close(line[0]); }
+
+    pid_t StartWorker(std::vector<int> shared) {
+        shared.insert(shared.begin(), line[1]);
+        descriptors = std::move(shared);
+        const pid_t worker = Start({kWorkerArgument});
+        close(line[1]);
+        return worker;
+    }
+
+    // The answer to a job.
+    std::string Do(const std::string &job) {
+        send(line[0], job.data(), job.size(), 0);
+        std::vector<char> packet(kLargestPacket);
+        for (;;) {
+            const ssize_t size = recv(line[0], packet.data(), packet.size(), 0);
+            std::string_view content(packet.data(), static_cast<size_t>(std::max<ssize_t>(size, 1)));
+            content.remove_prefix(1);
+            if (size <= 0 || packet[0] == kAnswerMark) {
+                return std::string(content);
+            }
+            double progress = -1;
+            EXPECT_TRUE(TakeRecord(&content, &progress));
+            EXPECT_TRUE(progress >= 0 && progress <= 1) << progress;
+        }
+    }
+
+    int line[2];
+};
+
+TEST_F(Worker, DoesFilesAndTilesUntilTheLineEnds) {
+    WriteNoise("in.png", 90, 70, 3);
+    const std::string plugin = DefaultPluginFolder();
+    FileTask task = {Path("in.png"), "out.png", "", "", Path("out.png"), "", "", {}};
+    task.settings.action.items.push_back({.key = kRadiusKey, .type = typeFloat, .number = 2});
+    Picture noise;
+    ASSERT_FALSE(OpenPicture(task.inputFile, &noise) || ReadPixels(&noise, {}));
+    const Document &document = noise.document;
+    const pid_t worker = StartWorker(
+        {document.source.get_deleter().descriptor, document.destination.get_deleter().descriptor});
+
+    FileAnswer answer;
+    ASSERT_TRUE(UnpackAnswer(Do(PackFileJob(plugin, task)), &answer));
+    EXPECT_FALSE(answer.failure);
+    EXPECT_EQ(answer.report.words, "90 x 70 RGB, 8 bits, radius 2");
+    const std::vector<Tile> tiles = CutIntoTiles(SelectedRect(document), {.bands = 3});
+    for (const Tile &tile : tiles) {
+        FilterOutcome outcome;
+        const std::string job = PackTileJob(plugin, document, task.settings.action, {}, tile);
+        ASSERT_TRUE(UnpackOutcome(Do(job), &outcome));
+        EXPECT_EQ(outcome.result, noErr);
+    }
+    Picture filtered;
+    ASSERT_FALSE(OpenPicture(Path("out.png"), &filtered) || ReadPixels(&filtered, {}));
+    EXPECT_TRUE(std::equal(document.destination.get(), document.destination.get() + PixelBytes(document),
+                           filtered.document.source.get()));
+
+    task.inputFile = "missing.png";
+    ASSERT_TRUE(UnpackAnswer(Do(PackFileJob(plugin, task)), &answer));
+    EXPECT_EQ(answer.failure->sentence, "missing.png: no such file.");
+    shutdown(line[0], SHUT_RDWR);
+    EXPECT_EQ(Wait(worker).status, 0);
+}
+
+TEST_F(Worker, WithoutThePluginSaysSo) {
+    const pid_t worker = StartWorker({});
+    FileAnswer answer;
+    ASSERT_TRUE(
+        UnpackAnswer(Do(PackFileJob("nowhere", {"in.png", "out.png", "", "", "", "", "", {}})), &answer));
+    EXPECT_NE(answer.failure->sentence.find("nowhere"), std::string::npos);
+    shutdown(line[0], SHUT_RDWR);
+    Wait(worker);
+}
+
+TEST_F(Worker, NonsenseEndsIt) {
+    const Action action = {kHybridMedianEvent, {{.key = kRadiusKey, .type = typeFloat, .number = 2}}};
+    FileTask task;
+    task.settings.action = action;
+    for (const std::string &job : {PackFileJob("plugin", task), PackTileJob("plugin", {}, action, {}, {})}) {
+        WorkerJob unpacked;
+        EXPECT_TRUE(UnpackJob(job, &unpacked));
+        for (size_t size = 0; size < job.size(); ++size) {
+            ASSERT_FALSE(UnpackJob(std::string_view(job).substr(0, size), &unpacked)) << size;
+        }
+    }
+    const pid_t worker = StartWorker({});
+    EXPECT_EQ(Do("nonsense"), "");
+    EXPECT_EQ(Wait(worker).status, 2);
+}
+
+}  // namespace
