@@ -48,7 +48,9 @@ TEST_F(Worker, DoesFilesAndTilesUntilTheLineEnds) {
     FileTask task = {Path("in.png"), "out.png", "", "", Path("out.png"), "", "", {}};
     task.settings.action.items.push_back({.key = kRadiusKey, .type = typeFloat, .number = 2});
     Picture noise;
-    ASSERT_FALSE(OpenPicture(task.inputFile, &noise) || ReadPixels(&noise, {}));
+    ASSERT_FALSE(OpenPicture(task.inputFile, &noise));
+    noise.document.sharing = Sharing::withWorkers;
+    ASSERT_FALSE(ReadPixels(&noise, {}));
     const Document &document = noise.document;
     const pid_t worker = StartWorker(
         {document.source.get_deleter().descriptor, document.destination.get_deleter().descriptor});
@@ -100,6 +102,17 @@ TEST_F(Worker, NonsenseEndsIt) {
     const pid_t worker = StartWorker({});
     EXPECT_EQ(Do("nonsense"), "");
     EXPECT_EQ(Wait(worker).status, 2);
+}
+
+// One that is killed right after it started a worker leaves a job behind.
+TEST_F(Worker, DoesNothingForADeadParent) {
+    WriteNoise("in.png", 90, 70, 3);
+    const std::string job =
+        PackFileJob(DefaultPluginFolder(), {Path("in.png"), "out.png", "", "", Path("out.png"), "", "", {}});
+    send(line[0], job.data(), job.size(), 0);
+    close(std::exchange(line[0], -1));
+    EXPECT_EQ(Wait(StartWorker({})).status, 0);
+    EXPECT_FALSE(std::filesystem::exists(folder / "out.png"));
 }
 
 }  // namespace
