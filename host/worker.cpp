@@ -1,6 +1,7 @@
 #include "host/worker.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -114,6 +115,12 @@ FileAnswer DoFile(const FileTask &task, Workplace *workplace) {
     return answer;
 }
 
+// Also while a job of the dead parent is still in the line.
+bool ParentIsDead() {
+    pollfd line = {kWorkerLine, 0, 0};
+    return poll(&line, 1, 0) > 0 && (line.revents & POLLHUP) != 0;
+}
+
 }  // namespace
 
 int RunWorker() {
@@ -121,8 +128,10 @@ int RunWorker() {
     std::signal(SIGINT, SIG_IGN);
     std::signal(SIGHUP, SIG_IGN);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
-    // The parent may have gone before that; then the line is dead, too.
-
+    // It may have died before that. What is in the line would be written beside the next run's files.
+    if (ParentIsDead()) {
+        return 0;
+    }
     // To the end of the process, since the filter keeps a block of its own behind the plug-in.
     static Workplace workplace;
     std::vector<char> packet(kLargestPacket);

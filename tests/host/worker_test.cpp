@@ -104,4 +104,15 @@ TEST_F(Worker, NonsenseEndsIt) {
     EXPECT_EQ(Wait(worker).status, 2);
 }
 
+// One that is killed right after it started a worker leaves a job behind.
+TEST_F(Worker, DoesNothingForADeadParent) {
+    WriteNoise("in.png", 90, 70, 3);
+    const std::string job =
+        PackFileJob(DefaultPluginFolder(), {Path("in.png"), "out.png", "", "", Path("out.png"), "", "", {}});
+    send(line[0], job.data(), job.size(), 0);
+    close(std::exchange(line[0], -1));
+    EXPECT_EQ(Wait(StartWorker({})).status, 0);
+    EXPECT_FALSE(std::filesystem::exists(folder / "out.png"));
+}
+
 }  // namespace

@@ -112,6 +112,9 @@ TEST_F(Platform, NamesAndFoldersAreChecked) {
     for (const auto &c : cases) {
         EXPECT_EQ(HOpen(volume, directory, Name(c.name), fsRdWrPerm, &ref), c.err) << c.name;
     }
+    std::filesystem::create_symlink("elsewhere", folder / "dangling");
+    EXPECT_EQ(HCreate(volume, directory, Name("dangling"), kCode, kCode), dupFNErr);
+    EXPECT_FALSE(std::filesystem::exists(folder / "elsewhere"));
     EXPECT_EQ(HCreate(volume, 0, Name("x"), kCode, kCode), dirNFErr);
     EXPECT_EQ(HCreate(0, directory, Name("x"), kCode, kCode), nsvErr);
     std::filesystem::remove_all(folder);
