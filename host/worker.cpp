@@ -132,7 +132,8 @@ int RunWorker() {
     if (ParentIsDead()) {
         return 0;
     }
-    Workplace workplace;
+    // To the end of the process, since the filter keeps a block of its own behind the plug-in.
+    static Workplace workplace;
     std::vector<char> packet(kLargestPacket);
     for (;;) {
         const ssize_t size = recv(kWorkerLine, packet.data(), packet.size(), 0);

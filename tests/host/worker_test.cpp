@@ -75,7 +75,8 @@ TEST_F(Worker, DoesFilesAndTilesUntilTheLineEnds) {
     ASSERT_TRUE(UnpackAnswer(Do(PackFileJob(plugin, task)), &answer));
     EXPECT_EQ(answer.failure->sentence, "missing.png: no such file.");
     shutdown(line[0], SHUT_RDWR);
-    EXPECT_EQ(Wait(worker).status, 0);
+    const Ended ended = Wait(worker);
+    EXPECT_EQ(ended.status, 0) << ended.err;
 }
 
 TEST_F(Worker, WithoutThePluginSaysSo) {
