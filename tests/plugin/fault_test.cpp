@@ -35,10 +35,10 @@ constexpr int kWidth = 7;
 constexpr int kHeight = 5;
 constexpr std::pair<int32_t, int32_t> kLastRowWritten = {6 * kHeight - 1, 6 * kHeight};
 
-// The dialog, when there is one, is opened, then asked for another radius than the script's. It keeps a line
-// buffer of each preview that it builds: at first, after the click into the field, and after the digit.
-constexpr char kAnswer[] = "3";
-constexpr int64_t kMostPreviews = 3;
+// What the dialog is told: another radius than the script's. It keeps a line buffer of each preview that it
+// builds, at first and after the digit.
+const std::vector<UserAction> kAnswer = {user::Key('3'), user::Key(kReturn)};
+constexpr int64_t kMostPreviews = 2;
 
 // What the system may answer: memory, disk, and what the File Manager says.
 constexpr OSErr kAllowed[] = {memFullErr, dskFulErr, ioErr, eofErr, fnfErr, dupFNErr, nsvErr};
@@ -62,7 +62,7 @@ class Faults : public DialogTest {
             {{FourCharCode("nRad"), typeFloat, 2}}, c.dialog ? plugInDialogDisplay : plugInDialogDontDisplay);
         options.descriptorParameters = &parameters;
         session = {};
-        session.actions = user::Answer(kField, kAnswer);
+        session.actions = kAnswer;
         UseScriptedDialogs(&session);
         faults::RefuseTemporaryMemory(c.onDisk);
         TestRun run = RunPlugin(document, options);
