@@ -82,6 +82,9 @@ void StoreRows(Document *document, const Area &area, const VRect &limits, const 
     Area stored = area;
     stored.rect = {std::max(rect.top, limits.top), std::max(rect.left, limits.left),
                    std::min(rect.bottom, limits.bottom), std::min(rect.right, limits.right)};
+    if (WidthOf(stored.rect) <= 0 || HeightOf(stored.rect) <= 0) {
+        return;
+    }
     const int64_t pixelBytes = int64_t{area.hiPlane - area.loPlane + 1} * SampleBytes(*document);
     rows += int64_t{stored.rect.top - rect.top} * area.rowBytes + (stored.rect.left - rect.left) * pixelBytes;
     (document->depth == 16 ? StoreScaled : StoreUnchanged)(document, stored, rows);
