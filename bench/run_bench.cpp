@@ -7,14 +7,14 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "host/filter_run.h"
-#include "host/picture.h"
-#include "host/picture_format.h"
-#include "host/picture_writer.h"
-#include "host/plugin.h"
+#include "host/filter/filter_run.h"
+#include "host/filter/plugin.h"
+#include "host/filter/tiles.h"
+#include "host/picture/picture.h"
+#include "host/picture/picture_format.h"
+#include "host/picture/picture_writer.h"
 #include "host/preferences_folder.h"
-#include "host/tell.h"
-#include "host/tiles.h"
+#include "host/report/tell.h"
 #include "imagestore/named_images.h"
 #include "median/hybrid_filter.h"
 #include "photoshop/filter_record.h"

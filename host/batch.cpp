@@ -7,13 +7,13 @@
 #include <memory>
 #include <numeric>
 
-#include "host/band_workers.h"
 #include "host/interrupt.h"
-#include "host/picture_filter.h"
 #include "host/progress_bar.h"
-#include "host/tell.h"
-#include "host/worker_job.h"
-#include "host/worker_pool.h"
+#include "host/report/tell.h"
+#include "host/work/band_workers.h"
+#include "host/work/picture_filter.h"
+#include "host/work/worker_job.h"
+#include "host/work/worker_pool.h"
 
 namespace fs = std::filesystem;
 

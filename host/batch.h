@@ -3,9 +3,9 @@
 
 #include <vector>
 
-#include "host/file_task.h"
+#include "host/filter/plugin.h"
 #include "host/options.h"
-#include "host/plugin.h"
+#include "host/work/file_task.h"
 
 // Decides where each output goes. Refuses a missing folder, and two inputs with one output.
 MaybeFailure PlanBatch(const Options &options, std::vector<FileRequest> *requests);

@@ -5,17 +5,17 @@
 #include <cstring>
 #include <vector>
 
-#include "host/action_file.h"
 #include "host/batch.h"
+#include "host/filter/action_file.h"
+#include "host/filter/plugin.h"
+#include "host/filter/screen_dialogs.h"
 #include "host/interrupt.h"
 #include "host/options.h"
-#include "host/plugin.h"
+#include "host/picture/vips_library.h"
 #include "host/preferences_folder.h"
-#include "host/screen_dialogs.h"
-#include "host/tell.h"
-#include "host/vips_library.h"
-#include "host/worker.h"
-#include "host/worker_pool.h"
+#include "host/report/tell.h"
+#include "host/work/worker.h"
+#include "host/work/worker_pool.h"
 
 namespace {
 

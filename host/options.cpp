@@ -4,8 +4,8 @@
 #include <iterator>
 #include <thread>
 
-#include "host/module.h"
-#include "host/selection.h"
+#include "host/filter/module.h"
+#include "host/picture/selection.h"
 
 namespace {
 

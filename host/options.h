@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/failure.h"
+#include "host/report/failure.h"
 #include "photoshop/document_info.h"
 
 // What an action may hold; a larger radius is one for the filter's dialog.

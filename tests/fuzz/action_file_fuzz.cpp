@@ -1,8 +1,8 @@
 // An action's file, through the host's scripting suites into the filter's setting, and back into a file.
 #include <vector>
 
-#include "host/action_file.h"
-#include "host/descriptor_suites.h"
+#include "host/filter/action_file.h"
+#include "host/filter/descriptor_suites.h"
 #include "platform/memory.h"
 #include "settings/script_bridge.h"
 #include "tests/fuzz/fuzz_folder.h"

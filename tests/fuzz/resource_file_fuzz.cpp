@@ -1,7 +1,7 @@
 // A plug-in's resource file: its property list, the names of its settings, and a session in its dialog.
 #include <string_view>
 
-#include "host/plugin_info.h"
+#include "host/filter/plugin_info.h"
 #include "photoshop/property_list.h"
 #include "platform/fault_injection.h"
 #include "platform/files.h"

@@ -1,5 +1,5 @@
 // Recorded actions as files.
-#include "host/action_file.h"
+#include "host/filter/action_file.h"
 
 #include <fstream>
 #include <iterator>

@@ -1,7 +1,7 @@
 // The scripting suites, used as a filter uses them.
-#include "host/descriptor_suites.h"
+#include "host/filter/descriptor_suites.h"
 
-#include "host/action.h"
+#include "host/filter/action.h"
 #include "platform/memory.h"
 #include "tests/host/host_fixture.h"
 

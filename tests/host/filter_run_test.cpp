@@ -1,10 +1,10 @@
 // How the host drives a filter: with stand-ins that look at what they are given, and with the real one.
-#include "host/filter_run.h"
+#include "host/filter/filter_run.h"
 
 #include <functional>
 
-#include "host/filter_result.h"
-#include "host/sample_scale.h"
+#include "host/document/sample_scale.h"
+#include "host/filter/filter_result.h"
 #include "tests/host/host_fixture.h"
 
 namespace {

@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "host/document.h"
-#include "host/module.h"
-#include "host/vips_library.h"
+#include "host/document/document.h"
+#include "host/filter/module.h"
+#include "host/picture/vips_library.h"
 #include "photoshop/filter_record.h"
 #include "photoshop/image_modes.h"
 #include "tests/support/scratch_folder.h"

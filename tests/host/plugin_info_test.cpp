@@ -1,5 +1,5 @@
 // What the host reads from a plug-in's property list, sound and damaged.
-#include "host/plugin_info.h"
+#include "host/filter/plugin_info.h"
 
 #include <algorithm>
 

@@ -17,7 +17,7 @@
 #include <string>
 #include <vector>
 
-#include "host/vips_library.h"
+#include "host/picture/vips_library.h"
 #include "tests/support/scratch_folder.h"
 
 struct Ended {

@@ -2,7 +2,7 @@
 #include <chrono>
 #include <thread>
 
-#include "host/picture.h"
+#include "host/picture/picture.h"
 #include "median/plain_filter.h"
 #include "tests/host/program_fixture.h"
 

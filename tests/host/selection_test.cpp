@@ -1,5 +1,5 @@
 // Rectangles and masks.
-#include "host/selection.h"
+#include "host/picture/selection.h"
 
 #include <cmath>
 

@@ -1,5 +1,5 @@
 // Pictures in tiles come out as pictures in one piece.
-#include "host/tiles.h"
+#include "host/filter/tiles.h"
 
 #include <algorithm>
 

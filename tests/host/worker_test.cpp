@@ -1,10 +1,10 @@
 // A worker process as its parent meets it.
 #include <sys/socket.h>
 
-#include "host/packing.h"
-#include "host/picture.h"
-#include "host/worker_job.h"
-#include "host/worker_pool.h"
+#include "host/filter/packing.h"
+#include "host/picture/picture.h"
+#include "host/work/worker_job.h"
+#include "host/work/worker_pool.h"
 #include "tests/host/program_fixture.h"
 
 namespace {

@@ -1,0 +1,121 @@
+#include "host/document/document.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstring>
+
+namespace {
+
+// Fresh pages cost less by the large.
+PixelBlock Map(int descriptor, int64_t size, int flags) {
+    const auto bytes = static_cast<size_t>(size);
+    void *block = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, flags, descriptor, 0);
+    if (block == MAP_FAILED) {
+        return nullptr;
+    }
+    madvise(block, bytes, MADV_HUGEPAGE);
+    return PixelBlock(static_cast<uint8_t *>(block), PixelUnmapper{bytes, descriptor});
+}
+
+// Memory is promised without limit, and a page that then cannot be had ends the process.
+int64_t PhysicalMemory() {
+    return int64_t{sysconf(_SC_PHYS_PAGES)} * sysconf(_SC_PAGESIZE);
+}
+
+}  // namespace
+
+void PixelUnmapper::operator()(uint8_t *pixels) const {
+    munmap(pixels, size);
+    if (descriptor >= 0) {
+        close(descriptor);
+    }
+}
+
+int32_t SampleBytes(const Document &document) {
+    return document.depth / 8;
+}
+
+int64_t RowBytes(const Document &document) {
+    return int64_t{document.width} * document.planes * SampleBytes(document);
+}
+
+int64_t PixelBytes(const Document &document) {
+    return RowBytes(document) * document.height;
+}
+
+int64_t MaskBytes(const Document &document) {
+    return int64_t{document.width} * document.height;
+}
+
+VRect WholeRect(const Document &document) {
+    return {0, 0, document.height, document.width};
+}
+
+VRect SelectedRect(const Document &document) {
+    return document.selection.value_or(WholeRect(document));
+}
+
+int32_t WidthOf(const VRect &rect) {
+    return rect.right - rect.left;
+}
+
+int32_t HeightOf(const VRect &rect) {
+    return rect.bottom - rect.top;
+}
+
+PixelBlock MapBlock(int64_t size, Sharing sharing) {
+    if (size > PhysicalMemory()) {
+        return nullptr;
+    }
+    if (sharing == Sharing::none) {
+        return Map(-1, size, MAP_PRIVATE | MAP_ANONYMOUS);
+    }
+    const int descriptor = memfd_create("pixels", MFD_CLOEXEC);
+    if (descriptor >= 0 && ftruncate(descriptor, size) != 0) {
+        close(descriptor);
+        return nullptr;
+    }
+    return descriptor < 0 ? nullptr : MapShared(descriptor, size);
+}
+
+PixelBlock MapShared(int descriptor, int64_t size) {
+    PixelBlock block = Map(descriptor, size, MAP_SHARED);
+    if (block == nullptr) {
+        close(descriptor);
+    }
+    return block;
+}
+
+bool MapPixels(Document *document) {
+    if (PixelBytes(*document) > PhysicalMemory() / 2) {
+        return false;
+    }
+    document->source = MapBlock(PixelBytes(*document), document->sharing);
+    document->destination = MapBlock(PixelBytes(*document), document->sharing);
+    return document->source != nullptr && document->destination != nullptr;
+}
+
+// Shared pages cost half when a call fills them, and a page that cannot be had is then an error of the call.
+bool FillRow(Document *document, int64_t y, const uint8_t *samples) {
+    const auto size = static_cast<size_t>(RowBytes(*document));
+    const int64_t offset = y * RowBytes(*document);
+    for (PixelBlock *block : {&document->source, &document->destination}) {
+        const int descriptor = block->get_deleter().descriptor;
+        if (descriptor < 0) {
+            std::memcpy(block->get() + offset, samples, size);
+        } else if (pwrite(descriptor, samples, size, offset) != static_cast<ssize_t>(size)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void ResetDestination(Document *document, const VRect &rect) {
+    const int64_t pixelBytes = int64_t{document->planes} * SampleBytes(*document);
+    for (int64_t y = rect.top; y < rect.bottom; ++y) {
+        const int64_t offset = y * RowBytes(*document) + rect.left * pixelBytes;
+        std::memcpy(document->destination.get() + offset, document->source.get() + offset,
+                    static_cast<size_t>(WidthOf(rect) * pixelBytes));
+    }
+}

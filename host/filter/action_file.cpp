@@ -1,0 +1,275 @@
+#include "host/filter/action_file.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <nlohmann/json.hpp>
+
+#include "platform/mac_roman.h"
+
+namespace {
+
+// Keeps the order of the parameters, in which they are played.
+using Json = nlohmann::ordered_json;
+
+// Objects are searched from their beginnings for each new member, which in longer files takes seconds.
+constexpr size_t kLargestFile = 1 << 16;
+constexpr size_t kCodeLength = 4;
+constexpr int kIndent = 2;
+
+std::string TextOfCode(OSType code) {
+    std::string text;
+    for (int shift = 24; shift >= 0; shift -= 8) {
+        text += static_cast<char>(code >> shift);
+    }
+    return MacRomanToUTF8(text);
+}
+
+bool CodeOf(const Json &json, OSType *code) {
+    if (!json.is_string()) {
+        return false;
+    }
+    const std::string text = UTF8ToMacRoman(json.get_ref<const std::string &>());
+    *code = 0;
+    for (const char character : text) {
+        *code = *code << 8 | static_cast<uint8_t>(character);
+    }
+    return text.size() == kCodeLength;
+}
+
+bool TakeFloat(const Json &value, ActionItem *item) {
+    item->number = value.is_number() ? value.get<double>() : 0;
+    return value.is_number();
+}
+
+bool TakeInteger(const Json &value, ActionItem *item) {
+    // As a float, since the largest integers of JSON wrap in any other type.
+    const double number = value.is_number_integer() ? value.get<double>() : NAN;
+    if (!(number >= INT32_MIN && number <= INT32_MAX)) {
+        return false;
+    }
+    item->integer = std::bit_cast<uint32_t>(static_cast<int32_t>(number));
+    return true;
+}
+
+bool TakeBoolean(const Json &value, ActionItem *item) {
+    item->integer = value.is_boolean() && value.get<bool>();
+    return value.is_boolean();
+}
+
+bool TakeText(const Json &value, ActionItem *item) {
+    item->bytes = value.is_string() ? UTF8ToMacRoman(value.get<std::string>()) : "";
+    return value.is_string();
+}
+
+bool TakeEnumerated(const Json &value, ActionItem *item) {
+    return CodeOf(value, &item->integer);
+}
+
+Json FloatOf(const ActionItem &item) {
+    return item.number;
+}
+
+Json IntegerOf(const ActionItem &item) {
+    return std::bit_cast<int32_t>(item.integer);
+}
+
+Json BooleanOf(const ActionItem &item) {
+    return item.integer != 0;
+}
+
+Json TextOf(const ActionItem &item) {
+    return MacRomanToUTF8(item.bytes);
+}
+
+Json EnumeratedOf(const ActionItem &item) {
+    return TextOfCode(item.integer);
+}
+
+struct Kind {
+    OSType type;
+    const char *name;
+    const char *codeName;  // of the member that holds the item's code; null for none
+    bool (*take)(const Json &value, ActionItem *item);
+    Json (*valueOf)(const ActionItem &item);
+};
+
+constexpr Kind kKinds[] = {
+    {typeFloat, "float", nullptr, TakeFloat, FloatOf},
+    {typeUnitFloat, "unit float", "unit", TakeFloat, FloatOf},
+    {typeInteger, "integer", nullptr, TakeInteger, IntegerOf},
+    {typeBoolean, "boolean", nullptr, TakeBoolean, BooleanOf},
+    {typeText, "text", nullptr, TakeText, TextOf},
+    {typeEnumerated, "enumerated", "of", TakeEnumerated, EnumeratedOf},
+};
+
+const Kind *KindNamed(const Json &name) {
+    const auto *found = std::find_if(std::begin(kKinds), std::end(kKinds),
+                                     [&](const Kind &kind) { return name == kind.name; });
+    return found == std::end(kKinds) ? nullptr : found;
+}
+
+const Kind *KindOf(OSType type) {
+    const auto *found = std::find_if(std::begin(kKinds), std::end(kKinds),
+                                     [=](const Kind &kind) { return kind.type == type; });
+    return found == std::end(kKinds) ? nullptr : found;
+}
+
+// What the filter takes; it ignores everything else without a word.
+struct Parameter {
+    OSType key;
+    OSType type;
+    double min, max;
+};
+constexpr Parameter kParameters[] = {{kRadiusKey, typeFloat, 0, 4}};
+
+// Each of these returns what is wrong, or an empty string.
+
+std::string CheckMembers(const Json &object, std::initializer_list<std::string> names) {
+    if (!object.is_object()) {
+        return "is not an object in braces";
+    }
+    for (const std::string &name : names) {
+        if (!object.contains(name)) {
+            return "has no \"" + name + "\"";
+        }
+    }
+    for (const auto &[name, value] : object.items()) {
+        if (std::find(names.begin(), names.end(), name) == names.end()) {
+            return "has an unknown \"" + name + "\"";
+        }
+    }
+    return "";
+}
+
+std::string CheckParameter(const ActionItem &item) {
+    const auto *found = std::find_if(std::begin(kParameters), std::end(kParameters),
+                                     [&](const Parameter &known) { return known.key == item.key; });
+    if (found == std::end(kParameters)) {
+        return "is not one that the filter knows";
+    }
+    if (found->type != item.type) {
+        return std::string("must be of the type \"") + KindOf(found->type)->name + "\"";
+    }
+    // Also refuses what is not a number.
+    if (!(item.number >= found->min && item.number <= found->max)) {
+        char text[64];
+        std::snprintf(text, sizeof text, "must be from %g to %g", found->min, found->max);
+        return text;
+    }
+    return "";
+}
+
+std::string TakeItem(const Json &json, ActionItem *item) {
+    const Json *type = json.is_object() && json.contains("type") ? &json["type"] : nullptr;
+    const Kind *kind = type == nullptr ? nullptr : KindNamed(*type);
+    if (kind == nullptr) {
+        return type == nullptr ? "has no \"type\"" : "has an unknown type";
+    }
+    std::string wrong = kind->codeName == nullptr ? CheckMembers(json, {"type", "value"})
+                                                  : CheckMembers(json, {"type", kind->codeName, "value"});
+    if (!wrong.empty()) {
+        return wrong;
+    }
+    item->type = kind->type;
+    if (!kind->take(json["value"], item) ||
+        (kind->codeName != nullptr && !CodeOf(json[kind->codeName], &item->code))) {
+        return std::string("has no value of the type \"") + kind->name + "\"";
+    }
+    return CheckParameter(*item);
+}
+
+std::string TakeAction(const Json &json, Action *action) {
+    if (const std::string wrong = CheckMembers(json, {"event", "parameters"}); !wrong.empty()) {
+        return "the action " + wrong;
+    }
+    if (!CodeOf(json["event"], &action->event) || action->event != kHybridMedianEvent) {
+        return "the action is of another event than \"" + TextOfCode(kHybridMedianEvent) + "\"";
+    }
+    if (!json["parameters"].is_object()) {
+        return "\"parameters\" is not an object in braces";
+    }
+    for (const auto &[name, value] : json["parameters"].items()) {
+        ActionItem item;
+        const bool known = CodeOf(name, &item.key);
+        const std::string wrong = known ? TakeItem(value, &item) : "is no code of four characters";
+        if (!wrong.empty()) {
+            return std::string("the parameter \"").append(name).append("\" ").append(wrong);
+        }
+        action->items.push_back(std::move(item));
+    }
+    return "";
+}
+
+// False when a member is there twice, which the parser would pass over.
+struct MemberWatch {
+    std::vector<std::vector<std::string>> open;
+    bool unique = true;
+
+    bool operator()(int, Json::parse_event_t event, Json &parsed) {
+        if (event == Json::parse_event_t::object_start) {
+            open.emplace_back();
+        } else if (event == Json::parse_event_t::object_end) {
+            open.pop_back();
+        } else if (event == Json::parse_event_t::key) {
+            auto &names = open.back();
+            const auto name = parsed.get<std::string>();
+            unique = unique && std::find(names.begin(), names.end(), name) == names.end();
+            names.push_back(name);
+        }
+        return true;
+    }
+};
+
+bool ReadText(const std::string &file, std::string *text) {
+    std::ifstream stream(file, std::ios::binary);
+    char block[4096];
+    while (text->size() <= kLargestFile && (stream.read(block, sizeof block) || stream.gcount() > 0)) {
+        text->append(block, static_cast<size_t>(stream.gcount()));
+    }
+    return stream.eof() && text->size() <= kLargestFile;
+}
+
+}  // namespace
+
+MaybeFailure ReadAction(const std::string &file, Action *action) {
+    std::string text;
+    if (!ReadText(file, &text)) {
+        return FileFailure(file, "the action cannot be read");
+    }
+    MemberWatch watch;
+    const Json json = Json::parse(text, std::ref(watch), /*allow_exceptions=*/false);
+    if (json.is_discarded()) {
+        return FileFailure(file, "this is no sound JSON");
+    }
+    if (!watch.unique) {
+        return FileFailure(file, "a name is there twice in one object");
+    }
+    const std::string wrong = TakeAction(json, action);
+    return wrong.empty() ? std::nullopt : MaybeFailure(FileFailure(file, wrong));
+}
+
+MaybeFailure WriteAction(const Action &action, const std::string &path, const std::string &file) {
+    Json parameters = Json::object();
+    for (const ActionItem &item : action.items) {
+        const Kind *kind = KindOf(item.type);
+        if (kind == nullptr) {
+            return FileFailure(file, "the filter recorded a \"" + TextOfCode(item.type) +
+                                         "\", which an action's file cannot hold");
+        }
+        Json &json = parameters[TextOfCode(item.key)];
+        json["type"] = kind->name;
+        if (kind->codeName != nullptr) {
+            json[kind->codeName] = TextOfCode(item.code);
+        }
+        json["value"] = kind->valueOf(item);
+    }
+    const Json json = {{"event", TextOfCode(action.event)}, {"parameters", std::move(parameters)}};
+    std::ofstream stream(path, std::ios::binary);
+    stream << json.dump(kIndent) << '\n';
+    stream.close();
+    return stream ? std::nullopt : MaybeFailure(FileFailure(file, "cannot be written"));
+}

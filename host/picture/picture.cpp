@@ -1,0 +1,312 @@
+#include "host/picture/picture.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <iterator>
+#include <string_view>
+#include <vector>
+
+#include "host/picture/animated_png.h"
+#include "host/picture/picture_mode.h"
+#include "host/picture/picture_samples.h"
+#include "host/picture/tiff_depth.h"
+#include "platform/posix_paths.h"
+
+namespace {
+
+constexpr int32_t kStripHeight = 64;
+constexpr int64_t kMegapixel = 1'000'000;
+constexpr double kMillimetersPerInch = 25.4;
+constexpr double kMaxResolution = 32767;  // what a Fixed can say
+
+// By the library's name of the loader. Its other loaders are not tried out on strangers' files.
+constexpr std::string_view kLoaders[] = {
+    "VipsForeignLoadPngSource",
+    "VipsForeignLoadJpegSource",
+    "VipsForeignLoadTiffSource",
+    "VipsForeignLoadWebpSource",
+};
+
+// Header fields, which each image has of its own, and traces of the encoding, which an output must not
+// repeat: a palette picture, say, is not one any more once it is filtered.
+constexpr std::string_view kNotCopied[] = {
+    "width",
+    "height",
+    "bands",
+    "format",
+    "coding",
+    "interpretation",
+    "xoffset",
+    "yoffset",
+    "xres",
+    "yres",
+    "filename",
+    "vips-loader",
+    "palette",
+    "palette-bit-depth",
+    "bits-per-sample",
+    "vips-sequential",
+    "interlaced",
+    "jpeg-multiscan",
+    "jpeg-chroma-subsample",
+};
+
+bool IsAmong(const std::string_view *begin, const std::string_view *end, std::string_view name) {
+    return std::find(begin, end, name) != end;
+}
+
+void *CopyField(VipsImage *, const char *name, GValue *value, void *to) {
+    if (!IsAmong(std::begin(kNotCopied), std::end(kNotCopied), name)) {
+        vips_image_set(static_cast<VipsImage *>(to), name, value);
+    }
+    return nullptr;
+}
+
+MaybeFailure CheckFile(const std::string &file) {
+    struct stat info;
+    if (stat(file.c_str(), &info) != 0) {
+        const int error = errno;
+        return FileFailure(file, error == ENOENT ? "no such file" : std::strerror(error));
+    }
+    if (S_ISDIR(info.st_mode)) {
+        return FileFailure(file, "this is a folder, not a picture");
+    }
+    if (!S_ISREG(info.st_mode)) {
+        return FileFailure(file, "this is not a regular file");
+    }
+    return std::nullopt;
+}
+
+MaybeFailure Unreadable(const std::string &file) {
+    return FileFailure(file, "cannot be read: " + TakeVipsError());
+}
+
+MaybeFailure TooLittleMemory(const std::string &file) {
+    return FileFailure(file, "there is not enough memory to read it");
+}
+
+// Loading through a source takes the name as it is; a file name would be searched for options.
+MaybeFailure OpenImage(const std::string &file, OwnedObject<VipsImage> *image) {
+    const OwnedObject<VipsSource> source(vips_source_new_from_file(file.c_str()));
+    if (source == nullptr) {
+        return Unreadable(file);
+    }
+    const char *loader = vips_foreign_find_load_source(source.get());
+    if (loader == nullptr || !IsAmong(std::begin(kLoaders), std::end(kLoaders), loader)) {
+        vips_error_clear();
+        return FileFailure(file, "this is no readable PNG, JPEG, TIFF or WebP picture");
+    }
+    image->reset(vips_image_new_from_source(source.get(), "", "access", VIPS_ACCESS_SEQUENTIAL, "fail_on",
+                                            VIPS_FAIL_ON_TRUNCATED, nullptr));
+    return *image == nullptr ? Unreadable(file) : std::nullopt;
+}
+
+int32_t IntegerField(VipsImage *image, const char *name) {
+    int value = 0;
+    if (vips_image_get_typeof(image, name) != 0 && vips_image_get_int(image, name, &value) != 0) {
+        vips_error_clear();
+    }
+    return value;
+}
+
+MaybeFailure CheckShape(const std::string &file, VipsImage *image, int32_t depth) {
+    const VipsInterpretation interpretation = vips_image_get_interpretation(image);
+    const int32_t width = vips_image_get_width(image);
+    const int32_t height = vips_image_get_height(image);
+    const int32_t colorPlanes = ColorPlanesOf(interpretation);
+    const struct {
+        bool refused;
+        std::string reason;
+    } checks[] = {
+        {IntegerField(image, "n-pages") > 1 || IntegerField(image, "n-subifds") > 0 || IsAnimatedPng(file),
+         "it has several pages or frames, of which only the first would be left"},
+        {width < 1 || height < 1, "the picture is empty"},
+        {colorPlanes == 0 || PlanesOf(image) < colorPlanes,
+         "its colour mode is " + ColorSpaceName(interpretation) +
+             ", and only grey, RGB, Lab and CMYK can be filtered"},
+        {ModeOfFile(interpretation, vips_image_get_format(image), depth) == nullptr,
+         std::string("its samples are of the kind '") +
+             vips_enum_nick(VIPS_TYPE_BAND_FORMAT, vips_image_get_format(image)) +
+             "', and only 8 bits, 16 bits and 32-bit floats can be filtered"},
+        {PlanesOf(image) > kMaxPlanes, "it has more than " + std::to_string(kMaxPlanes) + " channels"},
+    };
+    for (const auto &[refused, reason] : checks) {
+        if (refused) {
+            return FileFailure(file, reason);
+        }
+    }
+    return std::nullopt;
+}
+
+Fixed PixelsPerInch(double pixelsPerMillimeter) {
+    const double perInch = std::clamp(pixelsPerMillimeter * kMillimetersPerInch, 0.0, kMaxResolution);
+    return static_cast<Fixed>(std::lround(perInch * 65536));
+}
+
+void FillShape(VipsImage *image, const PictureMode &mode, VipsImage *metadata, Document *document) {
+    document->imageMode = mode.imageMode;
+    document->depth = mode.depth;
+    document->colorPlanes = mode.colorPlanes;
+    document->planes = PlanesOf(image);
+    document->width = vips_image_get_width(image);
+    document->height = vips_image_get_height(image);
+    document->horizontalResolution = PixelsPerInch(vips_image_get_xres(metadata));
+    document->verticalResolution = PixelsPerInch(vips_image_get_yres(metadata));
+}
+
+// Pixels per millimetre of a field such as "exif-ifd0-XResolution"; 0 without one.
+double ExifResolution(VipsImage *metadata, const char *field) {
+    const char *text = nullptr;
+    const char *unit = nullptr;
+    if (vips_image_get_typeof(metadata, field) == 0 || vips_image_get_string(metadata, field, &text) != 0) {
+        return 0;
+    }
+    char *slash = nullptr;
+    const double numerator = std::strtod(text, &slash);
+    const double denominator = *slash == '/' ? std::strtod(slash + 1, nullptr) : 0;
+    if (denominator <= 0) {
+        return 0;
+    }
+    const bool centimeters = vips_image_get_typeof(metadata, VIPS_META_RESOLUTION_UNIT) != 0 &&
+                             vips_image_get_string(metadata, VIPS_META_RESOLUTION_UNIT, &unit) == 0 &&
+                             std::strcmp(unit, "cm") == 0;
+    return numerator / denominator / (centimeters ? 10.0 : kMillimetersPerInch);
+}
+
+// WebP files have a resolution in their EXIF data alone, where the library does not look for it. 1 is what it
+// says for unknown.
+void CompleteResolution(VipsImage *metadata) {
+    const double horizontal = ExifResolution(metadata, "exif-ifd0-XResolution");
+    const double vertical = ExifResolution(metadata, "exif-ifd0-YResolution");
+    if (!(metadata->Xres > 1) && !(metadata->Yres > 1) && horizontal > 0 && vertical > 0) {
+        metadata->Xres = horizontal;
+        metadata->Yres = vertical;
+    }
+}
+
+std::optional<FSSpec> SpecOf(const std::string &file) {
+    std::error_code error;
+    FSSpec spec;
+    return SpecFromPosixPath(std::filesystem::absolute(file, error), &spec) == noErr ? std::optional(spec)
+                                                                                     : std::nullopt;
+}
+
+MaybeFailure ReadStrip(VipsRegion *region, const VipsRect &strip, Picture *picture) {
+    Document *document = &picture->document;
+    if (vips_region_prepare(region, &strip) != 0) {
+        return Unreadable(picture->file);
+    }
+    std::vector<uint8_t> row(static_cast<size_t>(RowBytes(*document)));
+    const auto rowStep = static_cast<int64_t>(region->bpl);
+    for (int64_t y = strip.top; y < strip.top + strip.height; ++y) {
+        TakeSamples(picture->delivered, region->data + (y - region->valid.top) * rowStep, *document,
+                    row.data());
+        if (!FillRow(document, y, row.data())) {
+            return TooLittleMemory(picture->file);
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+MaybeFailure OpenPicture(const std::string &file, Picture *picture) {
+    picture->file = file;
+    if (MaybeFailure failure = CheckFile(file)) {
+        return failure;
+    }
+    if (MaybeFailure failure = OpenImage(file, &picture->unread)) {
+        return failure;
+    }
+    VipsImage *image = picture->unread.get();
+    const int32_t depth = TiffDepth(file);
+    if (MaybeFailure failure = CheckShape(file, image, depth)) {
+        return failure;
+    }
+    picture->delivered = DeliveryOf(image, depth);
+    VipsImage *metadata = vips_image_new();
+    picture->metadata.reset(metadata);
+    CopyMetadata(image, metadata);
+    CompleteResolution(metadata);
+    FillShape(image, *ModeOfFile(vips_image_get_interpretation(image), vips_image_get_format(image), depth),
+              metadata, &picture->document);
+    picture->document.file = SpecOf(file);
+    return std::nullopt;
+}
+
+MaybeFailure CheckSize(const Picture &picture, int32_t maxMegapixels) {
+    const int64_t pixels = int64_t{picture.document.width} * picture.document.height;
+    if (pixels <= maxMegapixels * kMegapixel) {
+        return std::nullopt;
+    }
+    return FileFailure(picture.file, "its " + SizeOf(picture.document) + " pixels are more than the " +
+                                         std::to_string(maxMegapixels) +
+                                         " megapixels that --max-megapixels allows");
+}
+
+MaybeFailure StartReading(Picture *picture, PixelReader *reader) {
+    if (!MapPixels(&picture->document)) {
+        return TooLittleMemory(picture->file);
+    }
+    *reader = {picture, OwnedObject<VipsRegion>(vips_region_new(picture->unread.get()))};
+    return std::nullopt;
+}
+
+MaybeFailure ReadSomeRows(PixelReader *reader, const Watcher &watcher) {
+    Picture *picture = reader->picture;
+    const Document &document = picture->document;
+    if (watcher.cancelled()) {
+        return Interruption(picture->file);
+    }
+    const VipsRect strip = {0, reader->rows, document.width,
+                            std::min(kStripHeight, document.height - reader->rows)};
+    if (MaybeFailure failure = ReadStrip(reader->region.get(), strip, picture)) {
+        return failure;
+    }
+    reader->rows += strip.height;
+    if (IsAllRead(*reader)) {
+        reader->region.reset();
+        picture->unread.reset();
+    }
+    watcher.progress(double{1} * reader->rows / document.height);
+    return std::nullopt;
+}
+
+bool IsAllRead(const PixelReader &reader) {
+    return reader.rows == reader.picture->document.height;
+}
+
+MaybeFailure ReadPixels(Picture *picture, const Watcher &watcher) {
+    PixelReader reader;
+    MaybeFailure failure = StartReading(picture, &reader);
+    while (!failure && !IsAllRead(reader)) {
+        failure = ReadSomeRows(&reader, watcher);
+    }
+    return failure;
+}
+
+std::string SizeOf(const Document &document) {
+    return std::to_string(document.width) + " x " + std::to_string(document.height);
+}
+
+std::string DescribePicture(const Picture &picture) {
+    const Document &document = picture.document;
+    const int32_t extraPlanes = document.planes - document.colorPlanes;
+    std::string text = SizeOf(document) + " " + ModeOfDocument(document.imageMode).name;
+    if (extraPlanes > 0) {
+        text +=
+            " and " + std::to_string(extraPlanes) + (extraPlanes == 1 ? " extra channel" : " extra channels");
+    }
+    return text + ", " + std::to_string(document.depth) + " bits";
+}
+
+void CopyMetadata(VipsImage *from, VipsImage *to) {
+    to->Xres = from->Xres;
+    to->Yres = from->Yres;
+    vips_image_map(from, CopyField, to);
+}

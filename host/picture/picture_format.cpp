@@ -1,0 +1,141 @@
+#include "host/picture/picture_format.h"
+
+#include <strings.h>
+#include <vips/vips.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <iterator>
+
+#include "host/picture/picture_mode.h"
+
+namespace {
+
+constexpr int kJpegQuality = 95;
+// Of samples; the rest of what a classic TIFF can address is left to metadata and tables.
+constexpr uint64_t kMaxClassicTiffBytes = 2'000'000'000;
+
+int SavePng(VipsImage *image, const char *path) {
+    const int bits = vips_image_get_format(image) == VIPS_FORMAT_USHORT ? 16 : 8;
+    return vips_pngsave(image, path, "bitdepth", bits, nullptr);
+}
+
+int SaveJpeg(VipsImage *image, const char *path) {
+    return vips_jpegsave(image, path, "Q", kJpegQuality, "subsample_mode", VIPS_FOREIGN_SUBSAMPLE_OFF,
+                         "optimize_coding", TRUE, nullptr);
+}
+
+int SaveTiff(VipsImage *image, const char *path) {
+    const uint64_t samples = static_cast<uint64_t>(vips_image_get_width(image)) *
+                             static_cast<uint64_t>(vips_image_get_height(image)) *
+                             static_cast<uint64_t>(vips_image_get_bands(image));
+    const gboolean big = samples * vips_format_sizeof(vips_image_get_format(image)) > kMaxClassicTiffBytes;
+    return vips_tiffsave(image, path, "bigtiff", big, nullptr);
+}
+
+int SaveWebp(VipsImage *image, const char *path) {
+    return vips_webpsave(image, path, "lossless", TRUE, nullptr);
+}
+
+constexpr int32_t kMaxJpegSide = 65500;
+constexpr int32_t kMaxWebpSide = 16383;
+
+// For the colour spaces beside grey and RGB.
+constexpr std::string_view kNoOther;
+constexpr std::string_view kAlsoCMYK = "CMYK";
+constexpr std::string_view kAlsoLabAndCMYK = "Lab CMYK";
+
+constexpr PictureFormat kFormats[] = {
+    {"PNG", {".png", nullptr}, 16, 1, VIPS_MAX_COORD, kNoOther, {VIPS_META_IPTC_NAME, "IPTC"}, SavePng},
+    {"JPEG", {".jpg", ".jpeg"}, 8, 0, kMaxJpegSide, kAlsoCMYK, {nullptr, nullptr}, SaveJpeg},
+    {"TIFF",
+     {".tif", ".tiff"},
+     32,
+     kMaxPlanes,
+     VIPS_MAX_COORD,
+     kAlsoLabAndCMYK,
+     {VIPS_META_EXIF_NAME, "EXIF"},
+     SaveTiff},
+    {"WebP", {".webp", nullptr}, 8, 1, kMaxWebpSide, kNoOther, {VIPS_META_IPTC_NAME, "IPTC"}, SaveWebp},
+};
+
+constexpr std::string_view kEverywhere[] = {"grey", "RGB"};
+
+bool HoldsColors(const PictureFormat &format, const Document &document) {
+    const std::string_view space = ModeOfDocument(document.imageMode).name;
+    return format.furtherSpaces.find(space) != std::string_view::npos ||
+           std::find(std::begin(kEverywhere), std::end(kEverywhere), space) != std::end(kEverywhere);
+}
+
+int32_t ExtraPlanes(const Document &document) {
+    return document.planes - document.colorPlanes;
+}
+
+int32_t LongerSide(const Document &document) {
+    return std::max(document.width, document.height);
+}
+
+bool Holds(const PictureFormat &format, const Document &document) {
+    return HoldsColors(format, document) && document.depth <= format.maxDepth &&
+           ExtraPlanes(document) <= format.maxExtraPlanes && LongerSide(document) <= format.maxSide;
+}
+
+// ".png or .tif"
+std::string SuffixesThatHold(const Document &document) {
+    std::string list;
+    for (const PictureFormat &format : kFormats) {
+        if (Holds(format, document)) {
+            list += (list.empty() ? "" : " or ") + std::string(format.suffixes[0]);
+        }
+    }
+    return list;
+}
+
+bool HasSuffix(const PictureFormat &format, const std::string &suffix) {
+    return std::any_of(std::begin(format.suffixes), std::end(format.suffixes), [&](const char *known) {
+        return known != nullptr && strcasecmp(known, suffix.c_str()) == 0;
+    });
+}
+
+}  // namespace
+
+MaybeFailure FindFormat(const std::string &file, const PictureFormat **format) {
+    const std::string suffix = std::filesystem::path(file).extension();
+    const auto *found = std::find_if(std::begin(kFormats), std::end(kFormats),
+                                     [&](const PictureFormat &known) { return HasSuffix(known, suffix); });
+    if (found == std::end(kFormats)) {
+        return Failure{kExitUsage, file + ": the output's name must end in .png, .jpg, .tif or .webp."};
+    }
+    *format = found;
+    return std::nullopt;
+}
+
+MaybeFailure CheckFormatHolds(const PictureFormat &format, const Document &document,
+                              const std::string &inputFile, const std::string &outputFile) {
+    const struct {
+        bool refused;
+        std::string what;
+    } checks[] = {
+        {!HoldsColors(format, document), std::string(ModeOfDocument(document.imageMode).name) + " colours"},
+        {document.depth > format.maxDepth, std::to_string(document.depth) + "-bit samples"},
+        {ExtraPlanes(document) > format.maxExtraPlanes,
+         ExtraPlanes(document) == 1 ? "extra channel"
+                                    : std::to_string(ExtraPlanes(document)) + " extra channels"},
+        {LongerSide(document) > format.maxSide,
+         "side of " + std::to_string(LongerSide(document)) + " pixels"},
+    };
+    for (const auto &[refused, what] : checks) {
+        if (refused) {
+            std::string reason = "its " + what;
+            reason.append(" would not fit into ").append(outputFile);
+            reason.append(", as ").append(format.name).append(" cannot hold that; choose ");
+            return FileFailure(inputFile, reason + SuffixesThatHold(document));
+        }
+    }
+    return std::nullopt;
+}
+
+std::string LostMetadata(const PictureFormat &format, _VipsImage *metadata) {
+    const auto &[field, name] = format.lost;
+    return field != nullptr && vips_image_get_typeof(metadata, field) != 0 ? name : "";
+}

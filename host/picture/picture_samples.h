@@ -1,0 +1,22 @@
+// Samples as the picture library delivers them, on their way into a document.
+#pragma once
+
+#include <vips/vips.h>
+
+#include "host/document/document.h"
+
+// How the library delivers a picture's samples.
+enum class Delivered {
+    asInFile,
+    packedLab,        // 8-bit Lab in four bytes, the last without meaning
+    signedLabFrom8,   // 8-bit Lab with further channels, widened to 16 bits
+    signedLabFrom16,  // 16-bit Lab without the lowest bit of the lightness
+};
+
+// `depth` is that of the file's samples.
+Delivered DeliveryOf(const VipsImage *image, int32_t depth);
+// Of a pixel, without what has no meaning.
+int32_t PlanesOf(VipsImage *image);
+
+// One row.
+void TakeSamples(Delivered delivered, const void *row, const Document &document, uint8_t *samples);

@@ -1,0 +1,68 @@
+#include "host/picture/tiff_depth.h"
+
+#include <fstream>
+
+namespace {
+
+constexpr uint64_t kBitsPerSample = 258;  // the tag
+constexpr uint64_t kBigVersion = 43;
+constexpr uint64_t kShortBytes = 2;  // of a sample's number of bits
+
+// What differs between classic and big files.
+struct Layout {
+    uint64_t directoryPlace;
+    int offsetBytes;
+    int countBytes;  // of a directory's number of entries
+};
+constexpr Layout kClassic = {4, 4, 2};
+constexpr Layout kBig = {8, 8, 8};
+
+struct Reader {
+    std::ifstream stream;
+    bool bigEndian = false;
+
+    uint64_t Number(uint64_t place, int bytes) {
+        uint8_t read[8] = {};
+        stream.seekg(static_cast<std::streamoff>(place));
+        stream.read(reinterpret_cast<char *>(read), bytes);
+        uint64_t number = 0;
+        for (int i = 0; i < bytes; ++i) {
+            number = number << 8 | read[bigEndian ? i : bytes - 1 - i];
+        }
+        return number;
+    }
+};
+
+// An entry: tag and type of two bytes each, the number of values, and the values, or where they do not fit
+// their place.
+int32_t DepthOfEntry(Reader *reader, const Layout &layout, uint64_t entry) {
+    const auto offsetBytes = static_cast<uint64_t>(layout.offsetBytes);
+    const uint64_t values = reader->Number(entry + 4, layout.offsetBytes);
+    const uint64_t inEntry = entry + 4 + offsetBytes;
+    const bool fit = values * kShortBytes <= offsetBytes;
+    const uint64_t place = fit ? inEntry : reader->Number(inEntry, layout.offsetBytes);
+    return static_cast<int32_t>(reader->Number(place, kShortBytes));
+}
+
+}  // namespace
+
+int32_t TiffDepth(const std::string &file) {
+    Reader reader = {std::ifstream(file, std::ios::binary)};
+    const uint64_t order = reader.Number(0, 2);
+    if (!reader.stream || (order != 0x4949 && order != 0x4D4D)) {
+        return 0;
+    }
+    reader.bigEndian = order == 0x4D4D;
+    const Layout &layout = reader.Number(2, 2) == kBigVersion ? kBig : kClassic;
+    const uint64_t directory = reader.Number(layout.directoryPlace, layout.offsetBytes);
+    const uint64_t entries = reader.Number(directory, layout.countBytes);
+    const uint64_t entryBytes = 4 + 2 * static_cast<uint64_t>(layout.offsetBytes);
+    uint64_t entry = directory + static_cast<uint64_t>(layout.countBytes);
+    for (uint64_t i = 0; reader.stream && i < entries; ++i, entry += entryBytes) {
+        if (reader.Number(entry, 2) == kBitsPerSample) {
+            const int32_t depth = DepthOfEntry(&reader, layout, entry);
+            return reader.stream ? depth : 0;
+        }
+    }
+    return 0;
+}

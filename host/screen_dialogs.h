@@ -1,8 +1,0 @@
-// The filter's dialog on the screen.
-#pragma once
-
-#include "host/failure.h"
-
-// From now on dialogs are shown; an interrupt cancels them. Fails without a display, or without what shows
-// them.
-MaybeFailure ShowDialogs();

@@ -1,0 +1,25 @@
+// One picture filtered by several workers at once.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/filter/action.h"
+#include "host/filter/filter_dialog.h"
+#include "host/filter/tiles.h"
+#include "host/picture/picture.h"
+#include "host/report/failure.h"
+#include "host/report/watcher.h"
+
+struct BandRequest {
+    std::string pluginFolder;
+    Action action;  // played back
+    FilterDialog dialog;
+    int32_t workers;
+    Watcher watcher;
+};
+
+// Reads the opened picture's pixels while workers filter the tiles whose rows are there. The document shares
+// its blocks with them. Fills what the filter recorded.
+MaybeFailure FilterInWorkers(const BandRequest &request, const std::vector<Tile> &tiles, Picture *picture,
+                             Action *recorded);

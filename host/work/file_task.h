@@ -1,0 +1,69 @@
+// The work on one picture file, from its name to its result.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "host/filter/action.h"
+#include "host/filter/filter_dialog.h"
+#include "host/filter/plugin_info.h"
+#include "host/picture/picture.h"
+#include "host/picture/selection.h"
+#include "host/report/failure.h"
+#include "host/report/watcher.h"
+#include "host/work/output_file.h"
+
+struct FilterSettings {
+    Action action;
+    FilterDialog dialog;
+    Selection selection;
+};
+
+struct FileRequest {
+    std::string inputFile;
+    std::string outputFile;
+    std::string comparisonFile;  // empty for none
+    std::string recordFile;      // empty for none
+    bool force;
+    bool inPlace;
+    int32_t maxMegapixels;
+};
+
+// Whoever does the task writes to files that another may move to their places: it may die in between.
+struct FileTask {
+    std::string inputFile;
+    std::string outputFile;
+    std::string comparisonFile;
+    std::string recordFile;
+    std::string writtenOutput;
+    std::string writtenComparison;
+    std::string writtenRecord;
+    FilterSettings settings;
+};
+
+// What the user is told of a task that was done.
+struct FileReport {
+    std::string words;  // what the picture is, and what became of it
+    std::string lost;   // what the output's format could not hold; empty for nothing
+};
+
+struct PlannedFile {
+    FileTask task;
+    OutputFile output;
+    OutputFile comparison;
+    OutputFile record;
+};
+
+// Refuses all that can be refused without reading a pixel, and opens the picture.
+MaybeFailure PlanFile(const FileRequest &request, const FilterSettings &settings, const PluginInfo &plugin,
+                      PlannedFile *planned, Picture *picture);
+
+// Reads and filters the opened picture, and fills what the filter recorded.
+using FilterCall = std::function<MaybeFailure(Picture *picture, const Watcher &watcher, Action *recorded)>;
+
+// Reads, filters and writes the opened picture of a task.
+MaybeFailure DoFileTask(const FileTask &task, Picture *picture, const FilterCall &filter,
+                        const Watcher &watcher, FileReport *report);
+
+// Moves what was written to its place.
+MaybeFailure PublishFile(PlannedFile *planned);

@@ -1,0 +1,130 @@
+#include "host/work/output_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+
+#include "host/work/dead_temporaries.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr mode_t kPermissionBits = 0777;
+constexpr char kExistsAlready[] = "exists already; --force replaces it";
+
+MaybeFailure Unwritable(const OutputFile &output, int error) {
+    return FileFailure(output.name, std::string("cannot be written: ") + std::strerror(error));
+}
+
+// Without a slash the file goes to the working folder.
+fs::path FolderOf(const OutputFile &output) {
+    const fs::path folder = fs::path(output.target).parent_path();
+    return folder.empty() ? fs::path(".") : folder;
+}
+
+MaybeFailure CheckFolder(const OutputFile &output) {
+    const fs::path folder = FolderOf(output);
+    std::error_code error;
+    if (!fs::is_directory(folder, error)) {
+        return FileFailure(output.name, "there is no folder " + folder.string());
+    }
+    if (access(folder.c_str(), W_OK | X_OK) != 0) {
+        return FileFailure(output.name, "the folder " + folder.string() + " cannot be written to");
+    }
+    return std::nullopt;
+}
+
+MaybeFailure CheckExisting(const OutputRequest &request, const struct stat &existing,
+                           const struct stat &input) {
+    const bool sameFile = existing.st_dev == input.st_dev && existing.st_ino == input.st_ino;
+    if (sameFile && !request.inPlace) {
+        return Failure{kExitUsage, request.outputFile +
+                                       ": this is the input, which is written over only with --in-place."};
+    }
+    if (!S_ISREG(existing.st_mode)) {
+        return FileFailure(request.outputFile, "exists already and is not a regular file");
+    }
+    return sameFile || request.force ? std::nullopt
+                                     : MaybeFailure(FileFailure(request.outputFile, kExistsAlready));
+}
+
+// Moves without replacing. Where the file system cannot do that in one step, linking refuses an existing name
+// just as well.
+int MoveToFreeName(const char *from, const char *to) {
+    if (renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) {
+        return 0;
+    }
+    if (errno != EINVAL && errno != ENOSYS) {
+        return -1;
+    }
+    return link(from, to) == 0 ? unlink(from) : -1;
+}
+
+}  // namespace
+
+OutputFile::~OutputFile() {
+    if (descriptor >= 0) {
+        close(descriptor);
+    }
+    if (!temporary.empty()) {
+        unlink(temporary.c_str());
+    }
+}
+
+MaybeFailure PlanOutput(const OutputRequest &request, OutputFile *output) {
+    output->name = request.outputFile;
+    output->target = request.outputFile;
+    struct stat input;
+    if (stat(request.inputFile.c_str(), &input) != 0) {
+        return FileFailure(request.inputFile, std::strerror(errno));
+    }
+    output->permissions = input.st_mode & kPermissionBits;
+    struct stat existing;
+    if (stat(request.outputFile.c_str(), &existing) == 0) {
+        if (MaybeFailure failure = CheckExisting(request, existing, input)) {
+            return failure;
+        }
+        output->replace = true;
+        std::error_code error;
+        output->target = fs::canonical(request.outputFile, error);
+    }
+    return CheckFolder(*output);
+}
+
+MaybeFailure CreateTemporary(OutputFile *output) {
+    const fs::path folder = FolderOf(*output);
+    const std::string suffix = fs::path(output->target).extension();
+    ClearDeadTemporaries(folder);
+    for (;;) {
+        std::string path = folder / (std::string(kTemporaryPrefix) + "XXXXXX" + suffix);
+        output->descriptor = mkostemps(path.data(), static_cast<int>(suffix.size()), O_CLOEXEC);
+        if (output->descriptor < 0) {
+            return Unwritable(*output, errno);
+        }
+        if (LockTemporary(output->descriptor)) {
+            output->temporary = path;
+            return std::nullopt;
+        }
+        close(output->descriptor);
+    }
+}
+
+MaybeFailure Publish(OutputFile *output) {
+    if (fchmod(output->descriptor, output->permissions) != 0 || fsync(output->descriptor) != 0) {
+        return Unwritable(*output, errno);
+    }
+    const char *from = output->temporary.c_str();
+    const char *to = output->target.c_str();
+    if ((output->replace ? std::rename(from, to) : MoveToFreeName(from, to)) != 0) {
+        return errno == EEXIST ? FileFailure(output->name, kExistsAlready) : Unwritable(*output, errno);
+    }
+    output->temporary.clear();
+    return std::nullopt;
+}

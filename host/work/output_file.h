@@ -1,0 +1,38 @@
+// The output file, which appears whole or not at all: it is written under another name beside its place and
+// moved there when complete.
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+
+#include "host/report/failure.h"
+
+struct OutputRequest {
+    std::string inputFile;
+    std::string outputFile;
+    bool force;    // an existing file may be replaced
+    bool inPlace;  // even the input
+};
+
+struct OutputFile {
+    std::string name;    // as the user gave it
+    std::string target;  // where it goes: behind symbolic links
+    bool replace = false;
+    mode_t permissions = 0;  // the input's
+    int descriptor = -1;     // of the temporary file
+    std::string temporary;   // empty when there is none
+
+    OutputFile() = default;
+    OutputFile(const OutputFile &) = delete;
+    OutputFile &operator=(const OutputFile &) = delete;
+    // Removes a temporary file that was not moved to its place.
+    ~OutputFile();
+};
+
+// Decides where the output goes; refuses a place where it cannot or must not go.
+MaybeFailure PlanOutput(const OutputRequest &request, OutputFile *output);
+// Makes the temporary file, empty, which only its owner may read.
+MaybeFailure CreateTemporary(OutputFile *output);
+// Gives the written temporary file the input's permissions and moves it to its place.
+MaybeFailure Publish(OutputFile *output);

@@ -1,0 +1,148 @@
+#include "host/work/worker.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <vector>
+
+#include "host/filter/packing.h"
+#include "host/filter/plugin.h"
+#include "host/picture/vips_library.h"
+#include "host/work/picture_filter.h"
+#include "host/work/worker_job.h"
+#include "host/work/worker_pool.h"
+
+namespace {
+
+// A job is reported on so often that a bar moves smoothly, and no oftener.
+constexpr double kProgressStep = 1.0 / 128;
+
+// What stays from job to job.
+struct Workplace {
+    Plugin plugin;
+    MaybeFailure pluginFailure;
+    bool pluginOpened = false;
+    bool vipsStarted = false;
+    // Of the one document whose tiles come here.
+    PixelBlock source, destination, mask;
+};
+
+void Say(char mark, const std::string &content) {
+    const std::string packet = mark + content;
+    send(kWorkerLine, packet.data(), packet.size(), MSG_NOSIGNAL);
+}
+
+// Nobody asks a worker to stop; it is killed.
+Watcher ReportingWatcher() {
+    return {[told = 0.0](double done) mutable {
+                if (done >= told + kProgressStep || done < told) {
+                    told = done;
+                    std::string content;
+                    AppendRecord(&content, done);
+                    Say(kProgressMark, content);
+                }
+            },
+            [] { return false; }};
+}
+
+void NeedPlugin(const std::string &folder, Workplace *workplace) {
+    if (!workplace->pluginOpened) {
+        workplace->pluginOpened = true;
+        workplace->pluginFailure = OpenPlugin(folder, &workplace->plugin);
+    }
+}
+
+// The shared blocks stay the workplace's; the document borrows them for a job.
+bool Attach(bool masked, Workplace *workplace, Document *document) {
+    if (workplace->source == nullptr) {
+        workplace->source = MapShared(kFirstShared, PixelBytes(*document));
+        workplace->destination = MapShared(kFirstShared + 1, PixelBytes(*document));
+        if (masked) {
+            workplace->mask = MapShared(kFirstShared + 2, MaskBytes(*document));
+        }
+    }
+    document->source.swap(workplace->source);
+    document->destination.swap(workplace->destination);
+    document->mask.swap(workplace->mask);
+    return document->source != nullptr && document->destination != nullptr &&
+           masked == (document->mask != nullptr);
+}
+
+void Detach(Workplace *workplace, Document *document) {
+    document->source.swap(workplace->source);
+    document->destination.swap(workplace->destination);
+    document->mask.swap(workplace->mask);
+}
+
+FilterOutcome DoTile(TileJob *job, Workplace *workplace) {
+    if (workplace->pluginFailure) {
+        return {errReportString, "the plug-in could not be opened once more", {}};
+    }
+    FilterOutcome outcome = {memFullErr, {}, {}};
+    if (Attach(job->masked, workplace, &job->document)) {
+        outcome = FilterTile(
+            {&workplace->plugin.module, &job->document, job->action, true, ReportingWatcher(), job->dialog},
+            job->tile);
+    }
+    Detach(workplace, &job->document);
+    return outcome;
+}
+
+FileAnswer DoFile(const FileTask &task, Workplace *workplace) {
+    if (workplace->pluginFailure) {
+        return {workplace->pluginFailure, {}};
+    }
+    if (!workplace->vipsStarted) {
+        workplace->vipsStarted = StartVips("hymedian");
+        // The other processors have workers of their own.
+        vips_concurrency_set(1);
+    }
+    FileAnswer answer;
+    Picture picture;
+    answer.failure = OpenPicture(task.inputFile, &picture);
+    if (!answer.failure) {
+        const auto filter = [&](Picture *opened, const Watcher &watcher, Action *recorded) {
+            return FilterPicture(
+                {&workplace->plugin.module, task.settings.action, task.settings.dialog, watcher}, opened,
+                recorded);
+        };
+        answer.failure = DoFileTask(task, &picture, filter, ReportingWatcher(), &answer.report);
+    }
+    return answer;
+}
+
+// Also while a job of the dead parent is still in the line.
+bool ParentIsDead() {
+    pollfd line = {kWorkerLine, 0, 0};
+    return poll(&line, 1, 0) > 0 && (line.revents & POLLHUP) != 0;
+}
+
+}  // namespace
+
+int RunWorker() {
+    // Ctrl-C goes to the whole group, and it is the parent that answers it.
+    std::signal(SIGINT, SIG_IGN);
+    std::signal(SIGHUP, SIG_IGN);
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    // It may have died before that. What is in the line would be written beside the next run's files.
+    if (ParentIsDead()) {
+        return 0;
+    }
+    // To the end of the process, since the filter keeps a block of its own behind the plug-in.
+    static Workplace workplace;
+    std::vector<char> packet(kLargestPacket);
+    for (;;) {
+        const ssize_t size = recv(kWorkerLine, packet.data(), packet.size(), 0);
+        WorkerJob job;
+        if (size <= 0 || !UnpackJob({packet.data(), static_cast<size_t>(size)}, &job)) {
+            return size == 0 ? 0 : 2;
+        }
+        NeedPlugin(job.pluginFolder, &workplace);
+        Say(kAnswerMark, job.tile ? PackOutcome(DoTile(&*job.tile, &workplace))
+                                  : PackAnswer(DoFile(job.file, &workplace)));
+    }
+}

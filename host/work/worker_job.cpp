@@ -1,0 +1,162 @@
+#include "host/work/worker_job.h"
+
+#include "host/filter/packing.h"
+
+namespace {
+
+// Of a document, all but its blocks.
+struct Shape {
+    int16_t imageMode;
+    int32_t depth, colorPlanes, planes, width, height;
+    Fixed horizontalResolution, verticalResolution;
+    bool hasFile;
+    FSSpec file;
+    bool masked;
+    Tile tile;
+};
+
+struct RectRecord {
+    bool there;
+    VRect rect;
+};
+
+constexpr char kTileMark = 't';
+constexpr char kFileMark = 'f';
+
+Shape ShapeOf(const Document &document, const Tile &tile) {
+    return {document.imageMode,
+            document.depth,
+            document.colorPlanes,
+            document.planes,
+            document.width,
+            document.height,
+            document.horizontalResolution,
+            document.verticalResolution,
+            document.file.has_value(),
+            document.file.value_or(FSSpec{}),
+            document.mask != nullptr,
+            tile};
+}
+
+void TakeShape(const Shape &shape, TileJob *job) {
+    Document *document = &job->document;
+    document->imageMode = shape.imageMode;
+    document->depth = shape.depth;
+    document->colorPlanes = shape.colorPlanes;
+    document->planes = shape.planes;
+    document->width = shape.width;
+    document->height = shape.height;
+    document->horizontalResolution = shape.horizontalResolution;
+    document->verticalResolution = shape.verticalResolution;
+    document->file = shape.hasFile ? std::optional(shape.file) : std::nullopt;
+    job->masked = shape.masked;
+    job->tile = shape.tile;
+}
+
+bool TakeActionText(std::string_view *packed, Action *action) {
+    std::string bytes;
+    return TakeText(packed, &bytes) && UnpackAction(bytes, action);
+}
+
+std::string JobHead(const std::string &pluginFolder, char mark) {
+    std::string packed;
+    AppendText(&packed, pluginFolder);
+    AppendRecord(&packed, mark);
+    return packed;
+}
+
+// A task's texts, in the order in which they are packed.
+constexpr std::string FileTask::*kTaskTexts[] = {
+    &FileTask::inputFile,     &FileTask::outputFile,        &FileTask::comparisonFile, &FileTask::recordFile,
+    &FileTask::writtenOutput, &FileTask::writtenComparison, &FileTask::writtenRecord,
+};
+
+bool TakeTask(std::string_view *packed, FileTask *task) {
+    for (std::string FileTask::*text : kTaskTexts) {
+        if (!TakeText(packed, &(task->*text))) {
+            return false;
+        }
+    }
+    RectRecord rect;
+    Selection *selection = &task->settings.selection;
+    if (!TakeActionText(packed, &task->settings.action) || !TakeRecord(packed, &task->settings.dialog) ||
+        !TakeText(packed, &selection->maskFile) || !TakeRecord(packed, &rect)) {
+        return false;
+    }
+    selection->rect = rect.there ? std::optional(rect.rect) : std::nullopt;
+    return true;
+}
+
+bool TakeTile(std::string_view *packed, TileJob *job) {
+    Shape shape;
+    if (!TakeRecord(packed, &shape) || !TakeActionText(packed, &job->action) ||
+        !TakeRecord(packed, &job->dialog)) {
+        return false;
+    }
+    TakeShape(shape, job);
+    return true;
+}
+
+}  // namespace
+
+std::string PackTileJob(const std::string &pluginFolder, const Document &document, const Action &action,
+                        const FilterDialog &dialog, const Tile &tile) {
+    std::string packed = JobHead(pluginFolder, kTileMark);
+    AppendRecord(&packed, ShapeOf(document, tile));
+    AppendText(&packed, PackAction(action));
+    AppendRecord(&packed, dialog);
+    return packed;
+}
+
+std::string PackFileJob(const std::string &pluginFolder, const FileTask &task) {
+    std::string packed = JobHead(pluginFolder, kFileMark);
+    for (const std::string FileTask::*text : kTaskTexts) {
+        AppendText(&packed, task.*text);
+    }
+    const Selection &selection = task.settings.selection;
+    AppendText(&packed, PackAction(task.settings.action));
+    AppendRecord(&packed, task.settings.dialog);
+    AppendText(&packed, selection.maskFile);
+    AppendRecord(&packed, RectRecord{selection.rect.has_value(), selection.rect.value_or(VRect{})});
+    return packed;
+}
+
+bool UnpackJob(std::string_view packed, WorkerJob *job) {
+    char mark = 0;
+    if (!TakeText(&packed, &job->pluginFolder) || !TakeRecord(&packed, &mark)) {
+        return false;
+    }
+    return mark == kTileMark ? TakeTile(&packed, &job->tile.emplace()) : TakeTask(&packed, &job->file);
+}
+
+std::string PackOutcome(const FilterOutcome &outcome) {
+    std::string packed;
+    AppendRecord(&packed, outcome.result);
+    AppendText(&packed, outcome.message);
+    AppendText(&packed, PackAction(outcome.recorded));
+    return packed;
+}
+
+bool UnpackOutcome(std::string_view packed, FilterOutcome *outcome) {
+    return TakeRecord(&packed, &outcome->result) && TakeText(&packed, &outcome->message) &&
+           TakeActionText(&packed, &outcome->recorded);
+}
+
+std::string PackAnswer(const FileAnswer &answer) {
+    std::string packed;
+    AppendRecord(&packed, answer.failure ? answer.failure->status : kExitDone);
+    AppendText(&packed, answer.failure ? answer.failure->sentence : "");
+    AppendText(&packed, answer.report.words);
+    AppendText(&packed, answer.report.lost);
+    return packed;
+}
+
+bool UnpackAnswer(std::string_view packed, FileAnswer *answer) {
+    Failure failure = {};
+    if (!TakeRecord(&packed, &failure.status) || !TakeText(&packed, &failure.sentence) ||
+        !TakeText(&packed, &answer->report.words) || !TakeText(&packed, &answer->report.lost)) {
+        return false;
+    }
+    answer->failure = failure.status == kExitDone ? std::nullopt : MaybeFailure(failure);
+    return true;
+}

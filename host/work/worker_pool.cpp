@@ -1,0 +1,192 @@
+#include "host/work/worker_pool.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstring>
+#include <list>
+#include <optional>
+
+namespace {
+
+// So often a signal that came between two calls is noticed.
+constexpr int kPollMilliseconds = 100;
+// Descriptors are moved up there first, since one of them could stand where another has to go.
+constexpr int kOutOfTheWay = 64;
+
+// Closes its descriptors and ends its process.
+struct Worker {
+    pid_t process = -1;
+    int line = -1;
+    std::optional<size_t> job;
+
+    Worker() = default;
+    Worker(const Worker &) = delete;
+    Worker &operator=(const Worker &) = delete;
+    ~Worker() { End(); }
+
+    // What waitpid tells; 0 when it had ended before.
+    int End() {
+        int status = 0;
+        // Before it hears that the line is closed, and would end in its own way.
+        if (process > 0) {
+            kill(process, SIGKILL);
+            waitpid(process, &status, 0);
+            process = -1;
+        }
+        if (line >= 0) {
+            close(line);
+            line = -1;
+        }
+        return status;
+    }
+};
+
+bool Spawn(const std::vector<int> &descriptors, pid_t *process) {
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    std::vector<int> moved;
+    bool sound = true;
+    for (size_t i = 0; i < descriptors.size(); ++i) {
+        moved.push_back(fcntl(descriptors[i], F_DUPFD_CLOEXEC, kOutOfTheWay));
+        sound =
+            sound && moved.back() >= 0 &&
+            posix_spawn_file_actions_adddup2(&actions, moved.back(), kWorkerLine + static_cast<int>(i)) == 0;
+    }
+    char program[] = "hymedian";
+    std::string argument = kWorkerArgument;
+    char *arguments[] = {program, argument.data(), nullptr};
+    sound = sound && posix_spawn(process, "/proc/self/exe", &actions, nullptr, arguments, environ) == 0;
+    posix_spawn_file_actions_destroy(&actions);
+    for (const int descriptor : moved) {
+        close(descriptor);
+    }
+    return sound;
+}
+
+bool StartWorker(const std::vector<int> &shared, Worker *worker) {
+    int ends[2];
+    if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0) {
+        return false;
+    }
+    worker->line = ends[0];
+    std::vector<int> descriptors = {ends[1]};
+    descriptors.insert(descriptors.end(), shared.begin(), shared.end());
+    const bool started = Spawn(descriptors, &worker->process);
+    close(ends[1]);
+    return started;
+}
+
+std::string HowItEnded(int status) {
+    return WIFSIGNALED(status) ? "was ended by signal " + std::to_string(WTERMSIG(status)) + " (" +
+                                     strsignal(WTERMSIG(status)) + ")"
+                               : "ended with status " + std::to_string(WEXITSTATUS(status));
+}
+
+struct Pool {
+    const std::vector<int> *shared;
+    const WorkerCalls *calls;
+    size_t wanted;
+    std::list<Worker> workers = {};
+    size_t jobs = 0;       // handed out so far
+    bool drained = false;  // no more jobs
+};
+
+// Gives the worker the next job. A dead worker's line fails later, when it is listened to.
+void HandOut(Pool *pool, Worker *worker) {
+    std::string job;
+    worker->job.reset();
+    if (pool->drained || !pool->calls->next(&job)) {
+        pool->drained = true;
+        return;
+    }
+    worker->job = pool->jobs++;
+    send(worker->line, job.data(), job.size(), MSG_NOSIGNAL);
+}
+
+bool FillUp(Pool *pool) {
+    while (!pool->drained && pool->workers.size() < pool->wanted) {
+        Worker &worker = pool->workers.emplace_back();
+        if (!StartWorker(*pool->shared, &worker)) {
+            pool->workers.pop_back();
+            return !pool->workers.empty();
+        }
+        HandOut(pool, &worker);
+    }
+    return true;
+}
+
+bool IsIdle(const Worker &worker) {
+    return !worker.job.has_value();
+}
+
+// What the worker has to say; false when all are to end.
+bool Listen(Pool *pool, Worker *worker) {
+    static std::vector<char> packet(kLargestPacket);
+    const ssize_t size = recv(worker->line, packet.data(), packet.size(), 0);
+    const size_t job = *worker->job;
+    if (size <= 0) {
+        worker->job.reset();
+        return pool->calls->died(job, HowItEnded(worker->End()));
+    }
+    const std::string content(packet.data() + 1, static_cast<size_t>(size) - 1);
+    if (packet[0] == kAnswerMark) {
+        if (!pool->calls->answered(job, content)) {
+            return false;
+        }
+        HandOut(pool, worker);
+        return true;
+    }
+    double done = 0;
+    std::memcpy(&done, content.data(), std::min(content.size(), sizeof done));
+    pool->calls->progress(job, done);
+    return true;
+}
+
+bool ListenToAll(Pool *pool) {
+    std::vector<pollfd> lines;
+    for (const Worker &worker : pool->workers) {
+        lines.push_back({worker.line, POLLIN, 0});
+    }
+    if (poll(lines.data(), lines.size(), pool->calls->meanwhile() ? 0 : kPollMilliseconds) <= 0) {
+        return true;
+    }
+    auto worker = pool->workers.begin();
+    for (const pollfd &line : lines) {
+        if (line.revents != 0 && !Listen(pool, &*worker)) {
+            return false;
+        }
+        ++worker;
+    }
+    return true;
+}
+
+}  // namespace
+
+PoolEnd RunWorkers(int32_t workers, const std::vector<int> &shared, const WorkerCalls &calls) {
+    Pool pool = {&shared, &calls, static_cast<size_t>(workers)};
+    for (;;) {
+        if (!FillUp(&pool)) {
+            return PoolEnd::notStarted;
+        }
+        pool.workers.remove_if(IsIdle);
+        if (pool.workers.empty()) {
+            if (pool.drained) {
+                return PoolEnd::done;
+            }
+            continue;
+        }
+        if (calls.cancelled()) {
+            return PoolEnd::cancelled;
+        }
+        if (!ListenToAll(&pool)) {
+            return PoolEnd::stopped;
+        }
+    }
+}
