@@ -161,4 +161,28 @@ TEST_F(ScriptBridge, RecordsEveryEntryByItsKind) {
     block->inputCount = 8;  // for the clearing of texts
 }
 
+// An input that is added last takes the first output's place and moves the others on: the last one leaves the
+// block.
+TEST_F(ScriptBridge, RecordsNothingPastTheEndOfAFullBlock) {
+    SPBlock *full = _AllocateSPBlock(22);
+    InitializeSPSettings(full, 0, false, false);
+    AddSPInputSettingLong(full, kLongKey, 0, 9, 1);
+    for (OSType j = 0; j < 19; ++j) {
+        AddSPOutputSettingLong(full, FourCharCode("outA") + j, 0, 9, 2);
+    }
+    AddSPInputSettingLong(full, kUnitKey, 0, 9, 3);
+
+    PIDescriptorParameters parameters = script::Parameters({}, 0);
+    FilterRecord record = {};
+    record.descriptorParameters = &parameters;
+    EXPECT_EQ(_WriteScriptParamToPS(&record, full), noErr);
+    ASSERT_EQ(script::recorded.size(), 20u);
+    EXPECT_EQ(script::recorded[1].key, kUnitKey);
+    for (OSType j = 1; j < 19; ++j) {
+        EXPECT_EQ(script::recorded[j + 1].key, FourCharCode("outA") + j);
+    }
+    DisposeHandle(parameters.descriptor);
+    _DisposeSPBlock(full);
+}
+
 }  // namespace
