@@ -147,8 +147,12 @@ void WriteText(const Writer &writer, OSType key, const char *text) {
     }
 }
 
-// Kind and key are those of `entry`, the value is that of input `valueIndex`.
+// Kind and key are those of `entry`, the value is that of input `valueIndex`. Nothing is written for an entry
+// past the block's end: an input that was added behind the outputs of a full block pushes the last one there.
 void WriteEntry(const Writer &writer, SPBlock *block, const SPEntry *entry, uint32_t valueIndex) {
+    if (entry == nullptr) {
+        return;
+    }
     const OSType key = _ByteSwapOSType(entry->key);
     const OSType type = _ByteSwapOSType(entry->type);
     if (type == kSettingString) {

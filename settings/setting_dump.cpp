@@ -14,10 +14,11 @@ void Write(int16_t file, const char *text, Boolean tab = false, Boolean lineEnd 
     WriteCString(file, text, tab, lineEnd);
 }
 
+// Four characters, zeros among them too.
 void WriteCode(int16_t file, OSType code, Boolean tab) {
-    const char text[] = {static_cast<char>(code >> 24), static_cast<char>(code >> 16),
-                         static_cast<char>(code >> 8), static_cast<char>(code), 0};
-    Write(file, text, tab);
+    const uint8_t text[] = {4, static_cast<uint8_t>(code >> 24), static_cast<uint8_t>(code >> 16),
+                            static_cast<uint8_t>(code >> 8), static_cast<uint8_t>(code)};
+    WriteStr(file, text, tab, false);
 }
 
 void WriteFloat(int16_t file, int32_t bits, Boolean tab, Boolean lineEnd) {

@@ -118,6 +118,23 @@ TEST_F(Descriptor, PinnedValuesSayThatTheyWerePinned) {
     EXPECT_EQ(value, -7);
     EXPECT_GT(Reading().getPinnedIntegerProc(token, 0, 10, &value), noErr);
     EXPECT_EQ(value, 0);
+    EXPECT_GT(Reading().getPinnedIntegerProc(token, -10, -8, &value), noErr);
+    EXPECT_EQ(value, -8);
+    // Both ends belong to a float's range.
+    const struct { double min, max, pinned; } ranges[] = {{0, 4, 2.5}, {2.5, 2.5, 2.5}, {3, 4, 3}, {1, 2, 2}};
+    for (const bool withUnit : {false, true}) {
+        Reading().getKeyProc(token, &key, &type, &flags);
+        for (const auto &range : ranges) {
+            double number = 0;
+            OSType unit = 0;
+            const OSErr err =
+                withUnit ? Reading().getPinnedUnitFloatProc(token, &range.min, &range.max, &unit, &number)
+                         : Reading().getPinnedFloatProc(token, &range.min, &range.max, &number);
+            EXPECT_EQ(err, range.pinned == 2.5 ? noErr : 2) << range.min;
+            EXPECT_EQ(number, range.pinned);
+            EXPECT_EQ(unit, withUnit ? kUnit : 0);
+        }
+    }
     Reading().closeReadDescriptorProc(token);
     DisposeHandle(descriptor);
 }

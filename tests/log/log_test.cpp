@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstring>
 #include <fstream>
+#include <functional>
 
 #include "imagestore/strings.h"
 #include "log/html_log.h"
@@ -162,6 +163,53 @@ TEST_F(Log, EscapingCutsTo255) {
         _FixHTMLCString(text.c_str(), out);
         EXPECT_EQ(out, escaped);
     }
+}
+
+TEST_F(Log, EntitiesAreThePagesOwn) {
+    // FNV-1a over what becomes of every character, a line each.
+    uint64_t hash = 0xCBF29CE484222325;
+    for (int code = 1; code < 256; ++code) {
+        const char text[] = {static_cast<char>(code), 0};
+        char out[256];
+        _FixHTMLCString(text, out);
+        for (const char c : std::string(out) + '\n') {
+            hash = (hash ^ static_cast<uint8_t>(c)) * 0x100000001B3;
+        }
+    }
+    EXPECT_EQ(hash, 0x81F6F7DCC193A735U);
+}
+
+// Whichever write of an entry fails: its error comes back, and nothing is written behind the gap.
+TEST_F(Log, EntriesEndAtTheFirstFailure) {
+    PlaceBeside("Disk:photo.tif");
+    ASSERT_EQ(_OpenAndAppendIndexHTML(&context), noErr);
+    const auto *text = reinterpret_cast<ConstStringPtr>("\2ab");
+    const int16_t page = _FetchHTMLlogfref();
+    const std::pair<std::function<OSErr()>, std::string> entries[] = {
+        {[&] { return WriteStr(page, text, true, true); }, "ab\t\r"},
+        {[&] { return WriteCString(page, "cd", true, true); }, "cd\t\r"},
+        {[&] { return WriteVal(page, -7, true, true); }, "-7\t\r"},
+        {[&] { return WriteReal(page, 4, true, true); }, "4.00000\t\r"},
+        {[&] { return LogCString(&context, "a"); }, "a\r<br>\r"},
+        {[&] { return LogLabelVal(&context, text, 3, text); }, "ab3\rab\r<br>\r"},
+        {[&] { return LogLabelReal(&context, text, 3, text); }, "ab3.00000ab\r<br>\r"},
+    };
+    for (const auto &[write, whole] : entries) {
+        bool struck = true;
+        for (int64_t n = 1; struck; ++n) {
+            const size_t before = Page("photo/index.html").size();
+            faults::FailFileCall(n, dskFulErr);
+            const OSErr err = write();
+            struck = faults::FaultStruck();
+            const std::string written = Page("photo/index.html").substr(before);
+            EXPECT_EQ(err, struck ? dskFulErr : noErr) << whole;
+            EXPECT_EQ(written, whole.substr(0, struck ? written.size() : whole.size()));
+            EXPECT_EQ(written.size() < whole.size(), struck);
+        }
+        faults::FailFileCall(0, noErr);
+    }
+    EXPECT_EQ(_FetchHTMLlogfref(), page) << "the page stays open";
+    _CloseIndexHTML();
 }
 
 }  // namespace

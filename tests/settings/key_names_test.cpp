@@ -31,7 +31,9 @@ TEST_F(KeyNames, UnitsFollowTheirCode) {
                      {"ffff", "Blank", "blan"},
                      {"gggg", "Secret", "omit"},
                      {"hhhh", "Angle", "degrees"},
-                     {"aaaa", "Shadowed", "none"}});
+                     {"aaaa", "Shadowed", "none"},
+                     {"iiii", std::string(43, 'n'), "0123456789abcdef"}});
+    const std::string whole = std::string(43, 'n') + "0123456789abcde";  // a record's last byte ends it
     const struct {
         OSType key;
         int32_t unitIndex;
@@ -51,6 +53,7 @@ TEST_F(KeyNames, UnitsFollowTheirCode) {
         {FourCharCode("ffff"), 0, noErr, "Blank", ""},
         {FourCharCode("hhhh"), 0, noErr, "Angle", "degrees"},
         {FourCharCode("gggg"), 0, fnfErr, "Secret", "omit"},
+        {FourCharCode("iiii"), 0, noErr, whole.c_str(), "0123456789abcde"},
     };
     for (const auto &c : cases) {
         char name[kKeyNameSize], units[kKeyNameSize];
@@ -94,6 +97,8 @@ TEST_F(KeyNames, SettingsAreDumpedByKind) {
     AddSPInputSettingRadio(block, FourCharCode("shap"), FourCharCode("rBsh"), 1, 3, 2);
     AddSPInputSettingBoolean(block, FourCharCode("flag"), 1);
     AddSPInputSettingCString(block, FourCharCode("path"), longText);
+    AddSPInputSettingRadio(block, 0x41004243, FourCharCode("a\0b\0"), 0, 1, 0);
+    AddSPInputSettingBoolean(block, FourCharCode("fals"), 0);
     AddSPOutputSettingCString(block, FourCharCode("none"), nullptr);
 
     FSSpec spec;
@@ -101,7 +106,7 @@ TEST_F(KeyNames, SettingsAreDumpedByKind) {
     int16_t file;
     ASSERT_EQ(FSpCreate(&spec, 0, 0, 0), noErr);
     ASSERT_EQ(FSpOpenDF(&spec, fsRdWrPerm, &file), noErr);
-    for (uint32_t i = 0; i < 5; ++i) {
+    for (uint32_t i = 0; i < CountSPInputs(block); ++i) {
         _WriteSPInputParam(block, i, file);
     }
     _WriteSPOutputParam(block, 0, file);
@@ -117,8 +122,9 @@ TEST_F(KeyNames, SettingsAreDumpedByKind) {
               "2: Type = RADIO/rBsh\tKey = shap\tMin = 1\tMax = 3\tValue = 2\r"
               "3: Type = BOOLEAN\tKey = flag\tValue = TRUE\r"
               "4: Type = STRING\tKey = path\tValue = " +
-                  std::string(255, 'x') +
-                  "\r"
+                  std::string(255, 'x') + "\r" +
+                  std::string("5: Type = RADIO/a\0b\0\tKey = A\0BC\tMin = 0\tMax = 1\tValue = 0\r", 58) +
+                  "6: Type = BOOLEAN\tKey = fals\tValue = FALSE\r"
                   "0: Type = STRING\tKey = none\tValue = NULL\r");
 }
 

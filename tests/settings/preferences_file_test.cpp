@@ -1,8 +1,16 @@
 #include "settings/preferences_file.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
 #include <cstdio>
-#include <cstring>
 #include <fstream>
+#include <functional>
+#include <thread>
 
 #include "imagestore/strings.h"
 #include "photoshop/image_modes.h"
@@ -63,29 +71,94 @@ TEST_F(PreferencesFile, RadiusIsRememberedFromRunToRun) {
     EXPECT_EQ(Run({}), 3.5);
 }
 
+char *Text(const std::string &text) {
+    char *copy = AllocateCString(static_cast<int32_t>(text.size()) + 1);
+    std::copy(text.begin(), text.end(), copy);
+    return copy;
+}
+
 TEST_F(PreferencesFile, SlotsRepeatWhatLongerOnesLeft) {
     RunContext context = {};
-    const char *texts[] = {"ABCDEFGH", "xy", ""};
-    for (size_t i = 0; i < std::size(texts); ++i) {
-        context.preferenceStrings[i] = AllocateCString(kTextSize);
-        std::strcpy(context.preferenceStrings[i], texts[i]);
+    const std::pair<size_t, std::string> texts[] = {
+        {0, "ABCDEFGH"}, {1, "xy"}, {2, ""}, {4, std::string(600, 'q')}, {6, "Z"}};
+    for (const auto &[slot, text] : texts) {
+        context.preferenceStrings[slot] = Text(text);
     }
+    std::fill_n(context.preferencesHeader, kPreferenceHeaderSize, 0x11);
+    std::fill_n(context.preferencesTail, kPreferenceTailSize, 0xEE);
+    // At most 513 characters and a zero go into a slot, over what the one before left.
+    std::string expected(1024, '\x11');
+    std::string slotBytes(1024, '\0');
+    for (size_t slot = 0; slot < 48; ++slot) {
+        const auto *text = std::find_if(std::begin(texts), std::end(texts),
+                                        [slot](const auto &known) { return known.first == slot; });
+        const std::string taken = text == std::end(texts) ? "" : text->second.substr(0, 513);
+        slotBytes.replace(0, taken.size() + 1, taken + '\0');
+        slotBytes[513] = '\0';
+        expected += slotBytes;
+    }
+    expected += std::string(3072, '\xEE');
     WritePreferences(&context, 0);
     for (const char *text : context.preferenceStrings) {
         EXPECT_EQ(text, nullptr);
     }
-    const std::string file = Contents();
-    ASSERT_EQ(file.size(), static_cast<size_t>(kFileSize));
-    const char *slots[] = {"ABCDEFGH", "xy\0DEFGH", "\0y\0DEFGH", "\0y\0DEFGH"};
-    for (size_t i = 0; i < std::size(slots); ++i) {
-        EXPECT_EQ(file.substr(1024 * (i + 1), 9), std::string(slots[i], 9)) << i;
-    }
+    EXPECT_TRUE(Contents() == expected);
 
+    // What is read takes the place of what was there; an empty slot leaves it.
+    for (const size_t slot : {0U, 2U}) {
+        context.preferenceStrings[slot] = Text("old");
+    }
     const int16_t ref = ReadPreferences(&context);
-    EXPECT_STREQ(context.preferenceStrings[0], texts[0]);
-    EXPECT_STREQ(context.preferenceStrings[1], texts[1]);
-    EXPECT_EQ(context.preferenceStrings[2], nullptr);
+    const char *read[] = {"ABCDEFGH", "xy", "old"};
+    for (size_t slot = 0; slot < std::size(read); ++slot) {
+        EXPECT_STREQ(context.preferenceStrings[slot], read[slot]);
+    }
+    EXPECT_EQ(std::string(context.preferenceStrings[4]), std::string(513, 'q'));
+    EXPECT_EQ(context.preferencesTail[3071], 0xEE);
+    // Zeros stand for a header that cannot be written; the slots keep their places.
+    faults::FailFileCall(2, ioErr);
     WritePreferences(&context, ref);
+    EXPECT_EQ(Contents().size(), expected.size());
+    EXPECT_TRUE(Contents().substr(0, 2048) == std::string(1024, '\0') + expected.substr(1024, 1024));
+}
+
+TEST_F(PreferencesFile, NewFilesHaveTypeAndCreator) {
+    RunContext context = {};
+    WritePreferences(&context, 0);
+    char info[32] = {};
+    const auto path = folder / "WEMBpref";
+    if (getxattr(path.c_str(), "user.com.apple.FinderInfo", info, sizeof info) != sizeof info) {
+        GTEST_SKIP() << "no extended attributes here";
+    }
+    EXPECT_EQ(std::string(info, 8), "TYPECREA");
+}
+
+// As long as another process holds the file's lock, it is neither read nor written.
+TEST_F(PreferencesFile, LockedFilesAreWaitedFor) {
+    const auto whileLocked = [this](const std::function<void()> &inside, const std::function<void()> &call) {
+        const int file = open((folder / "WEMBpref").c_str(), O_RDWR);
+        EXPECT_EQ(flock(file, LOCK_EX | LOCK_NB), 0) << "still locked";
+        std::thread other([&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            inside();
+            close(file);
+        });
+        call();
+        other.join();
+    };
+    RunContext context = {};
+    const std::string before(kFileSize, 'A');
+    const std::string after(kFileSize, 'B');
+    int16_t ref = 0;
+    Replace(before);
+    whileLocked([&] { Replace(after); }, [&] { ref = ReadPreferences(&context); });
+    EXPECT_EQ(context.preferencesHeader[0], 'B');
+    EXPECT_EQ(context.preferenceStrings[47][0], 'B');
+    EXPECT_EQ(context.preferencesTail[0], 'B');
+    context.preferencesHeader[0] = 'C';
+    whileLocked([&] { EXPECT_TRUE(Contents() == after) << "written under another's lock"; },
+                [&] { WritePreferences(&context, ref); });
+    EXPECT_EQ(Contents()[0], 'C');
 }
 
 // Whatever stands in the file, a run reads what it can and leaves a whole file.
@@ -127,8 +200,10 @@ TEST_F(PreferencesFile, DamagedFilesAreReadAsFarAsTheyGo) {
     std::filesystem::remove(folder / "WEMBpref");
     std::filesystem::create_directory(folder / "WEMBpref");
     RunContext context = {};
+    context.preferenceStrings[5] = Text("lost");
     EXPECT_EQ(ReadPreferences(&context), 0);
     WritePreferences(&context, 0);
+    EXPECT_EQ(context.preferenceStrings[5], nullptr);
     EXPECT_TRUE(std::filesystem::is_directory(folder / "WEMBpref"));
 }
 

@@ -18,7 +18,7 @@ constexpr OSType kTextKey = FourCharCode("path");
 constexpr OSType kRadioKey = FourCharCode("shap");
 constexpr OSType kFixedKey = FourCharCode("fixd");
 constexpr OSType kRadioType = FourCharCode("rBsh");
-constexpr OSType kFixedType = FourCharCode("enuM");
+constexpr OSType kFixedType = FourCharCode("rxMd");  // not one that is read back
 
 class ScriptBridge : public ScratchFolder {
   protected:
@@ -45,6 +45,8 @@ class ScriptBridge : public ScratchFolder {
         FilterRecord record = {};
         record.descriptorParameters = &parameters;
         const Boolean skip = _ReadScriptParamFromPS(&record, block);
+        EXPECT_EQ(script::openTokens, 0);
+        EXPECT_EQ(GetHandleSize(parameters.descriptor), 1) << "reading leaves the descriptor to the host";
         DisposeHandle(parameters.descriptor);
         return skip;
     }
@@ -65,17 +67,22 @@ TEST_F(ScriptBridge, TakesValuesInsideTheirRange) {
     }
     const struct {
         uint32_t index;
-        OSType key;
+        OSType key, type;
         double played;
         int32_t value;
     } integers[] = {
-        {1, kLongKey, -5, -5}, {1, kLongKey, 6, -5}, {2, kUnitKey, 10, 10}, {2, kUnitKey, 11, 10},
-        {3, kBoolKey, 7, 1},   {5, kRadioKey, 3, 3}, {5, kRadioKey, 4, 3},  {6, kFixedKey, 2, 1},
+        {1, kLongKey, typeInteger, -5, -5},    {1, kLongKey, typeInteger, 6, -5},
+        {2, kUnitKey, typeEnumerated, 10, 10}, {2, kUnitKey, typeEnumerated, 11, 10},
+        {2, kUnitKey, typeInteger, 5, 10},     {3, kBoolKey, typeBoolean, 7, 1},
+        {5, kRadioKey, typeEnumerated, 3, 3},  {5, kRadioKey, typeEnumerated, 4, 3},
+        {6, kFixedKey, typeEnumerated, 2, 1},
     };
     for (const auto &c : integers) {
-        Play({{c.key, 0, c.played}});
+        Play({{c.key, c.type, c.played}});
         EXPECT_EQ(GetSPInputSettingLong(block, c.index), c.value) << c.index << ' ' << c.played;
     }
+    EXPECT_EQ(script::askedKeys, (std::vector<OSType>{kFloatKey, kLongKey, kUnitKey, kBoolKey, kTextKey,
+                                                      kRadioKey, kFixedKey, kFloatKey}));
     Play({{kTextKey, typeText, 0, "Disk:a"}});
     EXPECT_STREQ(GetSPInputSettingCString(block, 4), "Disk:a");
     Play({{kTextKey, typeText, 0, std::string(900, 'x')}});
@@ -84,16 +91,33 @@ TEST_F(ScriptBridge, TakesValuesInsideTheirRange) {
 
 TEST_F(ScriptBridge, KeepsWhatCannotBeRead) {
     Play({{kFloatKey, typeFloat, 1, {}, 0, paramErr},
+          {kLongKey, typeInteger, 2, {}, 0, paramErr},
+          {kUnitKey, typeEnumerated, 2, {}, 0, paramErr},
           {kBoolKey, typeBoolean, 1, {}, 0, paramErr},
+          {kTextKey, typeText, 0, "x", 0, paramErr},
+          {kRadioKey, typeEnumerated, 2, {}, 0, paramErr},
           {FourCharCode("else"), typeFloat, 1}});
     EXPECT_EQ(GetSPInputSettingFloat(block, 0), 2);
-    EXPECT_EQ(GetSPInputSettingBoolean(block, 3), 0);
+    const int32_t values[] = {1, 3, 0, 0, 1};
+    for (uint32_t i = 0; i < std::size(values); ++i) {
+        EXPECT_EQ(GetSPInputSettingLong(block, i + 1), values[i]) << i + 1;
+    }
+    EXPECT_EQ(GetSPInputSettingCString(block, 4), nullptr);
 }
 
 TEST_F(ScriptBridge, DialogIsShownOnlyWhenAsked) {
     EXPECT_EQ(Play({}, plugInDialogDontDisplay), 1);
     EXPECT_EQ(Play({}, plugInDialogDisplay), 0);
     EXPECT_EQ(Play({}, plugInDialogSilent), 1);
+
+    // Nothing was recorded.
+    for (const int16_t playInfo : {plugInDialogDontDisplay, plugInDialogDisplay}) {
+        PIDescriptorParameters parameters = {
+            0, playInfo, 0, nullptr, &script::writeProcs, &script::readProcs};
+        FilterRecord empty = {};
+        empty.descriptorParameters = &parameters;
+        EXPECT_EQ(_ReadScriptParamFromPS(&empty, block), playInfo == plugInDialogDontDisplay);
+    }
 
     // No suites, or not the ones known here.
     const struct {
@@ -152,6 +176,7 @@ TEST_F(ScriptBridge, RecordsEveryEntryByItsKind) {
         {FourCharCode("full"), typeBoolean, 1},
     };
     EXPECT_EQ(script::recorded, expected);
+    EXPECT_EQ(script::openTokens, 0);
 
     InitializeSPSettings(block, 0, false, false);
     script::recorded.clear();
@@ -159,6 +184,30 @@ TEST_F(ScriptBridge, RecordsEveryEntryByItsKind) {
     EXPECT_TRUE(script::recorded.empty());
     InitializeSPSettings(block, 0, false, false);
     block->inputCount = 8;  // for the clearing of texts
+}
+
+// An input that is added last takes the first output's place and moves the others on: the last one leaves the
+// block.
+TEST_F(ScriptBridge, RecordsNothingPastTheEndOfAFullBlock) {
+    SPBlock *full = _AllocateSPBlock(22);
+    InitializeSPSettings(full, 0, false, false);
+    AddSPInputSettingLong(full, kLongKey, 0, 9, 1);
+    for (OSType j = 0; j < 19; ++j) {
+        AddSPOutputSettingLong(full, FourCharCode("outA") + j, 0, 9, 2);
+    }
+    AddSPInputSettingLong(full, kUnitKey, 0, 9, 3);
+
+    PIDescriptorParameters parameters = script::Parameters({}, 0);
+    FilterRecord record = {};
+    record.descriptorParameters = &parameters;
+    EXPECT_EQ(_WriteScriptParamToPS(&record, full), noErr);
+    ASSERT_EQ(script::recorded.size(), 20u);
+    EXPECT_EQ(script::recorded[1].key, kUnitKey);
+    for (OSType j = 1; j < 19; ++j) {
+        EXPECT_EQ(script::recorded[j + 1].key, FourCharCode("outA") + j);
+    }
+    DisposeHandle(parameters.descriptor);
+    _DisposeSPBlock(full);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "imagestore/strings.h"
+#include "platform/memory.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {
@@ -65,6 +66,7 @@ TEST_F(SettingRegistry, StringsAreCopiedByTheirOwnLengthRules) {
     const Text path("Disk:Logs:run.txt");
     AddSPInputSettingCString(block, kKey, path.bytes);
     EXPECT_STREQ(GetSPInputSettingCString(block, 0), path.bytes);
+    EXPECT_EQ(GetPtrSize(GetSPInputSettingCString(block, 0)), 'D' + 1) << "the first byte says where to look";
     // A length-prefixed text that ends in a zero keeps its length byte.
     AddSPInputSettingCString(block, kKey, Text("\3abc").bytes);
     EXPECT_STREQ(GetSPInputSettingCString(block, 1), "\3abc");
@@ -87,6 +89,25 @@ TEST_F(SettingRegistry, StringsAreCopiedByTheirOwnLengthRules) {
     SetSPInputSettingCString(block, 0, longer.bytes);
     SetSPInputSettingCString(block, 0, GetSPInputSettingCString(block, 0));
     EXPECT_STREQ(GetSPInputSettingCString(block, 0), longer.bytes);
+    // The zero before the place that the first byte names is part of the text.
+    SetSPInputSettingCString(block, 0, Text(std::string("\5ab\0cde", 7)).bytes);
+    ASSERT_EQ(GetPtrSize(GetSPInputSettingCString(block, 0)), 8);
+    EXPECT_EQ(std::string(GetSPInputSettingCString(block, 0), 8), std::string("\5ab\0cde", 8));
+}
+
+// Filling a block again leaves what an add does not set.
+TEST_F(SettingRegistry, StringsKeepTheMaximumOfTheirSlot) {
+    InitializeSPSettings(block, 0, false, false);
+    AddSPInputSettingLong(block, kKey, 3, 9, 7);
+    AddSPInputSettingLong(block, kKey, 3, 8, 7);
+    InitializeSPSettings(block, 0, false, false);
+    AddSPInputSettingCString(block, kKey, Text("x").bytes);
+    AddSPOutputSettingPString(block, kKey, nullptr);
+    for (const int32_t i : {0, 1}) {
+        const SPEntry *entry = SPInputEntry(block, static_cast<uint32_t>(i));
+        EXPECT_EQ(entry->min, 0);
+        EXPECT_EQ(entry->max, 9 - i);
+    }
 }
 
 TEST_F(SettingRegistry, FullBlocksTakeNothingMore) {

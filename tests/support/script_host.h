@@ -1,4 +1,5 @@
-// The scripting side of a host: hands out one list of recorded values and takes another.
+// The scripting side of a host: hands out one list of recorded values and takes another. A value is delivered
+// by the getter of its type alone.
 #pragma once
 
 #include <cstring>
@@ -12,7 +13,7 @@ namespace script {
 
 struct Item {
     OSType key = 0;
-    OSType type = 0;  // as in a descriptor: typeFloat, typeInteger, typeBoolean, typeText, typeEnumerated
+    OSType type = 0;  // typeFloat, typeInteger, typeBoolean, typeText or typeEnumerated
     double number = 0;
     std::string text = {};
     OSType enumeration = 0;
@@ -21,13 +22,28 @@ struct Item {
     bool operator==(const Item &) const = default;
 };
 
-inline std::vector<Item> playing;   // what is read
-inline std::vector<Item> recorded;  // what was written
-inline size_t position;             // one past the item read last
+inline std::vector<Item> playing;      // what is read
+inline std::vector<Item> recorded;     // what was written
+inline size_t position;                // one past the item read last
+inline std::vector<OSType> askedKeys;  // those that the reader was opened with, the closing 0 aside
+inline int openTokens;                 // readers and writers that are not closed
 inline OSErr closeError = noErr;
 
-inline const Item &Current() {
-    return playing[position - 1];
+// The item read last; null when it is of another type.
+inline const Item *Current(OSType type) {
+    const Item &item = playing[position - 1];
+    return item.type == type ? &item : nullptr;
+}
+
+// Delivers the item read last as a number of the type, also where reading it gives an error.
+template <typename Value>
+OSErr GetNumber(OSType type, Value *value) {
+    const Item *item = Current(type);
+    if (item == nullptr) {
+        return paramErr;
+    }
+    *value = static_cast<Value>(item->number);
+    return item->error;
 }
 
 inline OSErr Put(Item item) {
@@ -38,11 +54,19 @@ inline OSErr Put(Item item) {
 inline ReadDescriptorProcs MakeReadProcs() {
     ReadDescriptorProcs procs = {};
     procs.numReadDescriptorProcs = kReadDescriptorProcsCount;
-    procs.openReadDescriptorProc = [](Handle descriptor, OSType *) {
+    procs.openReadDescriptorProc = [](Handle descriptor, OSType *keys) {
         position = 0;
+        askedKeys.clear();
+        for (; *keys != 0; ++keys) {
+            askedKeys.push_back(*keys);
+        }
+        openTokens += descriptor != nullptr;
         return reinterpret_cast<PIReadDescriptor>(descriptor);
     };
-    procs.closeReadDescriptorProc = [](PIReadDescriptor) { return noErr; };
+    procs.closeReadDescriptorProc = [](PIReadDescriptor) {
+        --openTokens;
+        return noErr;
+    };
     procs.getKeyProc = [](PIReadDescriptor, OSType *key, OSType *type, int32_t *flags) -> Boolean {
         if (position == playing.size()) {
             return false;
@@ -53,26 +77,20 @@ inline ReadDescriptorProcs MakeReadProcs() {
         ++position;
         return true;
     };
-    procs.getIntegerProc = [](PIReadDescriptor, int32_t *value) {
-        *value = static_cast<int32_t>(Current().number);
-        return Current().error;
-    };
-    procs.getFloatProc = [](PIReadDescriptor, double *value) {
-        *value = Current().number;
-        return Current().error;
-    };
-    procs.getBooleanProc = [](PIReadDescriptor, Boolean *value) {
-        *value = static_cast<Boolean>(Current().number);
-        return Current().error;
+    procs.getIntegerProc = [](PIReadDescriptor, int32_t *value) { return GetNumber(typeInteger, value); };
+    procs.getFloatProc = [](PIReadDescriptor, double *value) { return GetNumber(typeFloat, value); };
+    procs.getBooleanProc = [](PIReadDescriptor, Boolean *value) { return GetNumber(typeBoolean, value); };
+    procs.getEnumeratedProc = [](PIReadDescriptor, OSType *value) {
+        return GetNumber(typeEnumerated, value);
     };
     procs.getTextProc = [](PIReadDescriptor, Handle *text) {
-        *text = NewHandle(static_cast<int64_t>(Current().text.size()));
-        std::memcpy(**text, Current().text.data(), Current().text.size());
-        return Current().error;
-    };
-    procs.getEnumeratedProc = [](PIReadDescriptor, OSType *value) {
-        *value = static_cast<OSType>(Current().number);
-        return Current().error;
+        const Item *item = Current(typeText);
+        if (item == nullptr || item->error != noErr) {
+            return item == nullptr ? paramErr : item->error;
+        }
+        *text = NewHandle(static_cast<int64_t>(item->text.size()));
+        std::memcpy(**text, item->text.data(), item->text.size());
+        return noErr;
     };
     return procs;
 }
@@ -82,9 +100,11 @@ inline WriteDescriptorProcs MakeWriteProcs() {
     procs.numWriteDescriptorProcs = kWriteDescriptorProcsCount;
     procs.openWriteDescriptorProc = [] {
         recorded.clear();
+        ++openTokens;
         return reinterpret_cast<PIWriteDescriptor>(&recorded);
     };
     procs.closeWriteDescriptorProc = [](PIWriteDescriptor, Handle *descriptor) {
+        --openTokens;
         *descriptor = closeError == noErr ? NewHandle(1) : nullptr;
         return closeError;
     };
