@@ -145,17 +145,18 @@ TEST_F(Outputs, WithoutAPathThereIsNoFileAndWithoutItsTextNoLog) {
 }
 
 // The file is there, but opening it, the second call after the path's, says that it is not: it is made anew.
+// Any other error leaves it alone.
 TEST_F(Outputs, AFileThatCannotBeCreatedIsDeletedFirst) {
-    std::ofstream(folder / "measured.txt") << "what stood there\r";
+    constexpr char kBefore[] = "what stood there\r";
+    std::ofstream(folder / "measured.txt") << kBefore;
     SPBlock *settings = _AllocateSPBlock(3);
     AddSPOutputSettingLong(settings, kCountKey, 0, 9, 4);
     RunContext context = {};
     SetMeasurementPath(&context, "Disk:measured.txt");
-    faults::FailFileCall(2, fnfErr);
-    WriteMeasurements(&context, settings);
-    EXPECT_EQ(File("measured.txt"), "Count\t4\tpieces\t");
-    // Any other error leaves the file alone.
     faults::FailFileCall(2, ioErr);
+    WriteMeasurements(&context, settings);
+    EXPECT_EQ(File("measured.txt"), kBefore);
+    faults::FailFileCall(2, fnfErr);
     WriteMeasurements(&context, settings);
     EXPECT_EQ(File("measured.txt"), "Count\t4\tpieces\t");
     DisposeCString(context.preferenceStrings[kMeasurementPathSlot]);

@@ -305,6 +305,13 @@ TEST_F(RunDriver, NoMaskIsAskedForAfterAnImageThatCouldNotBeMade) {
             if (result != noErr) {
                 EXPECT_EQ(result, memFullErr);
                 maskAfterFailure.push_back(haveMask);
+                // A host that goes on in spite of it is told again, and nothing is remembered.
+                host.state.result = noErr;
+                DoContinue(&host.state);
+                EXPECT_EQ(host.state.phase, phaseFiltering);
+                host.state.result = noErr;
+                EXPECT_EQ(DoContinue(&host.state), memFullErr);
+                EXPECT_FALSE(exists(folder / "WEMBpref"));
             } else {
                 // A selection that cannot be made is only left out.
                 withoutMask += !haveMask;

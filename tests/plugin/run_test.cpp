@@ -353,6 +353,11 @@ TEST_F(Run, SelectorsAnswerAndKeepTheirState) {
         EXPECT_TRUE(IsZero(record.inRect) && IsZero(record.outRect)) << selector;
         EXPECT_EQ(state()->phase, phaseIdle);
     }
+    // One pixel wider than any image.
+    record.filterRect = {0, -1, 1, 32767};
+    EXPECT_EQ(call(filterSelectorStart), filterBadParameters);
+    EXPECT_EQ(state()->phase, phaseDone);
+    record.filterRect = {};
 
     // The selection is the one image that Finish leaves; the next Start takes it.
     EXPECT_EQ(MakeImage(2, 2, 1, &state()->image), noErr);
