@@ -1,11 +1,7 @@
 // The pass over a working image against the filter on that image as it is, without a border.
-#include <cstring>
-
-#include "median/hybrid_filter.h"
-#include "platform/memory.h"
 #include "settings/setting_registry.h"
+#include "tests/support/filtered_image.h"
 #include "tests/support/scratch_folder.h"
-#include "tests/support/test_images.h"
 #include "toolkit/filter_hooks.h"
 
 namespace {
@@ -33,14 +29,6 @@ class ImagePass : public ScratchFolder {
         remembered = PreferenceFloat(&context, kRememberedRadiusOffset);
         _DisposeSPBlock(settings);
         return err;
-    }
-
-    static std::vector<uint8_t> Filtered(const TestImage &source, float radius) {
-        NamedImage *image = MakeFrom(source);
-        EXPECT_EQ(NewHyMedian(image, radius, false, nullptr, 1, 2, 3), noErr);
-        std::vector<uint8_t> filtered = BytesOf(image);
-        TossImage(image);
-        return filtered;
     }
 
     std::vector<uint8_t> passed;

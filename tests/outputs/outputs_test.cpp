@@ -120,7 +120,7 @@ TEST_F(Outputs, UnsavedDocumentsAndFailedRunsAreMeasuredToo) {
     testFilter.makeParameters = nullptr;
     testFilter.processResult = memFullErr;
     EXPECT_EQ(Run(""), memFullErr);
-    // A host of the first version says nothing of files.
+    // The first version of what a host tells of a document says nothing of files.
     EXPECT_EQ(Run("photo.tif", 0), memFullErr);
     std::string line = std::string(kLine) + "<not_saved>\tNOW\r";
     line.replace(line.find("a<b"), 3, "NULL");

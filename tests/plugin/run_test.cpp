@@ -3,15 +3,14 @@
 #include <cstring>
 #include <fstream>
 
-#include "median/hybrid_filter.h"
 #include "photoshop/image_modes.h"
 #include "plugin/color_modes.h"
 #include "plugin/entry.h"
 #include "settings/setting_registry.h"
+#include "tests/support/filtered_image.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/script_host.h"
 #include "tests/support/test_host.h"
-#include "tests/support/test_images.h"
 #include "toolkit/filter_hooks.h"
 #include "toolkit/run_context.h"
 
@@ -43,16 +42,6 @@ TestDocument Document(int16_t mode, int32_t depth, int16_t planes, int16_t width
 
 bool IsZero(const Rect &rect) {
     return (rect.top | rect.left | rect.bottom | rect.right) == 0;
-}
-
-// What the filter alone makes of a document without extra planes.
-std::vector<uint8_t> Filtered(const std::vector<uint8_t> &bytes, int16_t width, int16_t height,
-                              int bytesPerPixel, float radius) {
-    NamedImage *image = MakeFrom({width, height, static_cast<int16_t>(bytesPerPixel), bytes});
-    EXPECT_EQ(NewHyMedian(image, radius, false, nullptr, 1, 2, 3), noErr);
-    std::vector<uint8_t> filtered = BytesOf(image);
-    TossImage(image);
-    return filtered;
 }
 
 using Convert = void (*)(void *row, int32_t width);
@@ -101,7 +90,8 @@ std::vector<uint8_t> ExpectedResult(const ModeCase &c, const TestDocument &docum
         }
         seen.insert(seen.end(), row.begin(), row.begin() + kWidth * filteredBytes);
     }
-    const std::vector<uint8_t> filtered = Filtered(seen, kWidth, kHeight, filteredBytes, radius);
+    const std::vector<uint8_t> filtered =
+        Filtered({kWidth, kHeight, static_cast<int16_t>(filteredBytes), seen}, radius);
     std::vector<uint8_t> expected = document.source;
     for (int y = 0; y < kHeight; ++y) {
         std::vector<uint8_t> row(filtered.begin() + y * kWidth * filteredBytes,
