@@ -38,7 +38,10 @@ NamedImage *SelectionFromAlpha(PluginState *state, const RunGeometry &run) {
     Ptr selection = state->rowBuffer;
     Ptr alphaRow = state->rowBuffer + run.width;
     for (int32_t y = 0; y < size.height; ++y) {
-        GetLine(state->alphaImage, 0, y, run.width * run.extraPlanes * 2, alphaRow);
+        // What cannot be read stays unselected.
+        if (GetLine(state->alphaImage, 0, y, run.width * run.extraPlanes * 2, alphaRow) != noErr) {
+            continue;
+        }
         RowCallsFor(run.sampleBytes)
             .selectionFromExtraPlane(run, alphaRow, reinterpret_cast<uint8_t *>(selection));
         PutLine(state->selectionImage, 0, y, run.width, selection);
@@ -118,13 +121,17 @@ void DisposeSettings(SPBlock *settings) {
     _DisposeSPBlock(settings);
 }
 
-OSErr FilterWithSettings(PluginState *state, const RunGeometry &run, RunContext *context) {
+// Null when memory is short.
+SPBlock *MakeSettings(RunContext *context) {
     SPBlock *settings = _AllocateSPBlock(kSettingSlots);
-    if (settings == nullptr) {
-        return memFullErr;
+    if (settings != nullptr) {
+        InitializeSPSettings(settings, kUndefinedSignature, false, false);
+        GetDefaultSettings(context, settings);
     }
-    InitializeSPSettings(settings, kUndefinedSignature, false, false);
-    GetDefaultSettings(context, settings);
+    return settings;
+}
+
+OSErr FilterWithSettings(PluginState *state, const RunGeometry &run, RunContext *context, SPBlock *settings) {
     const Boolean skipDialog = _ReadScriptParamFromPS(state->filterRecord, settings);
     OSErr err = GetParameters(state->image, context, &state->parameters, settings);
     if (err == noErr) {
@@ -134,7 +141,6 @@ OSErr FilterWithSettings(PluginState *state, const RunGeometry &run, RunContext 
     _WriteScriptParamToPS(state->filterRecord, settings);
     WriteMeasurements(context, settings);
     LogMeasurements(context, settings);
-    DisposeSettings(settings);
     return err;
 }
 
@@ -144,8 +150,13 @@ OSErr RunFilterPhase(PluginState *state, const RunGeometry &run) {
     RunContext context = {};
     FillContext(state, run, &context);
     const int16_t preferences = ReadPreferences(&context);
+    OSErr err = memFullErr;
+    SPBlock *settings = MakeSettings(&context);
     SetPreferenceDefaults(&context);
-    const OSErr err = FilterWithSettings(state, run, &context);
+    if (settings != nullptr) {
+        err = FilterWithSettings(state, run, &context, settings);
+        DisposeSettings(settings);
+    }
     WritePreferences(&context, preferences);
     DisposeCString(context.logBasePath);
     return err;

@@ -29,17 +29,21 @@ struct Output {
 
 int32_t UnitIndex(const RunContext *context) {
     const float unit = PreferenceFloat(context, kUnitIndexOffset);
-    // Also what is not a number; fractions are cut, so what lies between 0 and 1 is no unit either.
-    const bool known = unit >= 1 && unit < kLastUnitIndex + 1;
+    // NaN is no unit; fractions are cut, so what lies between 0 and 1 is none either.
+    const bool known = unit >= 1 && unit <= kLastUnitIndex;
     return known && PreferenceFloat(context, kLengthCalibrationOffset) != 0 ? static_cast<int32_t>(unit)
                                                                             : kUnitIndexInches;
 }
 
-// Calls `handle` for every output that the table does not leave out.
+// Calls `handle` for every output that the table does not leave out. An input that was added to a full block
+// has pushed the last output past its end.
 template <typename Handler>
 void ForEachOutput(const RunContext *context, SPBlock *settings, Handler handle) {
     for (uint32_t j = 0; j < CountSPOutputs(settings); ++j) {
         const SPEntry *entry = SPOutputEntry(settings, j);
+        if (entry == nullptr) {
+            break;
+        }
         Output output = {_ByteSwapOSType(entry->key), _ByteSwapOSType(entry->type), j, {}, {}};
         if (_LookupParamKeyName(output.key, output.label, output.units, UnitIndex(context)) == noErr) {
             handle(output);

@@ -78,5 +78,7 @@ OSErr GetRunGeometry(const PluginState *state, RunGeometry *run) {
     if (IsEmpty(record->filterRect) || run->width > INT16_MAX || run->height > INT16_MAX) {
         return filterBadParameters;
     }
-    return run->colorPlanes > 0 && run->extraPlanes >= 0 ? noErr : filterBadMode;
+    // Images count the bytes of a pixel in 16 bits.
+    const bool fits = run->planes * run->sampleBytes <= INT16_MAX;
+    return fits && run->colorPlanes > 0 && run->extraPlanes >= 0 ? noErr : filterBadMode;
 }

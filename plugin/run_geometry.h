@@ -29,7 +29,7 @@ bool IsEmpty(const Rect &rect);
 // Bytes of one row of all planes at the run's sample size, plus one byte per pixel for a row of the mask.
 int64_t RowBufferSize(const RunGeometry &run);
 
-// Returns filterBadMode for a mode without a colour plane count, or with fewer planes than it needs;
-// filterBadParameters for an empty rectangle and for a side of more than 32767 pixels, which no image can
-// have.
+// Returns filterBadMode for a mode without a colour plane count, with fewer planes than it needs, or with
+// pixels of more than 32767 bytes; filterBadParameters for an empty rectangle and for a side of more than
+// 32767 pixels. No image can have such pixels or sides.
 OSErr GetRunGeometry(const PluginState *state, RunGeometry *run);

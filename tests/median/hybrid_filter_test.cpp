@@ -2,21 +2,12 @@
 
 #include <algorithm>
 
+#include "tests/support/filtered_image.h"
 #include "tests/support/scratch_folder.h"
-#include "tests/support/test_images.h"
 
 namespace {
 
-class HybridFilter : public ScratchFolder {
-  protected:
-    std::vector<uint8_t> Filter(const TestImage &source, float radius) {
-        NamedImage *image = MakeFrom(source);
-        EXPECT_EQ(NewHyMedian(image, radius, false, nullptr, 1, 2, 3), noErr);
-        std::vector<uint8_t> bytes = BytesOf(image);
-        TossImage(image);
-        return bytes;
-    }
-};
+class HybridFilter : public ScratchFolder {};
 
 TEST_F(HybridFilter, GivesKnownChecksums) {
     const struct {
@@ -32,7 +23,7 @@ TEST_F(HybridFilter, GivesKnownChecksums) {
         const TestImage image = PatternImage(c.bytesPerPixel);
         ASSERT_EQ(Crc32(image.bytes), c.input);
         for (int radius = 1; radius <= 6; ++radius) {
-            EXPECT_EQ(Crc32(Filter(image, static_cast<float>(radius))), c.filtered[radius - 1])
+            EXPECT_EQ(Crc32(Filtered(image, static_cast<float>(radius))), c.filtered[radius - 1])
                 << c.bytesPerPixel << " bytes per pixel, radius " << radius;
         }
     }
@@ -45,18 +36,18 @@ TEST_F(HybridFilter, GivesKnownPixels) {
                                           60, 33, 14, 14, 99, 33, 60, 5,  99, 52, 71, 26};
     const std::vector<uint8_t> radius2 = {12, 66, 19, 34, 90, 66, 41, 77, 41,  90, 12, 77, 128,
                                           60, 33, 77, 14, 77, 33, 71, 5,  128, 52, 71, 26};
-    EXPECT_EQ(Filter(image, 1), radius1);
-    EXPECT_EQ(Filter(image, 2), radius2);
+    EXPECT_EQ(Filtered(image, 1), radius1);
+    EXPECT_EQ(Filtered(image, 2), radius2);
 }
 
 TEST_F(HybridFilter, RadiusCountsWholePixelsUpToSix) {
     const TestImage image = PatternImage(3);
     const std::pair<float, float> alike[] = {{4.9f, 4}, {7, 6}, {1e30f, 6}, {1.999f, 1}};
     for (const auto &[radius, whole] : alike) {
-        EXPECT_EQ(Filter(image, radius), Filter(image, whole)) << radius;
+        EXPECT_EQ(Filtered(image, radius), Filtered(image, whole)) << radius;
     }
     for (const float radius : {0.99f, 0.0f, -3.0f, std::numeric_limits<float>::quiet_NaN()}) {
-        EXPECT_EQ(Filter(image, radius), image.bytes) << radius;
+        EXPECT_EQ(Filtered(image, radius), image.bytes) << radius;
     }
 }
 
@@ -86,18 +77,18 @@ TEST_F(HybridFilter, KeepsLinesAndRemovesSpecks) {
     const std::vector<uint8_t> flat(13 * 13, 40);
     for (int radius = 1; radius <= 6; ++radius) {
         for (const TestImage &line : lines) {
-            EXPECT_EQ(Filter(line, static_cast<float>(radius)), line.bytes)
+            EXPECT_EQ(Filtered(line, static_cast<float>(radius)), line.bytes)
                 << "line " << &line - lines << ", radius " << radius;
         }
-        EXPECT_EQ(Filter(speck, static_cast<float>(radius)), flat) << radius;
-        EXPECT_NE(Filter(slant, static_cast<float>(radius)), slant.bytes) << radius;
+        EXPECT_EQ(Filtered(speck, static_cast<float>(radius)), flat) << radius;
+        EXPECT_NE(Filtered(slant, static_cast<float>(radius)), slant.bytes) << radius;
     }
 }
 
 TEST_F(HybridFilter, LeavesOtherLayoutsAlone) {
     for (const int16_t bytesPerPixel : {int16_t{4}, int16_t{5}, int16_t{8}}) {
         const TestImage image = RandomImage(9, 8, bytesPerPixel, 5);
-        EXPECT_EQ(Filter(image, 2), image.bytes) << bytesPerPixel;
+        EXPECT_EQ(Filtered(image, 2), image.bytes) << bytesPerPixel;
     }
     EXPECT_EQ(NewHyMedian(nullptr, 2, false, nullptr, 1, 2, 3), noErr);
 }
@@ -105,7 +96,7 @@ TEST_F(HybridFilter, LeavesOtherLayoutsAlone) {
 TEST_F(HybridFilter, GivesTheSameFromDisk) {
     for (const int16_t bytesPerPixel : {int16_t{3}, int16_t{2}}) {
         const TestImage source = RandomImage(400, 60, bytesPerPixel, 7);
-        const std::vector<uint8_t> inMemory = Filter(source, 2);
+        const std::vector<uint8_t> inMemory = Filtered(source, 2);
         faults::RefuseTemporaryMemory(true);
         NamedImage *image = MakeFrom(source);
         faults::RefuseTemporaryMemory(false);
@@ -142,7 +133,7 @@ TEST_F(HybridFilter, TellsAndAsksOncePerStepAndStopsAtOnce) {
     RunContext context = {};
     context.filterRecord = &record;
     const TestImage source = RandomImage(11, 14, 3, 8);
-    const std::vector<uint8_t> filtered = Filter(source, 3);
+    const std::vector<uint8_t> filtered = Filtered(source, 3);
 
     for (size_t steps = 0; steps <= 26; ++steps) {
         listener = {{}, steps};

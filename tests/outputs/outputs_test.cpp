@@ -1,5 +1,9 @@
 // A filter of another kind on the same driver: it measures, and so writes a measurement file and a run log.
-#include <cstring>
+#include "plugin/outputs.h"
+
+#include <sys/xattr.h>
+
+#include <cmath>
 #include <fstream>
 
 #include "imagestore/strings.h"
@@ -7,68 +11,39 @@
 #include "photoshop/image_modes.h"
 #include "platform/files.h"
 #include "platform/posix_paths.h"
-#include "settings/setting_registry.h"
+#include "tests/outputs/test_filter.h"
 #include "tests/support/dates.h"
 #include "tests/support/key_name_table.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/test_host.h"
-#include "toolkit/filter_hooks.h"
-#include "toolkit/run_context.h"
 
 namespace {
 
-constexpr char kMeasurementPath[] = "Disk:measured.txt";
-OSErr processResult = noErr;
+constexpr OSType kCountKey = FourCharCode("coun");
 
-char *OwnedText(const char *text) {
-    char *owned = AllocateCString(kTextSize);
-    DuplicateCString(text, owned, kTextSize);
-    return owned;
+void SetMeasurementPath(RunContext *context, const char *path) {
+    DisposeCString(context->preferenceStrings[kMeasurementPathSlot]);
+    context->preferenceStrings[kMeasurementPathSlot] = AllocateCString(kTextSize);
+    DuplicateCString(path, context->preferenceStrings[kMeasurementPathSlot], kTextSize);
 }
 
-}  // namespace
-
-OSErr GetDefaultSettings(RunContext *context, SPBlock *settings) {
-    DisposeCString(context->preferenceStrings[2]);
-    context->preferenceStrings[2] = OwnedText(kMeasurementPath);
-    InitializeSPSettings(settings, FourCharCode("Test"), false, false);
+void DeclareEveryKind(RunContext *context, SPBlock *settings) {
+    SetMeasurementPath(context, "Disk:measured.txt");
     AddSPInputSettingLong(settings, FourCharCode("inpt"), 0, 9, 4);
     AddSPOutputSettingBoolean(settings, FourCharCode("full"), 1);
     AddSPOutputSettingCString(settings, FourCharCode("path"), nullptr);
     AddSPOutputSettingFloat(settings, FourCharCode("area"), 0, 1e6f, 12.5f);
-    AddSPOutputSettingLong(settings, FourCharCode("coun"), 0, 1000, 42);
+    AddSPOutputSettingLong(settings, kCountKey, 0, 1000, 42);
     AddSPOutputSettingRadio(settings, FourCharCode("shap"), FourCharCode("rBsh"), 1, 3, 2);
     AddSPOutputSettingLong(settings, FourCharCode("hide"), 0, 9, 7);
     AddSPOutputSettingLong(settings, FourCharCode("lost"), 0, 9, 7);
     AddSPOutputSettingLong(settings, FourCharCode("crlf"), 0, 0, 0);
-    return noErr;
 }
 
-OSErr GetParameters(NamedImage *, RunContext *, Handle *, SPBlock *settings) {
-    char *text = OwnedText("a<b");
+void MeasureAPath(NamedImage *, const RunContext *, SPBlock *settings) {
+    char text[kTextSize] = "a<b";
     SetSPOutputSettingCString(settings, 1, text);
-    DisposeCString(text);
-    return noErr;
 }
-
-OSErr InteractiveDialog(NamedImage *, RunContext *, Handle) {
-    return noErr;
-}
-
-OSErr ProcessImage(NamedImage *, RunContext *, Handle, SPBlock *settings, Boolean) {
-    // A run that fails has no path to tell of.
-    if (processResult != noErr) {
-        SetSPOutputSettingCString(settings, 1, nullptr);
-    }
-    return processResult;
-}
-
-OSErr ProcessImage16_48(NamedImage *image, RunContext *context, Handle parameters, SPBlock *settings,
-                        Boolean skipDialog) {
-    return ProcessImage(image, context, parameters, settings, skipDialog);
-}
-
-namespace {
 
 class Outputs : public ScratchFolder {
   protected:
@@ -81,9 +56,11 @@ class Outputs : public ScratchFolder {
                          {"shap", "Shape", "blan"},
                          {"hide", "Hidden", "omit"},
                          {"crlf", "", "crlf"}});
+        testFilter = {DeclareEveryKind, MeasureAPath};
     }
 
     void TearDown() override {
+        testFilter = {};
         faults::RemoveResources();
         ScratchFolder::TearDown();
     }
@@ -94,13 +71,13 @@ class Outputs : public ScratchFolder {
         return WithoutDates(text);
     }
 
-    OSErr Run(const char *documentName) {
+    OSErr Run(const char *documentName, int32_t maxVersion = 1) {
         FSSpec spec;
         SpecFromPosixPath(folder / documentName, &spec);
         spec.vRefNum = volume;
         spec.parID = 2;
         ReadImageDocumentDesc info = {};
-        info.maxVersion = 1;
+        info.maxVersion = maxVersion;
         info.documentFileSpec = &spec;
         TestHostOptions options;
         options.documentInfo = documentName[0] == 0 ? nullptr : &info;
@@ -130,15 +107,134 @@ TEST_F(Outputs, TwoRunsGiveTwoLinesAndTwoBlocks) {
     const std::string page = File("photo/index.html");
     EXPECT_EQ(page.substr(132), block + block + "</body>\r</html>\r");
     EXPECT_EQ(_FetchHTMLlogfref(), 0);
+
+    // Where the file system keeps such things.
+    char finderInfo[32];
+    if (getxattr((folder / "measured.txt").c_str(), "user.com.apple.FinderInfo", finderInfo,
+                 sizeof finderInfo) == sizeof finderInfo) {
+        EXPECT_EQ(std::string(finderInfo, 8), "TEXTttxt");
+    }
 }
 
 TEST_F(Outputs, UnsavedDocumentsAndFailedRunsAreMeasuredToo) {
-    processResult = memFullErr;
+    testFilter.makeParameters = nullptr;
+    testFilter.processResult = memFullErr;
     EXPECT_EQ(Run(""), memFullErr);
-    processResult = noErr;
+    // The first version of what a host tells of a document says nothing of files.
+    EXPECT_EQ(Run("photo.tif", 0), memFullErr);
     std::string line = std::string(kLine) + "<not_saved>\tNOW\r";
     line.replace(line.find("a<b"), 3, "NULL");
-    EXPECT_EQ(File("measured.txt"), line);
+    EXPECT_EQ(File("measured.txt"), line + line);
+}
+
+TEST_F(Outputs, WithoutAPathThereIsNoFileAndWithoutItsTextNoLog) {
+    testFilter.declareSettings = [](RunContext *context, SPBlock *settings) {
+        DeclareEveryKind(context, settings);
+        SetMeasurementPath(context, "");
+    };
+    EXPECT_EQ(Run("empty.tif"), noErr);
+    testFilter.declareSettings = [](RunContext *context, SPBlock *settings) {
+        DeclareEveryKind(context, settings);
+        DisposeCString(context->preferenceStrings[kMeasurementPathSlot]);
+        context->preferenceStrings[kMeasurementPathSlot] = nullptr;
+    };
+    EXPECT_EQ(Run("none.tif"), noErr);
+    EXPECT_NE(File("empty/index.html"), "");
+    EXPECT_FALSE(exists(folder / "none"));
+    EXPECT_EQ(FileCount(), 1u);
+}
+
+// The file is there, but opening it, the second call after the path's, says that it is not: it is made anew.
+// Any other error leaves it alone.
+TEST_F(Outputs, AFileThatCannotBeCreatedIsDeletedFirst) {
+    constexpr char kBefore[] = "what stood there\r";
+    std::ofstream(folder / "measured.txt") << kBefore;
+    SPBlock *settings = _AllocateSPBlock(3);
+    AddSPOutputSettingLong(settings, kCountKey, 0, 9, 4);
+    RunContext context = {};
+    SetMeasurementPath(&context, "Disk:measured.txt");
+    faults::FailFileCall(2, ioErr);
+    WriteMeasurements(&context, settings);
+    EXPECT_EQ(File("measured.txt"), kBefore);
+    faults::FailFileCall(2, fnfErr);
+    WriteMeasurements(&context, settings);
+    EXPECT_EQ(File("measured.txt"), "Count\t4\tpieces\t");
+    DisposeCString(context.preferenceStrings[kMeasurementPathSlot]);
+    _DisposeSPBlock(settings);
+}
+
+TEST_F(Outputs, UnitsAreThoseOfThePreferences) {
+    struct Units {
+        float index;
+        float calibration;
+
+        bool operator==(const Units &) const = default;
+    };
+    constexpr float kPerPoint = 1.0f / 72.0f;
+    const struct {
+        Units remembered, used;
+        const char *area;
+    } cases[] = {
+        {{0, 5}, {6, kPerPoint}, "(in^2)"},  // never set
+        {{0, 0}, {6, kPerPoint}, "(in^2)"},   {{2, 0}, {2, 0}, "(in^2)"},
+        {{2, 1}, {2, 1}, "(mm^2)"},           {{2.9f, 1}, {2.9f, 1}, "(mm^2)"},
+        {{1, 1}, {1, 1}, "(\265m^2)"},        {{0.5f, 1}, {0.5f, 1}, "(in^2)"},
+        {{10, 1}, {10, 1}, "(nm^2)"},         {{10.5f, 1}, {10.5f, 1}, "(in^2)"},
+        {{-2, 1}, {-2, 1}, "(in^2)"},         {{1e30f, 1}, {1e30f, 1}, "(in^2)"},
+        {{-1e30f, 1}, {-1e30f, 1}, "(in^2)"},
+    };
+    const auto area = [&](Units remembered, Units *used) {
+        testFilter.declareSettings = [=](RunContext *context, SPBlock *settings) {
+            DeclareEveryKind(context, settings);
+            SetPreferenceFloat(context, kUnitIndexOffset, remembered.index);
+            SetPreferenceFloat(context, kLengthCalibrationOffset, remembered.calibration);
+        };
+        testFilter.makeParameters = [=](NamedImage *, const RunContext *context, SPBlock *) {
+            *used = {PreferenceFloat(context, kUnitIndexOffset),
+                     PreferenceFloat(context, kLengthCalibrationOffset)};
+        };
+        std::filesystem::remove(folder / "measured.txt");
+        EXPECT_EQ(Run("photo.tif"), noErr);
+        const std::string line = File("measured.txt");
+        return line.substr(line.find('('), line.find(')') + 1 - line.find('('));
+    };
+    for (const auto &c : cases) {
+        Units used;
+        EXPECT_EQ(area(c.remembered, &used), c.area) << c.remembered.index;
+        EXPECT_EQ(used, c.used) << c.remembered.index;
+    }
+    Units used;
+    EXPECT_EQ(area({NAN, 1}, &used), "(in^2)");
+}
+
+TEST_F(Outputs, ABlockHoldsTwentySettingsAndAnInputTooManyPushesTheLastOut) {
+    const auto declare = [](int inputsAfterwards) {
+        return [=](RunContext *context, SPBlock *settings) {
+            SetMeasurementPath(context, "Disk:measured.txt");
+            AddSPInputSettingLong(settings, FourCharCode("inpt"), 0, 9, 4);
+            for (int32_t i = 0; i < 30; ++i) {
+                AddSPOutputSettingLong(settings, kCountKey, 0, 99, i);
+            }
+            EXPECT_EQ(CountSPOutputs(settings), 19u);
+            for (int i = 0; i < inputsAfterwards; ++i) {
+                AddSPInputSettingLong(settings, FourCharCode("inpt"), 0, 9, 4);
+            }
+        };
+    };
+    const auto fields = [](int32_t first) {
+        std::string text;
+        for (int32_t i = first; i < 19; ++i) {
+            text += "Count\t" + std::to_string(i) + "\tpieces\t";
+        }
+        return text;
+    };
+    testFilter.makeParameters = nullptr;
+    for (const int inputsAfterwards : {0, 1}) {
+        testFilter.declareSettings = declare(inputsAfterwards);
+        std::filesystem::remove(folder / "measured.txt");
+        EXPECT_EQ(Run("photo.tif"), noErr);
+        EXPECT_EQ(File("measured.txt"), fields(inputsAfterwards));
+    }
 }
 
 }  // namespace

@@ -7,10 +7,10 @@
 #include "plugin/color_modes.h"
 #include "plugin/entry.h"
 #include "settings/setting_registry.h"
+#include "tests/support/filtered_image.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/script_host.h"
 #include "tests/support/test_host.h"
-#include "tests/support/test_images.h"
 #include "toolkit/filter_hooks.h"
 #include "toolkit/run_context.h"
 
@@ -40,28 +40,8 @@ TestDocument Document(int16_t mode, int32_t depth, int16_t planes, int16_t width
             {}};
 }
 
-// What the filter alone makes of a document without extra planes.
-std::vector<uint8_t> Filtered(const std::vector<uint8_t> &bytes, int16_t width, int16_t height,
-                              int bytesPerPixel, float radius) {
-    const TestImage source = {width, height, static_cast<int16_t>(bytesPerPixel), bytes};
-    NamedImage *image = MakeFrom(source);
-    FilterRecord record = {};
-    RunContext context = {};
-    context.width = width;
-    context.height = height;
-    context.colorPlanes = bytesPerPixel >= 3 ? 3 : 1;
-    context.filterRecord = &record;
-    FilterParameters values = {radius, 1};
-    Handle parameters = NewHandle(sizeof values);
-    std::memcpy(*parameters, &values, sizeof values);
-    SPBlock *settings = _AllocateSPBlock(22);
-    const auto process = bytesPerPixel % 2 == 0 ? ProcessImage16_48 : ProcessImage;
-    EXPECT_EQ(process(image, &context, parameters, settings, true), noErr);
-    std::vector<uint8_t> filtered = BytesOf(image);
-    TossImage(image);
-    DisposeHandle(parameters);
-    _DisposeSPBlock(settings);
-    return filtered;
+bool IsZero(const Rect &rect) {
+    return (rect.top | rect.left | rect.bottom | rect.right) == 0;
 }
 
 using Convert = void (*)(void *row, int32_t width);
@@ -97,7 +77,7 @@ std::vector<uint8_t> ColorsOfRow(const ModeCase &c, const uint8_t *row) {
     return colors;
 }
 
-// The document after the filter, put together from the conversions and the image pass.
+// The document after the filter, put together from the conversions and the filter.
 std::vector<uint8_t> ExpectedResult(const ModeCase &c, const TestDocument &document, float radius) {
     const int sampleBytes = c.depth / 8;
     const int filteredBytes = (c.colorPlanes == 4 ? 3 : c.colorPlanes) * sampleBytes;
@@ -110,7 +90,8 @@ std::vector<uint8_t> ExpectedResult(const ModeCase &c, const TestDocument &docum
         }
         seen.insert(seen.end(), row.begin(), row.begin() + kWidth * filteredBytes);
     }
-    const std::vector<uint8_t> filtered = Filtered(seen, kWidth, kHeight, filteredBytes, radius);
+    const std::vector<uint8_t> filtered =
+        Filtered({kWidth, kHeight, static_cast<int16_t>(filteredBytes), seen}, radius);
     std::vector<uint8_t> expected = document.source;
     for (int y = 0; y < kHeight; ++y) {
         std::vector<uint8_t> row(filtered.begin() + y * kWidth * filteredBytes,
@@ -173,7 +154,8 @@ TEST_F(Run, FiltersTheColorPlanesAndNothingElse) {
 }
 
 TEST_F(Run, AsksForRowsInOrderAndTellsProgress) {
-    const TestDocument document = Document(plugInModeRGBColor, 8, 3, 4, 2);
+    TestDocument document = Document(plugInModeRGBColor, 8, 3, 4, 2);
+    document.mask.assign(8, 255);
     const TestRun run = Play(document, 2);
     EXPECT_EQ(run.requestedTops, (std::vector<int16_t>{5, 6, 5, 5, 6}));
     std::vector<std::pair<int32_t, int32_t>> expected = {{0, 12}, {1, 12}};
@@ -185,10 +167,8 @@ TEST_F(Run, AsksForRowsInOrderAndTellsProgress) {
     }
     expected.insert(expected.end(), {{4, 6}, {5, 6}, {10, 12}, {11, 12}});
     EXPECT_EQ(run.progress, expected);
-    const Rect &rect = run.record.inRect;
-    EXPECT_EQ(rect.top | rect.left | rect.bottom | rect.right, 0);
+    EXPECT_TRUE(IsZero(run.record.inRect) && IsZero(run.record.outRect) && IsZero(run.record.maskRect));
     EXPECT_EQ(run.record.bufferSpace, 0);
-    EXPECT_EQ(run.record.inHiPlane, 2);
 }
 
 TEST_F(Run, CancelLeavesTheDocumentUntouched) {
@@ -261,30 +241,31 @@ TEST_F(Run, RefusesWhatItCannotFilter) {
     EXPECT_EQ(RunPlugin(Document(plugInModeGrayScale, 8, 1, 4, 4), {}).result, userCanceledErr);
 }
 
-TEST_F(Run, RecordsTheRadiusThatWasUsed) {
-    const std::pair<double, float> cases[] = {{2, 2}, {3.5, 3.5f}, {0.5, 1}, {9, 1}};
-    for (const auto &[played, used] : cases) {
-        Play(Document(plugInModeGrayScale, 8, 1, 4, 4), played);
-        EXPECT_EQ(script::recorded, (std::vector<script::Item>{{kRadiusKey, typeFloat, used}})) << played;
+// Images count the bytes of a pixel in 16 bits.
+TEST_F(Run, RefusesPixelsThatNoImageCanHave) {
+    const struct {
+        int16_t mode;
+        int32_t depth;
+        int16_t planes;
+        OSErr result;
+    } cases[] = {
+        {plugInModeRGBColor, 8, 32767, noErr},       {plugInModeRGB48, 16, 16383, noErr},
+        {plugInModeRGB48, 16, 16384, filterBadMode}, {plugInModeGray32, 32, 8191, noErr},
+        {plugInModeGray32, 32, 8192, filterBadMode}, {plugInModeRGB96, 32, 8200, filterBadMode},
+    };
+    for (const auto &c : cases) {
+        const TestRun run = Play(Document(c.mode, c.depth, c.planes, 2, 1), 2);
+        EXPECT_EQ(run.result, c.result) << c.planes;
+        EXPECT_EQ(run.requestedTops.size(), c.result == noErr ? 3u : 0u) << c.planes;
     }
 }
 
-// The mask that the filter is offered cannot be seen from outside; that the run survives each kind can.
-TEST_F(Run, MasksOfEveryKindAreTaken) {
-    for (const int16_t mode : {plugInModeRGBColor, plugInModeRGB48, plugInModeRGB96}) {
-        const int32_t depth = mode == plugInModeRGBColor ? 8 : mode == plugInModeRGB48 ? 16 : 32;
-        for (const int16_t planes : {int16_t{3}, int16_t{5}}) {
-            TestDocument document = Document(mode, depth, planes, 10, 4);
-            std::fill_n(document.source.begin() + RowBytes(document), RowBytes(document), uint8_t{0});
-            const std::vector<uint8_t> without = Play(document, 1).destination;
-            for (const uint8_t lowest : {uint8_t{0}, uint8_t{200}}) {
-                document.mask.assign(40, 255);
-                document.mask[17] = lowest;
-                const TestRun run = Play(document, 1);
-                EXPECT_EQ(run.result, noErr);
-                EXPECT_EQ(run.destination, without);
-            }
-        }
+// What the declared maximum does not admit leaves the radius remembered.
+TEST_F(Run, RecordsTheRadiusThatWasUsed) {
+    const std::pair<double, float> cases[] = {{2, 2}, {3.5, 3.5f}, {0.5, 1}, {9, 1}, {4, 4}, {5, 4}};
+    for (const auto &[played, used] : cases) {
+        Play(Document(plugInModeGrayScale, 8, 1, 4, 4), played);
+        EXPECT_EQ(script::recorded, (std::vector<script::Item>{{kRadiusKey, typeFloat, used}})) << played;
     }
 }
 
@@ -313,6 +294,7 @@ TEST_F(Run, LeftOversOfDeadRunsGoAndLivingRunsKeepTheirs) {
 
 TEST_F(Run, SelectorsAnswerAndKeepTheirState) {
     FilterRecord record = {};
+    record.bufferSpace = 77;
     intptr_t data = 0;
     int16_t result = 7;
     faults::FailAllocation(1);
@@ -320,30 +302,63 @@ TEST_F(Run, SelectorsAnswerAndKeepTheirState) {
     EXPECT_EQ(result, memFullErr);
     EXPECT_EQ(data, 0);
 
-    PluginMain(filterSelectorAbout, nullptr, &data, &result);
-    EXPECT_EQ(result, noErr);
+    const auto call = [&](int selector) {
+        PluginMain(static_cast<int16_t>(selector), selector == filterSelectorAbout ? nullptr : &record, &data,
+                   &result);
+        return result;
+    };
+    const auto state = [&] { return reinterpret_cast<PluginState *>(*reinterpret_cast<Handle>(data)); };
+    EXPECT_EQ(call(filterSelectorAbout), noErr);
     ASSERT_NE(data, 0);
     for (const int unknown : {-1, 6, 32767}) {
-        PluginMain(static_cast<int16_t>(unknown), &record, &data, &result);
-        EXPECT_EQ(result, filterBadParameters);
+        EXPECT_EQ(call(unknown), filterBadParameters);
     }
+    EXPECT_EQ(record.bufferSpace, 77);
+    EXPECT_EQ(call(filterSelectorPrepare), noErr);
+    EXPECT_EQ(record.bufferSpace, 0);
+
     faults::FailAllocation(1);
-    PluginMain(filterSelectorParameters, &record, &data, &result);
-    EXPECT_EQ(result, memFullErr);
-    for (int round = 0; round < 2; ++round) {
-        PluginMain(filterSelectorParameters, &record, &data, &result);
+    EXPECT_EQ(call(filterSelectorParameters), memFullErr);
+    EXPECT_EQ(record.parameters, nullptr);
+    EXPECT_FALSE(state()->parametersSet);
+    // Of a handle that is there the first word stays as it is.
+    for (const int16_t mark : {int16_t{50}, int16_t{3}}) {
+        EXPECT_EQ(call(filterSelectorParameters), noErr);
+        EXPECT_TRUE(state()->parametersSet);
         int16_t words[2];
         std::memcpy(words, *record.parameters, sizeof words);
-        EXPECT_EQ(words[0], 50);
+        EXPECT_EQ(words[0], mark);
         EXPECT_EQ(words[1], 1);
-        std::memset(*record.parameters + 2, 9, 2);
+        const int16_t others[2] = {3, 9};
+        std::memcpy(*record.parameters, others, sizeof others);
     }
     DisposeHandle(record.parameters);
-    // Continue and Finish without a Start find nothing to do.
-    for (const int16_t selector : {filterSelectorContinue, filterSelectorFinish}) {
-        PluginMain(selector, &record, &data, &result);
-        EXPECT_EQ(result, noErr);
+
+    // Nothing is to be done without a Start, nor after one with an empty rectangle, whatever was asked for.
+    for (const int selector : {filterSelectorContinue, filterSelectorStart}) {
+        record.filterRect = {5, 9, 5, 20};
+        record.inRect = {1, 2, 3, 4};
+        record.outRect = {5, 6, 7, 8};
+        EXPECT_EQ(call(selector), noErr);
+        EXPECT_TRUE(IsZero(record.inRect) && IsZero(record.outRect)) << selector;
+        EXPECT_EQ(state()->phase, phaseIdle);
     }
+    // One pixel wider than any image.
+    record.filterRect = {0, -1, 1, 32767};
+    EXPECT_EQ(call(filterSelectorStart), filterBadParameters);
+    EXPECT_EQ(state()->phase, phaseDone);
+    record.filterRect = {};
+
+    // The selection is the one image that Finish leaves; the next Start takes it.
+    EXPECT_EQ(MakeImage(2, 2, 1, &state()->image), noErr);
+    EXPECT_EQ(MakeAlphaImage(2, 2, 1, &state()->alphaImage), noErr);
+    EXPECT_EQ(MakeSelectionImage(2, 2, 1, &state()->selectionImage), noErr);
+    EXPECT_EQ(call(filterSelectorFinish), noErr);
+    EXPECT_EQ(state()->image, nullptr);
+    EXPECT_EQ(state()->alphaImage, nullptr);
+    EXPECT_NE(state()->selectionImage, nullptr);
+    EXPECT_EQ(call(filterSelectorStart), noErr);
+    EXPECT_EQ(state()->selectionImage, nullptr);
     DisposeHandle(reinterpret_cast<Handle>(data));
 }
 

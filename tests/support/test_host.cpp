@@ -1,5 +1,7 @@
 #include "tests/support/test_host.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cstring>
 
@@ -31,9 +33,26 @@ void StoreOutput() {
     }
 }
 
+// A run asks for one row of all planes at a time.
+void ExpectOneRow(const Rect &rect) {
+    const Rect &bounds = session->document->bounds;
+    EXPECT_EQ(rect.bottom, rect.top + 1);
+    EXPECT_EQ(rect.left, bounds.left);
+    EXPECT_EQ(rect.right, bounds.right);
+}
+
 void DeliverRow() {
     const TestDocument &document = *session->document;
     FilterRecord &record = session->run.record;
+    ExpectOneRow(record.inRect);
+    ExpectOneRow(record.outRect);
+    EXPECT_EQ(record.inLoPlane, 0);
+    EXPECT_EQ(record.outLoPlane, 0);
+    EXPECT_EQ(record.inHiPlane, document.planes - 1);
+    EXPECT_EQ(record.outHiPlane, document.planes - 1);
+    if (record.haveMask) {
+        ExpectOneRow(record.maskRect);
+    }
     const int32_t rowBytes = RowBytes(document);
     const auto fetch = [&](const std::vector<uint8_t> &from, int32_t row, int32_t bytes,
                            std::vector<uint8_t> *to) {
@@ -54,8 +73,18 @@ void DeliverRow() {
     record.maskRowBytes = width + static_cast<int32_t>(kPadding);
 }
 
+// Every row is read and written, and in between comes the filter.
+size_t MostRequests() {
+    const Rect &bounds = session->document->bounds;
+    return 2 * static_cast<size_t>(bounds.bottom - bounds.top) + 1;
+}
+
 OSErr AdvanceState() {
     StoreOutput();
+    if (session->run.requestedTops.size() == MostRequests()) {
+        ADD_FAILURE() << "the run asks for more rows than there are";
+        return ioErr;
+    }
     session->run.requestedTops.push_back(session->run.record.inRect.top);
     DeliverRow();
     return noErr;
@@ -74,6 +103,7 @@ void FillRecord() {
     record.depth = document.depth;
     record.haveMask = !document.mask.empty();
     record.advanceState = session->options->advanceState ? AdvanceState : nullptr;
+    record.bufferSpace = 77;
     record.descriptorParameters = session->options->descriptorParameters;
     record.documentInfo = session->options->documentInfo;
     record.progressProc = [](int32_t done, int32_t total) {
@@ -106,7 +136,9 @@ TestRun RunPlugin(const TestDocument &document, const TestHostOptions &options) 
     const auto goesOn = [&] { return current.run.result == noErr || options.ignoreErrors; };
     if (goesOn()) {
         while (goesOn() && WantsMore()) {
-            AdvanceState();
+            if (AdvanceState() != noErr) {
+                break;
+            }
             PluginMain(filterSelectorContinue, record, &data, &result);
             current.run.result = current.run.result == noErr ? result : current.run.result;
         }

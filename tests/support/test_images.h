@@ -1,6 +1,8 @@
 // Images that tests filter, and how they are compared.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <random>
 #include <vector>
