@@ -9,7 +9,7 @@
 
 #include "median/hybrid_filter.h"
 #include "median/kernel/hybrid_kernel.h"
-#include "median/plain_filter.h"
+#include "median/plain/plain_filter.h"
 
 namespace {
 

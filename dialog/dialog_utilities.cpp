@@ -4,8 +4,8 @@
 
 #include "platform/gestalt.h"
 #include "platform/memory.h"
-#include "platform/number_text.h"
 #include "platform/resources.h"
+#include "platform/text_utils.h"
 
 ModalFilterUPP gFilterProc;
 

@@ -2,10 +2,11 @@
 // either side.
 #pragma once
 
+#include "hybridmedian/public.h"
 #include "toolkit/run_context.h"
 
 // The largest radius: so far does the filter look.
-constexpr int32_t kLineMargin = 6;
+constexpr int32_t kLineMargin = kMaxRadius;
 
 struct LineLayout {
     int32_t width;

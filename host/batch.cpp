@@ -9,7 +9,6 @@
 
 #include "host/interrupt.h"
 #include "host/progress_bar.h"
-#include "host/report/tell.h"
 #include "host/work/band_workers.h"
 #include "host/work/picture_filter.h"
 #include "host/work/worker_job.h"

@@ -13,7 +13,6 @@
 #include "host/options.h"
 #include "host/picture/vips_library.h"
 #include "host/preferences_folder.h"
-#include "host/report/tell.h"
 #include "host/work/worker.h"
 #include "host/work/worker_pool.h"
 
@@ -44,7 +43,7 @@ MaybeFailure Prepare(const Options &options, FilterSettings *settings, std::vect
     if (MaybeFailure failure = OpenPlugin(options.pluginFolder, &plugin)) {
         return failure;
     }
-    return options.dialog ? ShowDialogs() : std::nullopt;
+    return options.dialog ? ShowDialogs(Interrupted) : std::nullopt;
 }
 
 int Run(const Options &options) {

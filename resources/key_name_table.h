@@ -5,6 +5,4 @@
 #include <cstdint>
 #include <vector>
 
-constexpr int16_t kKeyNameTableID = 9999;
-
 std::vector<uint8_t> KeyNameTable();

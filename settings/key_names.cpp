@@ -4,6 +4,7 @@
 #include <cstring>
 #include <iterator>
 
+#include "hybridmedian/public.h"
 #include "imagestore/strings.h"
 #include "log/number_text.h"
 #include "platform/date_time.h"
@@ -13,7 +14,6 @@
 namespace {
 
 constexpr OSType kTableType = FourCharCode("TEXT");
-constexpr int16_t kTableID = 9999;
 constexpr int64_t kRecordSize = 64;
 constexpr int64_t kNameOffset = 5;
 constexpr int64_t kUnitsOffset = 48;
@@ -26,7 +26,7 @@ struct Record {
 };
 
 bool FindRecord(OSType key, Record *record) {
-    const Handle table = GetResource(kTableType, kTableID);
+    const Handle table = GetResource(kTableType, kKeyNameTableID);
     const int64_t size = GetHandleSize(table);
     for (int64_t at = kRecordSize; at + kRecordSize <= size; at += kRecordSize) {
         if (CStringToOSType(*table + at) != key) {

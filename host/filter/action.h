@@ -7,11 +7,9 @@
 #include <string_view>
 #include <vector>
 
+#include "hybridmedian/public.h"
 #include "photoshop/descriptors.h"
 #include "platform/types.h"
-
-constexpr OSType kHybridMedianEvent = FourCharCode("HyMd");
-constexpr OSType kRadiusKey = FourCharCode("nRad");
 
 // Which members hold the value goes by the type; the others stay zero.
 struct ActionItem {

@@ -19,7 +19,6 @@ constexpr int16_t kFlatImageWithSelection = 2;
 constexpr Fixed kFixedOne = 1 << 16;
 constexpr int32_t kRowAlignment = 64;
 constexpr uint8_t kSelected = 255;
-constexpr int16_t kRadiusField = 5;  // of the filter's dialog
 
 // Rows as the filter has them; null while it asks for none.
 struct Delivery {
@@ -291,7 +290,7 @@ FilterOutcome RunFilter(const FilterRequest &request) {
     Run run = {};
     if (request.dialog.use == FilterDialog::Use::answered) {
         answers = {};
-        answers.actions = user::Answer(kRadiusField, std::to_string(request.dialog.radius));
+        answers.actions = user::Answer(kRadiusFieldItem, std::to_string(request.dialog.radius));
         UseScriptedDialogs(&answers);
     }
     run.request = &request;

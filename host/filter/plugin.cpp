@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "host/picture/picture_mode.h"
+#include "host/document/document_mode.h"
+#include "hybridmedian/public.h"
 #include "photoshop/property_list.h"
 #include "platform/files.h"
 #include "platform/memory.h"
@@ -15,7 +16,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr char kResourceName[] = "HybridMedian.rsrc";
-constexpr int16_t kPropertyListID = 16000;
 
 MaybeFailure OpenResources(const std::string &path, int16_t *resources) {
     std::error_code error;

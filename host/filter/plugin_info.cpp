@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "host/picture/picture_mode.h"
+#include "host/document/document_mode.h"
 #include "photoshop/image_modes.h"
 #include "photoshop/property_list.h"
 #include "platform/mac_roman.h"

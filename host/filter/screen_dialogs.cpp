@@ -1,6 +1,5 @@
 #include "host/filter/screen_dialogs.h"
 
-#include "host/interrupt.h"
 #include "platform/dialog_backend.h"
 
 namespace {
@@ -9,19 +8,21 @@ namespace {
 // now and then even when the user does nothing.
 DialogBackend backend;
 bool (*nextEventOnScreen)(DialogRecord *dialog, EventRecord *event);
+bool (*isInterrupted)();
 
 bool NextEvent(DialogRecord *dialog, EventRecord *event) {
-    return !Interrupted() && nextEventOnScreen(dialog, event);
+    return !isInterrupted() && nextEventOnScreen(dialog, event);
 }
 
 }  // namespace
 
-MaybeFailure ShowDialogs() {
+MaybeFailure ShowDialogs(bool (*interrupted)()) {
     if (const OSErr problem = UseScreenDialogs(); problem != noErr) {
         return Failure{kExitFailed, ScreenDialogProblem(problem)};
     }
     backend = CurrentDialogBackend();
     nextEventOnScreen = backend.nextEvent;
+    isInterrupted = interrupted;
     backend.nextEvent = NextEvent;
     SetDialogBackend(&backend);
     return std::nullopt;

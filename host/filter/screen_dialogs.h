@@ -3,6 +3,6 @@
 
 #include "host/report/failure.h"
 
-// From now on dialogs are shown; an interrupt cancels them. Fails without a display, or without what shows
-// them.
-MaybeFailure ShowDialogs();
+// From now on dialogs are shown, and cancelled once `interrupted` says so. Fails without a display, or
+// without what shows them.
+MaybeFailure ShowDialogs(bool (*interrupted)());

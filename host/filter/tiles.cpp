@@ -1,4 +1,5 @@
 #include "host/filter/tiles.h"
+#include "hybridmedian/public.h"
 
 #include <algorithm>
 #include <cstring>
@@ -6,7 +7,7 @@
 namespace {
 
 // As far as the filter looks to each side at its largest radius.
-constexpr int32_t kMargin = 6;
+constexpr int32_t kMargin = kMaxRadius;
 // A band takes as long as several starts of a worker.
 constexpr int64_t kMinBandPixels = 1 << 17;
 constexpr int32_t kMinBandRows = 8 * kMargin;

@@ -43,15 +43,16 @@ Image Apply(Image image, Operation operation) {
     return Image(image != nullptr && operation(image.get(), &made) == 0 ? made : nullptr);
 }
 
-Image Scaled(Image image, const PictureMode &mode) {
-    const auto *scale = std::find_if(std::begin(kScales), std::end(kScales),
-                                     [&](const Scale &known) { return known.imageMode == mode.imageMode; });
+Image Scaled(Image image, const Document &document) {
+    const auto *scale = std::find_if(std::begin(kScales), std::end(kScales), [&](const Scale &known) {
+        return known.imageMode == document.imageMode;
+    });
     if (scale == std::end(kScales)) {
         return image;
     }
     image = Apply(std::move(image), [&](VipsImage *in, VipsImage **out) {
-        return vips_linear(in, out, scale->factors, scale->offsets, mode.colorPlanes, "uchar", scale->bytes,
-                           nullptr);
+        return vips_linear(in, out, scale->factors, scale->offsets, document.colorPlanes, "uchar",
+                           scale->bytes, nullptr);
     });
     return Apply(std::move(image), [&](VipsImage *in, VipsImage **out) {
         return vips_copy(in, out, "interpretation", scale->interpretation, nullptr);
@@ -97,9 +98,9 @@ Image ViewOf(const Picture &picture, const PixelBlock &pixels) {
     image = Middle(Apply(std::move(image),
                          [](VipsImage *in, VipsImage **out) { return vips_autorot(in, out, nullptr); }));
     image = Apply(std::move(image), [&](VipsImage *in, VipsImage **out) {
-        return vips_extract_band(in, out, 0, "n", mode.colorPlanes, nullptr);
+        return vips_extract_band(in, out, 0, "n", document.colorPlanes, nullptr);
     });
-    return InDisplayColors(Scaled(std::move(image), mode));
+    return InDisplayColors(Scaled(std::move(image), document));
 }
 
 }  // namespace

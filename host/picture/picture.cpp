@@ -150,8 +150,8 @@ Fixed PixelsPerInch(double pixelsPerMillimeter) {
 
 void FillShape(VipsImage *image, const PictureMode &mode, VipsImage *metadata, Document *document) {
     document->imageMode = mode.imageMode;
-    document->depth = mode.depth;
-    document->colorPlanes = mode.colorPlanes;
+    document->depth = ModeOf(mode.imageMode).depth;
+    document->colorPlanes = ModeOf(mode.imageMode).colorPlanes;
     document->planes = PlanesOf(image);
     document->width = vips_image_get_width(image);
     document->height = vips_image_get_height(image);
@@ -297,7 +297,7 @@ std::string SizeOf(const Document &document) {
 std::string DescribePicture(const Picture &picture) {
     const Document &document = picture.document;
     const int32_t extraPlanes = document.planes - document.colorPlanes;
-    std::string text = SizeOf(document) + " " + ModeOfDocument(document.imageMode).name;
+    std::string text = SizeOf(document) + " " + ModeOf(document.imageMode).colors;
     if (extraPlanes > 0) {
         text +=
             " and " + std::to_string(extraPlanes) + (extraPlanes == 1 ? " extra channel" : " extra channels");

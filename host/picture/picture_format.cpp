@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <iterator>
 
-#include "host/picture/picture_mode.h"
+#include "host/document/document_mode.h"
 
 namespace {
 
@@ -62,7 +62,7 @@ constexpr PictureFormat kFormats[] = {
 constexpr std::string_view kEverywhere[] = {"grey", "RGB"};
 
 bool HoldsColors(const PictureFormat &format, const Document &document) {
-    const std::string_view space = ModeOfDocument(document.imageMode).name;
+    const std::string_view space = ModeOf(document.imageMode).colors;
     return format.furtherSpaces.find(space) != std::string_view::npos ||
            std::find(std::begin(kEverywhere), std::end(kEverywhere), space) != std::end(kEverywhere);
 }
@@ -116,7 +116,7 @@ MaybeFailure CheckFormatHolds(const PictureFormat &format, const Document &docum
         bool refused;
         std::string what;
     } checks[] = {
-        {!HoldsColors(format, document), std::string(ModeOfDocument(document.imageMode).name) + " colours"},
+        {!HoldsColors(format, document), std::string(ModeOf(document.imageMode).colors) + " colours"},
         {document.depth > format.maxDepth, std::to_string(document.depth) + "-bit samples"},
         {ExtraPlanes(document) > format.maxExtraPlanes,
          ExtraPlanes(document) == 1 ? "extra channel"

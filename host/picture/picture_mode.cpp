@@ -9,33 +9,16 @@
 namespace {
 
 constexpr PictureMode kModes[] = {
-    {plugInModeGrayScale, 8, 1, "grey", VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_B_W, {}},
-    {plugInModeGray16, 16, 1, "grey", VIPS_FORMAT_USHORT, VIPS_INTERPRETATION_GREY16, {}},
-    {plugInModeGray32, 32, 1, "grey", VIPS_FORMAT_FLOAT, VIPS_INTERPRETATION_B_W, {}},
-    {plugInModeRGBColor, 8, 3, "RGB", VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_sRGB, {}},
-    {plugInModeRGB48, 16, 3, "RGB", VIPS_FORMAT_USHORT, VIPS_INTERPRETATION_RGB16, {}},
-    {plugInModeRGB96, 32, 3, "RGB", VIPS_FORMAT_FLOAT, VIPS_INTERPRETATION_scRGB, {}},
-    {plugInModeLabColor, 8, 3, "Lab", VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_LAB, {0, 0x80, 0x80}},
-    {plugInModeLab48, 16, 3, "Lab", VIPS_FORMAT_USHORT, VIPS_INTERPRETATION_LAB, {0, 0x8000, 0x8000}},
-    {plugInModeCMYKColor, 8, 4, "CMYK", VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_CMYK, {255, 255, 255, 255}},
-    {plugInModeCMYK64, 16, 4, "CMYK", VIPS_FORMAT_USHORT, VIPS_INTERPRETATION_CMYK, {}},
-};
-
-// Of the interface's modes that no document here has.
-struct ForeignMode {
-    int16_t imageMode;
-    const char *name;
-};
-
-constexpr ForeignMode kForeignModes[] = {
-    {plugInModeBitmap, "bilevel"},
-    {plugInModeIndexedColor, "indexed"},
-    {plugInModeHSLColor, "HSL"},
-    {plugInModeHSBColor, "HSB"},
-    {plugInModeMultichannel, "multichannel 8"},
-    {plugInModeDuotone, "duotone 8"},
-    {plugInModeDeepMultichannel, "multichannel 16"},
-    {plugInModeDuotone16, "duotone 16"},
+    {plugInModeGrayScale, VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_B_W, {}},
+    {plugInModeGray16, VIPS_FORMAT_USHORT, VIPS_INTERPRETATION_GREY16, {}},
+    {plugInModeGray32, VIPS_FORMAT_FLOAT, VIPS_INTERPRETATION_B_W, {}},
+    {plugInModeRGBColor, VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_sRGB, {}},
+    {plugInModeRGB48, VIPS_FORMAT_USHORT, VIPS_INTERPRETATION_RGB16, {}},
+    {plugInModeRGB96, VIPS_FORMAT_FLOAT, VIPS_INTERPRETATION_scRGB, {}},
+    {plugInModeLabColor, VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_LAB, {0, 0x80, 0x80}},
+    {plugInModeLab48, VIPS_FORMAT_USHORT, VIPS_INTERPRETATION_LAB, {0, 0x8000, 0x8000}},
+    {plugInModeCMYKColor, VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_CMYK, {255, 255, 255, 255}},
+    {plugInModeCMYK64, VIPS_FORMAT_USHORT, VIPS_INTERPRETATION_CMYK, {}},
 };
 
 struct ColorSpace {
@@ -68,7 +51,8 @@ const PictureMode *ModeOfFile(VipsInterpretation interpretation, VipsBandFormat 
     const bool signedLab = format == VIPS_FORMAT_SHORT && interpretation == VIPS_INTERPRETATION_LABS;
     const VipsBandFormat kept = !signedLab ? format : depth == 8 ? VIPS_FORMAT_UCHAR : VIPS_FORMAT_USHORT;
     const auto *found = std::find_if(std::begin(kModes), std::end(kModes), [=](const PictureMode &mode) {
-        return space != nullptr && std::strcmp(mode.name, space->name) == 0 && mode.format == kept;
+        return space != nullptr && std::strcmp(ModeOf(mode.imageMode).colors, space->name) == 0 &&
+               mode.format == kept;
     });
     return found == std::end(kModes) ? nullptr : found;
 }
@@ -76,16 +60,6 @@ const PictureMode *ModeOfFile(VipsInterpretation interpretation, VipsBandFormat 
 const PictureMode &ModeOfDocument(int16_t imageMode) {
     return *std::find_if(std::begin(kModes), std::end(kModes),
                          [=](const PictureMode &mode) { return mode.imageMode == imageMode; });
-}
-
-std::string ModeName(int16_t imageMode) {
-    const auto *foreign = std::find_if(std::begin(kForeignModes), std::end(kForeignModes),
-                                       [=](const ForeignMode &mode) { return mode.imageMode == imageMode; });
-    if (foreign != std::end(kForeignModes)) {
-        return foreign->name;
-    }
-    const PictureMode &mode = ModeOfDocument(imageMode);
-    return std::string(mode.name) + " " + std::to_string(mode.depth);
 }
 
 int32_t ColorPlanesOf(VipsInterpretation interpretation) {

@@ -7,13 +7,10 @@
 #include <cstdint>
 #include <string>
 
-constexpr int32_t kMaxColorPlanes = 4;
+#include "host/document/document_mode.h"
 
 struct PictureMode {
     int16_t imageMode;  // as in photoshop/image_modes.h
-    int32_t depth;
-    int32_t colorPlanes;
-    const char *name;  // of the colour space
     VipsBandFormat format;
     VipsInterpretation interpretation;  // what a file of this kind is written with
     // Bits in which a document's colour samples differ from a file's: 8-bit CMYK is inverted, a and b of Lab
@@ -26,9 +23,6 @@ struct PictureMode {
 const PictureMode *ModeOfFile(VipsInterpretation interpretation, VipsBandFormat format, int32_t depth);
 // Of a document's mode, which is always known.
 const PictureMode &ModeOfDocument(int16_t imageMode);
-
-// "grey 8"; of any mode of the interface.
-std::string ModeName(int16_t imageMode);
 
 // 0 for a colour space that is not supported.
 int32_t ColorPlanesOf(VipsInterpretation interpretation);

@@ -77,7 +77,7 @@ void TakeSamples(Delivered delivered, const void *row, const Document &document,
     kTake[static_cast<int>(delivered)](row, document, samples);
     const PictureMode &mode = ModeOfDocument(document.imageMode);
     // The last colour plane is flipped in every mode that has flips.
-    if (mode.flips[mode.colorPlanes - 1] != 0) {
+    if (mode.flips[document.colorPlanes - 1] != 0) {
         (document.depth == 8 ? Flip<uint8_t> : Flip<uint16_t>)(mode.flips, document, samples);
     }
 }

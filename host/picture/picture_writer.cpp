@@ -16,16 +16,17 @@ void FollowWriting(VipsImage *image, VipsProgress *progress, void *data) {
 }
 
 // As files have it. Exclusive or with nothing leaves further channels as they are.
-OwnedObject<VipsImage> Flipped(OwnedObject<VipsImage> image, const PictureMode &mode) {
-    if (image == nullptr || mode.flips[mode.colorPlanes - 1] == 0) {
+OwnedObject<VipsImage> Flipped(OwnedObject<VipsImage> image, const Document &document) {
+    const auto &flipped = ModeOfDocument(document.imageMode).flips;
+    if (image == nullptr || flipped[document.colorPlanes - 1] == 0) {
         return image;
     }
     std::vector<double> flips(static_cast<size_t>(vips_image_get_bands(image.get())));
-    std::copy_n(mode.flips, mode.colorPlanes, flips.begin());
-    VipsImage *flipped = nullptr;
-    vips_boolean_const(image.get(), &flipped, VIPS_OPERATION_BOOLEAN_EOR, flips.data(),
+    std::copy_n(flipped, document.colorPlanes, flips.begin());
+    VipsImage *made = nullptr;
+    vips_boolean_const(image.get(), &made, VIPS_OPERATION_BOOLEAN_EOR, flips.data(),
                        static_cast<int>(flips.size()), nullptr);
-    return OwnedObject<VipsImage>(flipped);
+    return OwnedObject<VipsImage>(made);
 }
 
 // Shows the destination's pixels without copying them.
@@ -35,7 +36,7 @@ OwnedObject<VipsImage> ImageOf(const Picture &picture) {
     OwnedObject<VipsImage> image(
         vips_image_new_from_memory(document.destination.get(), static_cast<size_t>(PixelBytes(document)),
                                    document.width, document.height, document.planes, mode.format));
-    image = Flipped(std::move(image), mode);
+    image = Flipped(std::move(image), document);
     if (image != nullptr) {
         image->Type = mode.interpretation;
         CopyMetadata(picture.metadata.get(), image.get());

@@ -24,3 +24,6 @@ inline Failure FileFailure(const std::string &file, const std::string &reason) {
 inline Failure Interruption(const std::string &file) {
     return {kExitInterrupted, file + ": interrupted, nothing was written."};
 }
+
+// Tells the user, in one line on standard error. Returns the failure's status.
+int Tell(Failure failure);

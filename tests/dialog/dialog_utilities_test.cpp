@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "platform/memory.h"
-#include "platform/number_text.h"
+#include "platform/text_utils.h"
 #include "tests/support/dialog_session.h"
 
 namespace {
@@ -114,7 +114,8 @@ TEST_F(DialogUtilities, CenterOnTheScreen) {
 TEST_F(DialogUtilities, TextGoesToItemsAndTitlesToControls) {
     DialogRef dialog = Open();
     Str255 text;
-    for (const int16_t item : std::initializer_list<int16_t>{kOK, kCheckBox, 4, kField}) {
+    for (const int16_t item :
+         std::initializer_list<int16_t>{kOKItem, kPreviewCheckBoxItem, 4, kRadiusFieldItem}) {
         SetDNum(dialog, item, -120 - item);
         EXPECT_EQ(GetDNum(dialog, item), -120 - item) << item;
     }
@@ -123,7 +124,7 @@ TEST_F(DialogUtilities, TextGoesToItemsAndTitlesToControls) {
         int16_t oldType;
         Handle handle;
         Rect bounds;
-        const int16_t item = (type & 0x7F) == kButtonDialogItem ? kOK : kField;
+        const int16_t item = (type & 0x7F) == kButtonDialogItem ? kOKItem : kRadiusFieldItem;
         GetDialogItem(dialog, item, &oldType, &handle, &bounds);
         SetDialogItem(dialog, item, type, handle, &bounds);
         SetDText(dialog, item, Title("17 px").bytes);
@@ -138,8 +139,8 @@ TEST_F(DialogUtilities, TextGoesToItemsAndTitlesToControls) {
         EXPECT_EQ(text[0], 0) << item;
         SetDGItem(dialog, item, 1);
     }
-    SetDText(dialog, kField, Title("none").bytes);
-    EXPECT_EQ(GetDNum(dialog, kField), 0);
+    SetDText(dialog, kRadiusFieldItem, Title("none").bytes);
+    EXPECT_EQ(GetDNum(dialog, kRadiusFieldItem), 0);
     DisposeDialog(dialog);
 }
 
@@ -218,8 +219,8 @@ TEST_F(DialogUtilities, ThePlainBoxCannotBeDraggedAndBarsFollowTheWindow) {
     EXPECT_EQ(plain.Last().bounds.left, plain.states.front().bounds.left);
     InstallDialog(100, 80);
     const DialogOutcome moved =
-        Run(image, 2, {user::DragWindow(90, 130), user::Press(kAcross, kControlUpButtonPart)});
-    EXPECT_EQ(moved.Value(kAcross), 74);
+        Run(image, 2, {user::DragWindow(90, 130), user::Press(kHorizontalBarItem, kControlUpButtonPart)});
+    EXPECT_EQ(moved.Value(kHorizontalBarItem), 74);
 }
 
 // What an extra filter finds, and what it does.
@@ -239,7 +240,7 @@ TEST_F(DialogUtilities, ExtraFilterComesFirstAndSeesTheWindowsOwnReference) {
     extra = {{}, 77};
     session.actions = {Event(nullEvent), Key('4'), Key(kReturnCharCode)};
     DialogRef dialog = Open();
-    OutlineButton(dialog, kOK);
+    OutlineButton(dialog, kOKItem);
     SetWRefCon(GetDialogWindow(dialog), 1000);
     int16_t item = 0;
     hostEvents.clear();
@@ -254,7 +255,7 @@ TEST_F(DialogUtilities, ExtraFilterComesFirstAndSeesTheWindowsOwnReference) {
     GrafPtr before;
     GetPort(&before);
     MoveableModalDialog(dialog, nullptr, nullptr, &item);
-    EXPECT_EQ(item, kOK);
+    EXPECT_EQ(item, kOKItem);
     GrafPtr after;
     GetPort(&after);
     EXPECT_EQ(before, after);

@@ -65,20 +65,20 @@ TEST_F(ParameterDialog, SessionsGiveTheRadius) {
         {9, {}, 6, "6"},
         {1e30f, {}, 6, "6"},
         {kNaN, {}, 1, "1"},
-        {2.5f, {Press(kRadiusBar, kDownArrow)}, 3.5f, "3"},
-        {2.5f, {Press(kRadiusBar, kPageDown)}, 3.5f, "3"},
-        {2.5f, {Press(kRadiusBar, kUp)}, 1.5f, "1"},
-        {1.5f, {Press(kRadiusBar, kPageUp)}, 1, "1"},
-        {5.5f, {Press(kRadiusBar, kDownArrow)}, 6, "6"},
-        {2.5f, {Press(kRadiusBar, 0)}, 2, "2"},
-        {2.5f, {MoveThumb(kRadiusBar, 5)}, 5, "5"},
-        {2.5f, {MoveThumb(kRadiusBar, 99)}, 6, "6"},
-        {2.5f, {Click(kPlus)}, 3, "3"},
-        {2.5f, {Click(kMinus)}, 1, "1"},
-        {5.5f, {Click(kPlus)}, 6, "6"},
-        {1.5f, {Click(kMinus)}, 1, "1"},
-        {6, {Click(kPlus)}, 6, "6"},
-        {1, {Click(kMinus)}, 1, "1"},
+        {2.5f, {Press(kRadiusBarItem, kDownArrow)}, 3.5f, "3"},
+        {2.5f, {Press(kRadiusBarItem, kPageDown)}, 3.5f, "3"},
+        {2.5f, {Press(kRadiusBarItem, kUp)}, 1.5f, "1"},
+        {1.5f, {Press(kRadiusBarItem, kPageUp)}, 1, "1"},
+        {5.5f, {Press(kRadiusBarItem, kDownArrow)}, 6, "6"},
+        {2.5f, {Press(kRadiusBarItem, 0)}, 2, "2"},
+        {2.5f, {MoveThumb(kRadiusBarItem, 5)}, 5, "5"},
+        {2.5f, {MoveThumb(kRadiusBarItem, 99)}, 6, "6"},
+        {2.5f, {Click(kPlusItem)}, 3, "3"},
+        {2.5f, {Click(kMinusItem)}, 1, "1"},
+        {5.5f, {Click(kPlusItem)}, 6, "6"},
+        {1.5f, {Click(kMinusItem)}, 1, "1"},
+        {6, {Click(kPlusItem)}, 6, "6"},
+        {1, {Click(kMinusItem)}, 1, "1"},
         {3, Typed("12"), 6, "12"},
         {3, Typed("-3"), 1, "-3"},
         {3, Typed("abc"), 1, "abc"},
@@ -91,23 +91,23 @@ TEST_F(ParameterDialog, SessionsGiveTheRadius) {
         {3, Then(Typed("42"), {Key(kBackspace)}), 4, "4"},
         {3, Typed("42"), 6, "42"},
         // A step selects the text, so that typing replaces it.
-        {3, Then(Typed("42"), {Click(kMinus), Key('2')}), 2, "2"},
-        {3, {Press(kRadiusBar, kDownArrow), Key('2')}, 2, "2"},
+        {3, Then(Typed("42"), {Click(kMinusItem), Key('2')}), 2, "2"},
+        {3, {Press(kRadiusBarItem, kDownArrow), Key('2')}, 2, "2"},
         // A click into the field reads it; the fraction is gone then.
-        {2.5f, {Click(kField)}, 2, "2"},
-        {2.5f, {Click(kField), Key('1')}, 6, "21"},
-        {2.5f, {DoubleClick(kField), Key('5')}, 5, "5"},
-        {2.5f, {Click(kCheckBox), Click(kCheckBox)}, 2.5f, "2"},
+        {2.5f, {Click(kRadiusFieldItem)}, 2, "2"},
+        {2.5f, {Click(kRadiusFieldItem), Key('1')}, 6, "21"},
+        {2.5f, {DoubleClick(kRadiusFieldItem), Key('5')}, 5, "5"},
+        {2.5f, {Click(kPreviewCheckBoxItem), Click(kPreviewCheckBoxItem)}, 2.5f, "2"},
         // Passive items, the picture, and other keys.
         {2.5f, {Click(4), Click(kPreviewItem), Click(10), Click(13), Event(nullEvent)}, 2.5f, "2"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(testing::Message() << "case " << &c - cases);
-        const DialogOutcome outcome = Run(image, c.stored, Then(c.actions, {Click(kOK)}));
+        const DialogOutcome outcome = Run(image, c.stored, Then(c.actions, {Click(kOKItem)}));
         EXPECT_EQ(outcome.result, noErr);
         EXPECT_EQ(outcome.stored, c.radius);
         EXPECT_EQ(outcome.Field(), c.field);
-        EXPECT_EQ(outcome.Value(kRadiusBar), static_cast<int16_t>(c.radius));
+        EXPECT_EQ(outcome.Value(kRadiusBarItem), static_cast<int16_t>(c.radius));
     }
 }
 
@@ -118,45 +118,54 @@ TEST_F(ParameterDialog, SessionsPan) {
         int16_t across, down;
     } cases[] = {
         {250, 181, {}, 75, 50},
-        {250, 181, {Press(kAcross, kUp), Press(kDown, kUp), Press(kDown, kUp)}, 74, 48},
-        {250, 181, {Press(kAcross, kDownArrow), Press(kDown, kDownArrow)}, 76, 51},
-        {250, 181, {Press(kAcross, kPageUp), Press(kDown, kPageUp)}, 25, 10},
         {250,
          181,
-         {Press(kAcross, kPageUp), Press(kAcross, kPageUp), Press(kDown, kPageUp), Press(kDown, kPageUp)},
+         {Press(kHorizontalBarItem, kUp), Press(kVerticalBarItem, kUp), Press(kVerticalBarItem, kUp)},
+         74,
+         48},
+        {250, 181, {Press(kHorizontalBarItem, kDownArrow), Press(kVerticalBarItem, kDownArrow)}, 76, 51},
+        {250, 181, {Press(kHorizontalBarItem, kPageUp), Press(kVerticalBarItem, kPageUp)}, 25, 10},
+        {250,
+         181,
+         {Press(kHorizontalBarItem, kPageUp), Press(kHorizontalBarItem, kPageUp),
+          Press(kVerticalBarItem, kPageUp), Press(kVerticalBarItem, kPageUp)},
          0,
          0},
         {250,
          181,
-         {Press(kAcross, kPageDown), Press(kAcross, kPageDown), Press(kDown, kPageDown),
-          Press(kDown, kPageDown)},
+         {Press(kHorizontalBarItem, kPageDown), Press(kHorizontalBarItem, kPageDown),
+          Press(kVerticalBarItem, kPageDown), Press(kVerticalBarItem, kPageDown)},
          149,
          100},
-        {250, 181, {MoveThumb(kAcross, 150), MoveThumb(kDown, 101)}, 150, 101},
-        {250, 181, {MoveThumb(kAcross, 150), Press(kAcross, kDownArrow)}, 150, 50},
-        {250, 181, {MoveThumb(kAcross, 150), Press(kAcross, kPageDown)}, 149, 50},
-        {250, 181, {MoveThumb(kAcross, 150), Press(kAcross, kUp)}, 149, 50},
-        {250, 181, {MoveThumb(kAcross, 149), Press(kAcross, kDownArrow)}, 149, 50},
-        {250, 181, {MoveThumb(kAcross, 0), Press(kAcross, kUp), Press(kAcross, 0)}, 0, 50},
+        {250, 181, {MoveThumb(kHorizontalBarItem, 150), MoveThumb(kVerticalBarItem, 101)}, 150, 101},
+        {250, 181, {MoveThumb(kHorizontalBarItem, 150), Press(kHorizontalBarItem, kDownArrow)}, 150, 50},
+        {250, 181, {MoveThumb(kHorizontalBarItem, 150), Press(kHorizontalBarItem, kPageDown)}, 149, 50},
+        {250, 181, {MoveThumb(kHorizontalBarItem, 150), Press(kHorizontalBarItem, kUp)}, 149, 50},
+        {250, 181, {MoveThumb(kHorizontalBarItem, 149), Press(kHorizontalBarItem, kDownArrow)}, 149, 50},
+        {250,
+         181,
+         {MoveThumb(kHorizontalBarItem, 0), Press(kHorizontalBarItem, kUp), Press(kHorizontalBarItem, 0)},
+         0,
+         50},
         // One pixel larger than the preview: only the thumb moves it.
         {101,
          81,
-         {Press(kAcross, kDownArrow), Press(kDown, kDownArrow), Press(kAcross, kPageDown),
-          Press(kDown, kPageDown)},
+         {Press(kHorizontalBarItem, kDownArrow), Press(kVerticalBarItem, kDownArrow),
+          Press(kHorizontalBarItem, kPageDown), Press(kVerticalBarItem, kPageDown)},
          0,
          0},
-        {101, 81, {MoveThumb(kAcross, 1), MoveThumb(kDown, 1)}, 1, 1},
-        {101, 80, {MoveThumb(kAcross, 1), MoveThumb(kDown, 1)}, 1, 0},
-        {100, 81, {MoveThumb(kAcross, 1), MoveThumb(kDown, 1)}, 0, 1},
+        {101, 81, {MoveThumb(kHorizontalBarItem, 1), MoveThumb(kVerticalBarItem, 1)}, 1, 1},
+        {101, 80, {MoveThumb(kHorizontalBarItem, 1), MoveThumb(kVerticalBarItem, 1)}, 1, 0},
+        {100, 81, {MoveThumb(kHorizontalBarItem, 1), MoveThumb(kVerticalBarItem, 1)}, 0, 1},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(testing::Message() << "case " << &c - cases);
         const TestImage panned = RandomImage(c.width, c.height, 3, 2);
-        const DialogOutcome outcome = Run(panned, 1, Then(c.actions, {Click(kOK)}));
-        EXPECT_EQ(outcome.Value(kAcross), c.across);
-        EXPECT_EQ(outcome.Value(kDown), c.down);
-        EXPECT_EQ(outcome.Last().controls[kAcross - 1], c.width > 100);
-        EXPECT_EQ(outcome.Last().controls[kDown - 1], c.height > 80);
+        const DialogOutcome outcome = Run(panned, 1, Then(c.actions, {Click(kOKItem)}));
+        EXPECT_EQ(outcome.Value(kHorizontalBarItem), c.across);
+        EXPECT_EQ(outcome.Value(kVerticalBarItem), c.down);
+        EXPECT_EQ(outcome.Last().controls[kHorizontalBarItem - 1], c.width > 100);
+        EXPECT_EQ(outcome.Last().controls[kVerticalBarItem - 1], c.height > 80);
         EXPECT_EQ(outcome.stored, 1);
     }
 }
@@ -171,14 +180,14 @@ TEST_F(ParameterDialog, RebuildsOncePerHandledItem) {
         {250, 181, {Key('4'), Key('2')}, 3},
         {250,
          181,
-         {Click(kCheckBox), Click(kField), Press(kRadiusBar, kUp), Press(kAcross, 0), Press(kDown, 0),
-          Click(kPlus), Click(kMinus)},
+         {Click(kPreviewCheckBoxItem), Click(kRadiusFieldItem), Press(kRadiusBarItem, kUp),
+          Press(kHorizontalBarItem, 0), Press(kVerticalBarItem, 0), Click(kPlusItem), Click(kMinusItem)},
          8},
         {250,
          181,
          {Click(4), Click(kPreviewItem), Click(11), Event(nullEvent), Event(updateEvt), Event(activateEvt)},
          1},
-        {40, 30, {Press(kAcross, kDownArrow), MoveThumb(kDown, 9)}, 1},
+        {40, 30, {Press(kHorizontalBarItem, kDownArrow), MoveThumb(kVerticalBarItem, 9)}, 1},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(testing::Message() << "case " << &c - cases);
@@ -194,10 +203,10 @@ TEST_F(ParameterDialog, EndsByButtonsAndKeys) {
         UserAction end;
         OSErr result;
     } cases[] = {
-        {Click(kOK), noErr},
+        {Click(kOKItem), noErr},
         {Key(kReturn), noErr},
         {Key(kEnter), noErr},
-        {Click(kCancel), userCanceledErr},
+        {Click(kCancelItem), userCanceledErr},
         {Key(kEscape), userCanceledErr},
         {Key('.', cmdKey), userCanceledErr},
     };
@@ -209,11 +218,11 @@ TEST_F(ParameterDialog, EndsByButtonsAndKeys) {
         EXPECT_EQ(outcome.states.size(), 2u);
         EXPECT_EQ(gProxyPtr, nullptr);
     }
-    EXPECT_EQ(Run(image, 2, {Key('.'), Click(kOK)}).Field(), ".") << "a period alone is text";
+    EXPECT_EQ(Run(image, 2, {Key('.'), Click(kOKItem)}).Field(), ".") << "a period alone is text";
 }
 
 TEST_F(ParameterDialog, AnswersForThoseWhoDoNotWatch) {
-    const DialogOutcome outcome = Run(image, 2.5f, user::Answer(kField, "5"));
+    const DialogOutcome outcome = Run(image, 2.5f, user::Answer(kRadiusFieldItem, "5"));
     EXPECT_EQ(outcome.result, noErr);
     EXPECT_EQ(outcome.stored, 5);
 }
@@ -230,11 +239,11 @@ TEST_F(ParameterDialog, WithoutADisplayItIsCancelled) {
 
 TEST_F(ParameterDialog, OpensWithTheTextSelectedAndThePreviewOn) {
     const DialogOutcome outcome = Run(image, 3, {});
-    const EditedText &field = outcome.Last().texts[kField - 1];
+    const EditedText &field = outcome.Last().texts[kRadiusFieldItem - 1];
     EXPECT_EQ(field.selectionStart, 0u);
     EXPECT_EQ(field.selectionEnd, 1u);
-    EXPECT_EQ(outcome.Value(kCheckBox), 1);
-    EXPECT_EQ(Run(image, 3, {Click(kCheckBox)}).Value(kCheckBox), 0);
+    EXPECT_EQ(outcome.Value(kPreviewCheckBoxItem), 1);
+    EXPECT_EQ(Run(image, 3, {Click(kPreviewCheckBoxItem)}).Value(kPreviewCheckBoxItem), 0);
 }
 
 TEST_F(ParameterDialog, EnabledItemsWithoutARoleAreIgnored) {
@@ -244,16 +253,16 @@ TEST_F(ParameterDialog, EnabledItemsWithoutARoleAreIgnored) {
     }
     InstallItems(items);
     const DialogOutcome outcome =
-        Run(image, 2.5f, {Click(4), Click(7), Click(10), Click(11), Click(12), Click(13), Click(kOK)});
+        Run(image, 2.5f, {Click(4), Click(7), Click(10), Click(11), Click(12), Click(13), Click(kOKItem)});
     EXPECT_EQ(outcome.stored, 2.5f);
     EXPECT_EQ(outcome.rebuilds, 1);
 }
 
 TEST_F(ParameterDialog, WithoutItsResourcesNothingOpens) {
     faults::RemoveResources();
-    EXPECT_EQ(Run(image, 3, {Click(kOK)}).result, userCanceledErr);
+    EXPECT_EQ(Run(image, 3, {Click(kOKItem)}).result, userCanceledErr);
     faults::AddResource(kDialogType, kRadiusDialogID, DialogTemplate());
-    const DialogOutcome outcome = Run(image, 3, {Click(kOK)});
+    const DialogOutcome outcome = Run(image, 3, {Click(kOKItem)});
     EXPECT_EQ(outcome.result, userCanceledErr);
     EXPECT_TRUE(outcome.states.empty());
 }
@@ -265,12 +274,12 @@ TEST_F(ParameterDialog, WorksWithoutAWorkImage) {
         UserAction end;
         OSErr result;
         float stored;
-    } cases[] = {{Click(kOK), dskFulErr, 4}, {Click(kCancel), userCanceledErr, 2}};
+    } cases[] = {{Click(kOKItem), dskFulErr, 4}, {Click(kCancelItem), userCanceledErr, 2}};
     for (const auto &c : cases) {
-        const DialogOutcome outcome = Run(image, 2, {Press(kAcross, kUp), Key('4'), c.end});
+        const DialogOutcome outcome = Run(image, 2, {Press(kHorizontalBarItem, kUp), Key('4'), c.end});
         EXPECT_EQ(outcome.result, c.result);
         EXPECT_EQ(outcome.stored, c.stored);
-        EXPECT_EQ(outcome.Value(kAcross), 74);
+        EXPECT_EQ(outcome.Value(kHorizontalBarItem), 74);
         EXPECT_EQ(outcome.rebuilds, 0);
     }
     EXPECT_EQ(FileCount(), 0u);
@@ -282,7 +291,7 @@ TEST_F(ParameterDialog, SurvivesEveryFailureOfMemory) {
         refuseTemporaryMemory = refuse;
         for (failAllocation = 1; failAllocation <= 30; ++failAllocation) {
             const DialogOutcome outcome =
-                Run(image, 2, {Key('4'), Press(kAcross, kUp), Click(kPlus), Click(kOK)});
+                Run(image, 2, {Key('4'), Press(kHorizontalBarItem, kUp), Click(kPlusItem), Click(kOKItem)});
             if (outcome.states.empty()) {
                 EXPECT_EQ(outcome.result, userCanceledErr);
                 EXPECT_EQ(outcome.stored, 2);

@@ -6,6 +6,7 @@
 #include "dialog/dialog_utilities.h"
 #include "dialog/proxy_draw.h"
 #include "dialog/work_line.h"
+#include "hybridmedian/public.h"
 #include "median/hybrid_filter.h"
 #include "tests/support/dialog_session.h"
 
@@ -100,8 +101,9 @@ TEST_F(PreviewPicture, ShowsThePieceOfTheFilteredImage) {
         const auto bottom = static_cast<int16_t>(std::max(layout.height - kPreviewHeight, 0));
         const DialogOutcome outcome =
             Run(image, 2.5f,
-                {MoveThumb(kAcross, 0), MoveThumb(kDown, 0), MoveThumb(kAcross, right),
-                 MoveThumb(kDown, bottom), Key('6'), Click(kCheckBox)});
+                {MoveThumb(kHorizontalBarItem, 0), MoveThumb(kVerticalBarItem, 0),
+                 MoveThumb(kHorizontalBarItem, right), MoveThumb(kVerticalBarItem, bottom), Key('6'),
+                 Click(kPreviewCheckBoxItem)});
         ASSERT_EQ(outcome.states.size(), 7u);
         const TestImage radius2 = Filtered(shown, 2);
         ExpectPicture(outcome.states[0], radius2, right / 2, bottom / 2);
@@ -165,7 +167,7 @@ TEST_F(PreviewPicture, DeepSamplesAreRounded) {
 TEST_F(PreviewPicture, OtherLayoutsHaveRoom) {
     colorPlanes = 4;
     for (const int16_t bytesPerPixel : {int16_t{4}, int16_t{5}, int16_t{8}}) {
-        EXPECT_EQ(Run(RandomImage(200, 90, bytesPerPixel, 4), 2, {Click(kOK)}).result, noErr);
+        EXPECT_EQ(Run(RandomImage(200, 90, bytesPerPixel, 4), 2, {Click(kOKItem)}).result, noErr);
     }
 }
 

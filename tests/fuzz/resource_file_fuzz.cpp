@@ -2,6 +2,7 @@
 #include <string_view>
 
 #include "host/filter/plugin_info.h"
+#include "hybridmedian/public.h"
 #include "photoshop/property_list.h"
 #include "platform/fault_injection.h"
 #include "platform/files.h"
@@ -16,10 +17,7 @@
 
 namespace {
 
-constexpr int16_t kPropertyListID = 16000;
 // Items of the dialog.
-enum : int16_t { kPreviewCheckBox = 3, kField = 5, kRadiusBar = 6, kAcross = 8, kDown = 9, kPlus = 14 };
-
 void ReadPropertyList() {
     Handle list = GetResource(PIPropertyListType, kPropertyListID);
     PluginInfo info;
@@ -31,12 +29,12 @@ void ReadPropertyList() {
 
 void RunDialog() {
     ScriptedSession session;
-    session.actions = {user::Click(kPreviewCheckBox),
-                       user::Press(kRadiusBar, kControlPageDownPart),
-                       user::MoveThumb(kAcross, 1),
-                       user::Press(kDown, kControlDownButtonPart),
-                       user::Click(kPlus),
-                       user::DoubleClick(kField),
+    session.actions = {user::Click(kPreviewCheckBoxItem),
+                       user::Press(kRadiusBarItem, kControlPageDownPart),
+                       user::MoveThumb(kHorizontalBarItem, 1),
+                       user::Press(kVerticalBarItem, kControlDownButtonPart),
+                       user::Click(kPlusItem),
+                       user::DoubleClick(kRadiusFieldItem),
                        user::Key('3'),
                        user::Event(updateEvt),
                        user::Key(kReturnCharCode)};

@@ -39,7 +39,7 @@ class PictureFile : public HostTest {
     }
 
     static Picture MakePicture(int16_t mode, int32_t planes) {
-        const PictureMode &known = ModeOfDocument(mode);
+        const DocumentMode &known = ModeOf(mode);
         Picture picture;
         picture.document = RandomDocument(mode, known.depth, known.colorPlanes, planes, 30, 70);
         VipsImage *metadata = vips_image_new();

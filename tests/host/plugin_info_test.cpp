@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "photoshop/image_modes.h"
-#include "resources/property_list.h"
+#include "resources/plugin_properties.h"
 #include "tests/host/host_fixture.h"
 
 namespace {

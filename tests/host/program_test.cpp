@@ -3,7 +3,7 @@
 #include <thread>
 
 #include "host/picture/picture.h"
-#include "median/plain_filter.h"
+#include "median/plain/plain_filter.h"
 #include "tests/host/program_fixture.h"
 
 namespace {

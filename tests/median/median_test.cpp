@@ -3,9 +3,9 @@
 #include <array>
 #include <vector>
 
-#include "median/scheduled_median.h"
-#include "median/square_root.h"
-#include "median/table_median.h"
+#include "median/plain/scheduled_median.h"
+#include "median/plain/square_root.h"
+#include "median/plain/table_median.h"
 
 namespace {
 

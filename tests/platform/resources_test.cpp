@@ -1,4 +1,5 @@
 #include "platform/resources.h"
+#include "hybridmedian/public.h"
 
 #include <algorithm>
 #include <fstream>
@@ -7,7 +8,7 @@
 #include "platform/memory.h"
 #include "platform/posix_paths.h"
 #include "resources/big_endian.h"
-#include "resources/property_list.h"
+#include "resources/plugin_properties.h"
 #include "resources/resource_file.h"
 #include "tests/support/scratch_folder.h"
 

@@ -149,13 +149,14 @@ class ScreenDialog : public DialogTest {
 
     // The widgets and the pixels are what the model says.
     static void ExpectShown(QDialog *window, const DialogState &state) {
-        const auto *field = qobject_cast<QLineEdit *>(WidgetOf(window, kField));
+        const auto *field = qobject_cast<QLineEdit *>(WidgetOf(window, kRadiusFieldItem));
         ASSERT_NE(field, nullptr);
-        EXPECT_EQ(field->text().toStdString(), state.texts[kField - 1].characters);
-        const auto *box = qobject_cast<QAbstractButton *>(WidgetOf(window, kCheckBox));
+        EXPECT_EQ(field->text().toStdString(), state.texts[kRadiusFieldItem - 1].characters);
+        const auto *box = qobject_cast<QAbstractButton *>(WidgetOf(window, kPreviewCheckBoxItem));
         ASSERT_NE(box, nullptr);
-        EXPECT_EQ(box->isChecked(), state.values[kCheckBox - 1] != 0);
-        for (const int16_t item : std::initializer_list<int16_t>{kRadiusBar, kAcross, kDown}) {
+        EXPECT_EQ(box->isChecked(), state.values[kPreviewCheckBoxItem - 1] != 0);
+        for (const int16_t item :
+             std::initializer_list<int16_t>{kRadiusBarItem, kHorizontalBarItem, kVerticalBarItem}) {
             const auto index = static_cast<size_t>(item - 1);
             const auto *bar = qobject_cast<QScrollBar *>(WidgetOf(window, item));
             ASSERT_EQ(bar != nullptr, state.controls[index]);
@@ -191,27 +192,33 @@ TEST_F(ScreenDialog, GivesWhatTheScriptGives) {
         float radius;
         std::vector<UserAction> actions;
     } sessions[] = {
-        {2.5f, {Click(kOK)}},
-        {2.5f, {Press(kRadiusBar, kDownArrow), Click(kOK)}},
+        {2.5f, {Click(kOKItem)}},
+        {2.5f, {Press(kRadiusBarItem, kDownArrow), Click(kOKItem)}},
         {2.5f,
-         {Press(kRadiusBar, kUp), Press(kRadiusBar, kPageDown), Press(kRadiusBar, kPageDown),
-          Press(kRadiusBar, kPageUp), Key(kReturn)}},
-        {2, {MoveThumb(kRadiusBar, 5), Key(kEnter)}},
-        {2.5f, {Click(kPlus), Click(kOK)}},
-        {3, {Key('1'), Key('2'), Click(kOK)}},
-        {3, {Key('-'), Key('3'), Click(kOK)}},
-        {3, {Key(kBackspace), Click(kOK)}},
-        {3, {Key('4'), Key('2'), Click(kMinus), Key('2'), Key(kReturn)}},
-        {3, {Click(kField), Key(kReturn)}},
-        {3, {Click(4), Click(kPreviewItem), Click(kCheckBox), Click(kCheckBox), Click(kOK)}},
+         {Press(kRadiusBarItem, kUp), Press(kRadiusBarItem, kPageDown), Press(kRadiusBarItem, kPageDown),
+          Press(kRadiusBarItem, kPageUp), Key(kReturn)}},
+        {2, {MoveThumb(kRadiusBarItem, 5), Key(kEnter)}},
+        {2.5f, {Click(kPlusItem), Click(kOKItem)}},
+        {3, {Key('1'), Key('2'), Click(kOKItem)}},
+        {3, {Key('-'), Key('3'), Click(kOKItem)}},
+        {3, {Key(kBackspace), Click(kOKItem)}},
+        {3, {Key('4'), Key('2'), Click(kMinusItem), Key('2'), Key(kReturn)}},
+        {3, {Click(kRadiusFieldItem), Key(kReturn)}},
+        {3,
+         {Click(4), Click(kPreviewItem), Click(kPreviewCheckBoxItem), Click(kPreviewCheckBoxItem),
+          Click(kOKItem)}},
         {1,
-         {Press(kAcross, kPageDown), Press(kAcross, kPageDown), Press(kDown, kPageDown),
-          Press(kDown, kPageDown), Click(kOK)}},
-        {1, {Press(kAcross, kUp), Press(kDown, kDownArrow), Press(kAcross, kPageUp), Click(kOK)}},
-        {1, {MoveThumb(kAcross, 150), Press(kAcross, kDownArrow), Click(kOK)}},
-        {1, {MoveThumb(kAcross, 150), Press(kAcross, kUp), MoveThumb(kDown, 0), Click(kOK)}},
+         {Press(kHorizontalBarItem, kPageDown), Press(kHorizontalBarItem, kPageDown),
+          Press(kVerticalBarItem, kPageDown), Press(kVerticalBarItem, kPageDown), Click(kOKItem)}},
+        {1,
+         {Press(kHorizontalBarItem, kUp), Press(kVerticalBarItem, kDownArrow),
+          Press(kHorizontalBarItem, kPageUp), Click(kOKItem)}},
+        {1, {MoveThumb(kHorizontalBarItem, 150), Press(kHorizontalBarItem, kDownArrow), Click(kOKItem)}},
+        {1,
+         {MoveThumb(kHorizontalBarItem, 150), Press(kHorizontalBarItem, kUp), MoveThumb(kVerticalBarItem, 0),
+          Click(kOKItem)}},
         {3, {Key('5'), Key(kEscape)}},
-        {3, {Key('5'), Click(kCancel)}},
+        {3, {Key('5'), Click(kCancelItem)}},
     };
     for (const auto &session : sessions) {
         SCOPED_TRACE(testing::Message() << "session " << &session - sessions);
@@ -224,8 +231,8 @@ TEST_F(ScreenDialog, GivesWhatTheScriptGives) {
         for (size_t i = 0; i < shown.states.size(); ++i) {
             EXPECT_EQ(shown.states[i].values, scripted.states[i].values) << "before action " << i;
             EXPECT_EQ(shown.states[i].picture, scripted.states[i].picture) << "before action " << i;
-            EXPECT_EQ(shown.states[i].texts[kField - 1].characters,
-                      scripted.states[i].texts[kField - 1].characters);
+            EXPECT_EQ(shown.states[i].texts[kRadiusFieldItem - 1].characters,
+                      scripted.states[i].texts[kRadiusFieldItem - 1].characters);
         }
     }
 }
@@ -239,7 +246,7 @@ TEST_F(ScreenDialog, ClosingTheWindowCancels) {
 // What comes in faster than the preview is built waits for its turn, in its order.
 TEST_F(ScreenDialog, FastHandsLoseNothing) {
     const std::vector<UserAction> burst = {
-        Key('4'), Key('2'), Click(kMinus), Key('2'), Press(kAcross, kUp), Click(kPlus)};
+        Key('4'), Key('2'), Click(kMinusItem), Key('2'), Press(kHorizontalBarItem, kUp), Click(kPlusItem)};
     const Step all = [&](QDialog *window) {
         for (const UserAction &action : burst) {
             Perform(window, action);
@@ -250,22 +257,22 @@ TEST_F(ScreenDialog, FastHandsLoseNothing) {
         RunOnScreen(image, 3, {all, nothing, nothing, [](QDialog *window) { PressKey(window, kReturn); }});
     EXPECT_EQ(outcome.stored, 3);
     EXPECT_EQ(outcome.rebuilds, 7);
-    EXPECT_EQ(outcome.Value(kAcross), 74);
+    EXPECT_EQ(outcome.Value(kHorizontalBarItem), 74);
 }
 
 TEST_F(ScreenDialog, AHeldArrowStepsOnce) {
     const Step press = [](QDialog *window) {
-        const auto *bar = qobject_cast<QScrollBar *>(WidgetOf(window, kAcross));
+        const auto *bar = qobject_cast<QScrollBar *>(WidgetOf(window, kHorizontalBarItem));
         QTest::mousePress(window->windowHandle(), Qt::LeftButton, {},
                           PlaceOf(*bar, QStyle::SC_ScrollBarAddLine).center());
     };
     // Qt would repeat after half a second.
     const Step wait = [](QDialog *) { QTest::qWait(700); };
     const Step release = [](QDialog *window) {
-        QTest::mouseRelease(window->windowHandle(), Qt::LeftButton, {}, CenterOf(kAcross));
+        QTest::mouseRelease(window->windowHandle(), Qt::LeftButton, {}, CenterOf(kHorizontalBarItem));
     };
-    const DialogOutcome outcome = RunOnScreen(image, 1, {press, wait, release, StepsOf({Click(kOK)})[0]});
-    EXPECT_EQ(outcome.Value(kAcross), 76);
+    const DialogOutcome outcome = RunOnScreen(image, 1, {press, wait, release, StepsOf({Click(kOKItem)})[0]});
+    EXPECT_EQ(outcome.Value(kHorizontalBarItem), 76);
     EXPECT_EQ(outcome.rebuilds, 2);
 }
 
@@ -274,7 +281,7 @@ TEST_F(ScreenDialog, TellsTheHostWhenNothingHappens) {
     processEvent = [](EventRecord *event) { hostNullEvents += event->what == nullEvent; };
     RunOnScreen(image, 1,
                 {[](QDialog *) { QTest::qWait(200); }, [](QDialog *) { QTest::qWait(200); },
-                 StepsOf({Click(kOK)})[0]});
+                 StepsOf({Click(kOKItem)})[0]});
     EXPECT_GE(hostNullEvents, 2);
 }
 
@@ -293,7 +300,7 @@ TEST_F(ScreenDialog, TabGoesThroughTheRowsAndEveryWidgetHasAName) {
             bars.push_back(bar->accessibleName().toStdString());
         }
     };
-    RunOnScreen(image, 1, {look, StepsOf({Click(kOK)})[0]});
+    RunOnScreen(image, 1, {look, StepsOf({Click(kOKItem)})[0]});
     EXPECT_EQ(order,
               (std::vector<std::string>{"Radius", "Radius \u2013", "Radius +", "Cancel", "OK", "Preview"}));
     EXPECT_EQ(bars, (std::vector<std::string>{"Horizontal position", "Vertical position", "Radius"}));
@@ -363,7 +370,7 @@ TEST_F(ScreenDialog, LooksRightInLightAndDark) {
                 EXPECT_TRUE(shot.save(QString(place) + file));
             }
         };
-        RunOnScreen(Photograph(), 4, {look, StepsOf({Click(kOK)})[0]});
+        RunOnScreen(Photograph(), 4, {look, StepsOf({Click(kOKItem)})[0]});
     }
     QApplication::setPalette(usual);
 }

@@ -1,7 +1,9 @@
 #include "settings/key_names.h"
+#include "hybridmedian/public.h"
 
 #include <fstream>
 
+#include "hybridmedian/public.h"
 #include "imagestore/strings.h"
 #include "platform/files.h"
 #include "platform/posix_paths.h"

@@ -1,9 +1,10 @@
 // Runs the radius dialog over an image with a scripted user.
 #pragma once
 
+#include "hybridmedian/public.h"
 #include "platform/resources.h"
 #include "platform/scripted_dialogs.h"
-#include "resources/dialog_template.h"
+#include "resources/radius_dialog.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/test_images.h"
 #include "toolkit/filter_hooks.h"
@@ -22,19 +23,6 @@ constexpr int16_t kPageDown = kControlPageDownPart;
 constexpr OSType kDialogType = FourCharCode("DLOG");
 constexpr OSType kItemListType = FourCharCode("DITL");
 
-enum : int16_t {
-    kOK = 1,
-    kCancel,
-    kCheckBox,
-    kField = 5,
-    kRadiusBar,
-    kPreviewItem,
-    kAcross,
-    kDown,
-    kPlus = 14,
-    kMinus
-};
-
 struct DialogOutcome {
     OSErr result;
     float stored;                     // the radius in the parameter block afterwards
@@ -42,7 +30,7 @@ struct DialogOutcome {
     int64_t rebuilds;
 
     const DialogState &Last() const { return states.back(); }
-    std::string Field() const { return Last().texts[kField - 1].characters; }
+    std::string Field() const { return Last().texts[kRadiusFieldItem - 1].characters; }
     int16_t Value(int16_t item) const { return Last().values[static_cast<size_t>(item - 1)]; }
 };
 

@@ -5,7 +5,5 @@
 #include <cstdint>
 #include <vector>
 
-constexpr int16_t kRadiusDialogID = 9534;  // of both
-
 std::vector<uint8_t> DialogTemplate();
 std::vector<uint8_t> DialogItemList();

@@ -1,13 +1,13 @@
-#include "median/plain_filter.h"
+#include "median/plain/plain_filter.h"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
 #include <vector>
 
-#include "median/neighborhood.h"
-#include "median/scheduled_median.h"
-#include "median/table_median.h"
+#include "median/plain/neighborhood.h"
+#include "median/plain/scheduled_median.h"
+#include "median/plain/table_median.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
-#include "median/table_median.h"
+#include "median/plain/table_median.h"
 
-#include "median/smallest_sum.h"
-#include "median/square_root.h"
+#include "median/plain/smallest_sum.h"
+#include "median/plain/square_root.h"
 
 namespace {
 

@@ -1,30 +1,16 @@
 // The radius dialog: its session from opening to closing.
+#include <algorithm>
 #include <cstring>
 
 #include "dialog/dialog_utilities.h"
 #include "dialog/pan_bar.h"
 #include "dialog/preview.h"
 #include "dialog/proxy_draw.h"
-#include "dialog/radius.h"
 #include "dialog/scroll_bar.h"
+#include "hybridmedian/public.h"
 #include "toolkit/filter_hooks.h"
 
 namespace {
-
-constexpr int16_t kDialogID = 9534;
-
-enum : int16_t {
-    kOKItem = 1,
-    kCancelItem = 2,
-    kPreviewCheckBoxItem = 3,
-    kRadiusFieldItem = 5,
-    kRadiusBarItem = 6,
-    kPreviewItem = 7,
-    kHorizontalBarItem = 8,
-    kVerticalBarItem = 9,
-    kPlusItem = 14,
-    kMinusItem = 15,
-};
 
 constexpr int16_t kWholeText = 32000;  // past the end of any
 
@@ -38,14 +24,19 @@ struct Session {
     bool previewOn;
 };
 
+// What the controls show.
+int16_t ShownRadius(float radius) {
+    return static_cast<int16_t>(radius);
+}
+
 float StoredRadius(Handle parameters) {
     float radius;
     std::memcpy(&radius, *parameters, sizeof radius);
-    return ClampedRadius(radius);
+    return ClampRadius(radius);
 }
 
 void StoreRadius(Handle parameters, float radius) {
-    radius = ClampedRadius(radius);
+    radius = ClampRadius(radius);
     std::memcpy(*parameters, &radius, sizeof radius);
 }
 
@@ -79,9 +70,8 @@ void Open(Session *session, NamedImage *image, const RunContext *context) {
     session->vertical = MakePanBar(window, ItemRect(dialog, kVerticalBarItem), session->preview.height,
                                    frame.bottom - frame.top);
     ShowPannedPiece(session);
-    session->radiusBar =
-        NewScrollBar(window, ItemRect(dialog, kRadiusBarItem), ShownRadius(session->radius),
-                     static_cast<int16_t>(kSmallestRadius), static_cast<int16_t>(kLargestRadius));
+    session->radiusBar = NewScrollBar(window, ItemRect(dialog, kRadiusBarItem), ShownRadius(session->radius),
+                                      kMinRadius, kMaxRadius);
     SetupProxyDraw(dialog, kPreviewItem, session->preview.picture);
     OutlineButton(dialog, kOKItem);
     InitCursor();
@@ -117,10 +107,10 @@ float RadiusAfter(const Session &session, int16_t part) {
     switch (part) {
         case kControlUpButtonPart:
         case kControlPageUpPart:
-            return ClampedRadius(session.radius - 1);
+            return ClampRadius(session.radius - 1);
         case kControlDownButtonPart:
         case kControlPageDownPart:
-            return ClampedRadius(session.radius + 1);
+            return ClampRadius(session.radius + 1);
         case kControlIndicatorPart:
             return GetControlValue(session.radiusBar);
         default:
@@ -136,7 +126,8 @@ bool TogglePreview(Session *session) {
 
 // The text stays as the user typed it.
 bool ReadField(Session *session) {
-    session->radius = RadiusOfNumber(GetDNum(session->dialog, kRadiusFieldItem));
+    session->radius = static_cast<float>(
+        std::clamp<int32_t>(GetDNum(session->dialog, kRadiusFieldItem), kMinRadius, kMaxRadius));
     SetControlValue(session->radiusBar, ShownRadius(session->radius));
     return true;
 }
@@ -166,7 +157,7 @@ bool PanVertically(Session *session) {
 }
 
 bool StepRadius(Session *session, float step) {
-    session->radius = ShownRadius(ClampedRadius(session->radius + step));
+    session->radius = ShownRadius(ClampRadius(session->radius + step));
     ShowRadius(*session);
     return true;
 }
@@ -237,7 +228,7 @@ OSErr InteractiveDialog(NamedImage *image, RunContext *context, Handle parameter
     session.radius = StoredRadius(parameters);
     GrafPtr savedPort;
     GetPort(&savedPort);
-    session.dialog = GetNewMooDialog(kDialogID, nullptr, reinterpret_cast<WindowRef>(intptr_t{-1}));
+    session.dialog = GetNewMooDialog(kRadiusDialogID, nullptr, reinterpret_cast<WindowRef>(intptr_t{-1}));
     if (session.dialog == nullptr) {
         return userCanceledErr;
     }

@@ -1,34 +1,15 @@
 // This filter's settings: one, the radius.
 #include <cstring>
 
+#include "hybridmedian/public.h"
 #include "platform/memory.h"
 #include "settings/setting_registry.h"
 #include "toolkit/filter_hooks.h"
 #include "toolkit/run_context.h"
 
-namespace {
-
-constexpr OSType kSignature = FourCharCode("HyMd");
-constexpr OSType kRadiusKey = FourCharCode("nRad");
-
-// What an action may hold. The filter itself, and its dialog, go further.
-constexpr float kMaxRecordedRadius = 4.0f;
-constexpr float kMinFilterRadius = 1.0f;
-constexpr float kMaxFilterRadius = 6.0f;
-
-float ClampRadius(float radius) {
-    if (radius > kMaxFilterRadius) {
-        return kMaxFilterRadius;
-    }
-    // Also what is not a number.
-    return radius >= kMinFilterRadius ? radius : kMinFilterRadius;
-}
-
-}  // namespace
-
 OSErr GetDefaultSettings(RunContext *context, SPBlock *settings) {
-    InitializeSPSettings(settings, kSignature, false, false);
-    AddSPInputSettingFloat(settings, kRadiusKey, 0, kMaxRecordedRadius,
+    InitializeSPSettings(settings, kHybridMedianEvent, false, false);
+    AddSPInputSettingFloat(settings, kRadiusKey, kMinPlayedRadius, kMaxPlayedRadius,
                            PreferenceFloat(context, kRememberedRadiusOffset));
     return noErr;
 }

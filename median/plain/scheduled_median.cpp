@@ -1,9 +1,9 @@
 // Owns the schedule: the list of sample pairs, rebuilt only when the number of samples changes. The work of a
 // call is three flat passes over that list.
-#include "median/scheduled_median.h"
+#include "median/plain/scheduled_median.h"
 
-#include "median/smallest_sum.h"
-#include "median/square_root.h"
+#include "median/plain/smallest_sum.h"
+#include "median/plain/square_root.h"
 
 namespace {
 

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
+#include "hybridmedian/public.h"
 #include "median/hybrid_filter.h"
+#include "median/kernel/hybrid_kernel.h"
 #include "platform/owned_block.h"
 #include "settings/setting_registry.h"
 #include "toolkit/filter_hooks.h"
@@ -11,7 +13,8 @@
 
 namespace {
 
-constexpr int32_t kBorder = 6;
+constexpr int32_t kBorder = kMaxRadius;  // as far as the filter looks
+static_assert(kMinRadius == kHybridMinRadius && kMaxRadius == kHybridMaxRadius);
 constexpr int32_t kRGB = 3;
 constexpr int16_t kMaxSide = INT16_MAX - 2 * kBorder;
 

@@ -1,8 +1,9 @@
-#include "resources/dialog_template.h"
+#include "resources/radius_dialog.h"
 
 #include <iterator>
 #include <string_view>
 
+#include "hybridmedian/public.h"
 #include "platform/dialogs.h"
 #include "resources/big_endian.h"
 

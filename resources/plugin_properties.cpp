@@ -1,4 +1,4 @@
-#include "resources/property_list.h"
+#include "resources/plugin_properties.h"
 
 #include "photoshop/image_modes.h"
 #include "photoshop/property_list.h"

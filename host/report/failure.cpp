@@ -1,4 +1,4 @@
-#include "host/report/tell.h"
+#include "host/report/failure.h"
 
 #include <cstdio>
 

@@ -1,4 +1,4 @@
-#include "median/neighborhood.h"
+#include "median/plain/neighborhood.h"
 
 #include <initializer_list>
 

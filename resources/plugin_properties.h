@@ -4,6 +4,4 @@
 #include <cstdint>
 #include <vector>
 
-constexpr int16_t kPropertyListID = 16000;
-
 std::vector<uint8_t> PropertyList();

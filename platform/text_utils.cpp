@@ -1,4 +1,4 @@
-#include "platform/number_text.h"
+#include "platform/text_utils.h"
 
 #include <algorithm>
 #include <string>

@@ -1,0 +1,42 @@
+// What the host, the plug-in, its dialog and its resources know of this filter alike.
+#pragma once
+
+#include "platform/types.h"
+
+// Resources.
+constexpr int16_t kRadiusDialogID = 9534;   // 'DLOG' and 'DITL'
+constexpr int16_t kKeyNameTableID = 9999;   // 'TEXT'
+constexpr int16_t kPropertyListID = 16000;  // 'PiPL'
+
+// What actions call the filter, and its one setting.
+constexpr OSType kHybridMedianEvent = FourCharCode("HyMd");
+constexpr OSType kRadiusKey = FourCharCode("nRad");
+
+// Items of the radius dialog. The others are texts that nothing happens to.
+enum RadiusDialogItem : int16_t {
+    kOKItem = 1,
+    kCancelItem = 2,
+    kPreviewCheckBoxItem = 3,
+    kRadiusFieldItem = 5,
+    kRadiusBarItem = 6,
+    kPreviewItem = 7,
+    kHorizontalBarItem = 8,
+    kVerticalBarItem = 9,
+    kPlusItem = 14,
+    kMinusItem = 15,
+};
+
+// The radius counts whole pixels; a fraction is kept but has no effect.
+constexpr int16_t kMinRadius = 1;
+constexpr int16_t kMaxRadius = 6;
+// What the setting declares. A radius outside of this is passed over when an action is played.
+constexpr int16_t kMinPlayedRadius = 0;
+constexpr int16_t kMaxPlayedRadius = 4;
+
+// What is not a number becomes the smallest.
+constexpr float ClampRadius(float radius) {
+    if (radius > float{kMaxRadius}) {
+        return kMaxRadius;
+    }
+    return radius >= float{kMinRadius} ? radius : float{kMinRadius};
+}
