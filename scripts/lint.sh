@@ -1,7 +1,10 @@
 #!/usr/bin/env bash
-# Static analysis of all sources but the tests: clang-tidy with .clang-tidy, and cppcheck.
+# Includes that go upwards, and static analysis of all sources but the tests: clang-tidy with .clang-tidy, and cppcheck.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+
+echo "includes"
+scripts/check-includes.sh
 
 # The one that knows of all sources.
 cmake --preset bench >/dev/null
