@@ -269,20 +269,25 @@ TEST_F(Run, RecordsTheRadiusThatWasUsed) {
     }
 }
 
-// The mask that the filter is offered cannot be seen from outside; that the run survives each kind can.
-TEST_F(Run, MasksOfEveryKindAreTaken) {
+// The host blends by the mask, so that the results are as without it. What the filter is offered of it cannot
+// be seen from outside; what is asked for can.
+TEST_F(Run, MasksAreAskedForRowByRowUntilAllIsRead) {
     for (const int16_t mode : {plugInModeRGBColor, plugInModeRGB48, plugInModeRGB96}) {
         const int32_t depth = mode == plugInModeRGBColor ? 8 : mode == plugInModeRGB48 ? 16 : 32;
         for (const int16_t planes : {int16_t{3}, int16_t{5}}) {
             TestDocument document = Document(mode, depth, planes, 10, 4);
             std::fill_n(document.source.begin() + RowBytes(document), RowBytes(document), uint8_t{0});
-            const std::vector<uint8_t> without = Play(document, 1).destination;
+            const TestRun unmasked = Play(document, 1);
+            EXPECT_TRUE(unmasked.requestedMaskTops.empty());
             for (const uint8_t lowest : {uint8_t{0}, uint8_t{200}}) {
                 document.mask.assign(40, 255);
                 document.mask[17] = lowest;
                 const TestRun run = Play(document, 1);
                 EXPECT_EQ(run.result, noErr);
-                EXPECT_EQ(run.destination, without);
+                EXPECT_EQ(run.destination, unmasked.destination);
+                EXPECT_EQ(run.requestedMaskTops, (std::vector<int16_t>{5, 6, 7, 8, 5, 5, 5, 5, 5}));
+                const Rect &rect = run.record.maskRect;
+                EXPECT_EQ(rect.top | rect.left | rect.bottom | rect.right, 0) << "hosts would go on";
             }
         }
     }

@@ -49,6 +49,9 @@ void DeliverRow() {
                          : fetch(session->run.destination, session->outputRow, rowBytes, &session->outRow);
     const int32_t maskRow = document.mask.empty() ? -1 : RowIndex(record.maskRect);
     const int32_t width = document.bounds.right - document.bounds.left;
+    if (maskRow >= 0) {
+        session->run.requestedMaskTops.push_back(record.maskRect.top);
+    }
     record.maskData = maskRow < 0 ? nullptr : fetch(document.mask, maskRow, width, &session->maskRow);
     record.inRowBytes = record.outRowBytes = rowBytes + static_cast<int32_t>(kPadding);
     record.maskRowBytes = width + static_cast<int32_t>(kPadding);

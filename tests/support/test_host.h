@@ -27,7 +27,7 @@ struct TestHostOptions {
 struct TestRun {
     OSErr result;                      // the first error
     std::vector<uint8_t> destination;  // what reached the document
-    std::vector<int16_t> requestedTops;
+    std::vector<int16_t> requestedTops, requestedMaskTops;
     std::vector<std::pair<int32_t, int32_t>> progress;
     int64_t abortCalls;
     FilterRecord record;
