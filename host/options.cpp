@@ -95,7 +95,8 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
            "Refuse larger pictures; without it, those of more than " + std::to_string(options->maxMegapixels))
         ->type_name("N");
     app.add_flag("--in-place", options->inPlace, "Write over the inputs");
-    app.add_flag("-f,--force", options->force, "Write over existing outputs");
+    app.add_flag("-f,--force", options->force,
+                 "Write over existing outputs, and with --in-place over write-protected inputs");
     app.add_option("--plugin", options->pluginFolder, "The folder of the filter's module")
         ->type_name("FOLDER");
     app.add_flag("--info", options->info, "Tell what the plug-in says of itself");

@@ -1,4 +1,6 @@
 // The program as its users meet it: exit status, one sentence, and what is in the folder afterwards.
+#include <sys/stat.h>
+
 #include <chrono>
 #include <thread>
 
@@ -181,6 +183,51 @@ TEST_F(Program, OutputsGetTheInputsPermissionsAndTheRestIsTheOwners) {
         {preferences, 0700},          {preferences / "WEMBpref", 0600}};
     for (const auto &[file, permissions] : expected) {
         EXPECT_EQ(PermissionsOf(file), permissions) << file;
+    }
+}
+
+TEST_F(Program, ReplacedInputsKeepOwnerAndPermissions) {
+    // Only root may give files away.
+    const bool root = geteuid() == 0;
+    const uid_t owner = root ? 1234 : geteuid();
+    const gid_t group = root ? 4321 : getegid();
+    const struct {
+        bool givesAway, force;
+        unsigned permissions;
+        const char *told;
+        bool kept;
+    } cases[] = {
+        {true, false, 0640, "", true},
+        {true, false, 0440, "hymedian: in.png: is write-protected; --force replaces it all the same.\n",
+         true},
+        {true, true, 0440, "", true},
+        {false, false, 0640,
+         "hymedian: in.png: belongs to another user or group, and would be yours; --force replaces it all "
+         "the same.\n",
+         true},
+        {false, true, 0640, "", false},
+    };
+    for (const auto &test : cases) {
+        if (!test.givesAway && !root) {
+            continue;
+        }
+        SCOPED_TRACE(testing::Message() << test.givesAway << test.force << test.permissions);
+        fs::remove(folder / "in.png");
+        WriteNoise("in.png", 40, 30, 3);
+        const std::string noise = Contents(folder / "in.png");
+        fs::permissions(folder / "in.png", static_cast<fs::perms>(test.permissions));
+        ASSERT_EQ(chown(Path("in.png").c_str(), owner, group), 0);
+        givesFilesAway = test.givesAway;
+        std::vector<std::string> arguments = {"in.png", "--in-place", "-r", "1"};
+        arguments.resize(arguments.size() + test.force, "--force");
+        EXPECT_EQ(Wait(Start(arguments)).err, test.told);
+        EXPECT_EQ(Contents(folder / "in.png") == noise, *test.told != '\0');
+        EXPECT_EQ(PermissionsOf(folder / "in.png"), test.permissions);
+        struct stat info = {};
+        ASSERT_EQ(stat(Path("in.png").c_str(), &info), 0);
+        EXPECT_EQ(info.st_uid, test.kept ? owner : geteuid());
+        EXPECT_EQ(info.st_gid, test.kept ? group : getegid());
+        EXPECT_EQ(FileCount(), 1u);
     }
 }
 
