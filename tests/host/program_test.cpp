@@ -80,6 +80,7 @@ TEST_F(Program, FailsWithOneSentenceAndLeavesNothing) {
         {{"good.png", "-o", "other.png"}, 1, "other.png: exists already"},
         {{"good.png", "-o", "good.png", "-f"}, 2, "--in-place"},
         {{"good.png", "-o", "nowhere/new.png"}, 1, "nowhere"},
+        {{"good.png", "-o", "nowhere/"}, 2, "nowhere/: there is no such folder"},
         {{"good.png", "-o", "/proc/new.png"}, 1, "/proc/new.png"},
         {{"good.png", "-o", "new.gif"}, 2, "new.gif"},
         {{"good.png", "-o", "new.png", "--plugin", "nowhere"}, 1, "nowhere"},
@@ -247,10 +248,23 @@ TEST_F(Program, LinksUnderItsOwnNamesAreNotFollowed) {
 }
 
 TEST_F(Program, InterruptLeavesNothing) {
-    WriteNoise("in.png", 2000, 2000, 3);
+    for (const char *name : {"in.png", "next.png", "last.png"}) {
+        WriteNoise(name, 2000, 2000, 3);
+    }
     const std::set<std::string> before = Names();
-    for (const int signal : {SIGINT, SIGTERM}) {
-        const pid_t child = Start({"in.png", "-o", "out.png", "-r", "4"});
+    const struct {
+        int signal;
+        std::vector<std::string> arguments;
+        const char *out;
+    } cases[] = {
+        {SIGINT, {"in.png", "-o", "out.png", "-r", "4"}, ""},
+        {SIGTERM, {"in.png", "-o", "out.png", "-r", "4"}, ""},
+        {SIGINT,
+         {"in.png", "next.png", "last.png", "--in-place", "-r", "4"},
+         "3 pictures: 0 done, 0 failed, 3 left undone\n"},
+    };
+    for (const auto &[signal, arguments, out] : cases) {
+        const pid_t child = Start(arguments);
         // The temporary file shows that the work has begun.
         while (Names() == before && waitpid(child, nullptr, WNOHANG) == 0) {
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -258,6 +272,7 @@ TEST_F(Program, InterruptLeavesNothing) {
         kill(-child, signal);
         const Ended ended = Wait(child);
         EXPECT_EQ(ended.status, 130) << ended.err;
+        EXPECT_EQ(ended.out, out);
         EXPECT_EQ(ended.err, "hymedian: in.png: interrupted, nothing was written.\n");
         EXPECT_EQ(Names(), before);
         EXPECT_EQ(kill(-child, 0), -1) << "a worker is left";
@@ -426,6 +441,20 @@ TEST_F(Program, OneFailureDoesNotStopABatch) {
         EXPECT_TRUE(fs::is_empty(folder / "out"));
     }
     EXPECT_EQ(Wait(Start({"a.png", "b.tif", "--in-place", "-q", "-r", "1"})).status, 0);
+}
+
+TEST_F(Program, WithoutWorkersEveryPictureFails) {
+    WriteNoise("a.png", 40, 30, 3);
+    WriteNoise("b.png", 40, 30, 3);
+    const std::string noise = Contents(folder / "a.png");
+    descriptorLimit = 60;  // too few to pass any on
+    const Ended ended = Wait(Start({"a.png", "b.png", "--in-place", "-j", "2"}));
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(ended.out, "2 pictures: 0 done, 2 failed\n");
+    EXPECT_EQ(ended.err,
+              "hymedian: a.png: no worker process can be started; --jobs 1 does without.\n"
+              "hymedian: b.png: no worker process can be started; --jobs 1 does without.\n");
+    EXPECT_EQ(Contents(folder / "a.png"), noise);
 }
 
 // Where a file may not grow any more, as on a full disk.
