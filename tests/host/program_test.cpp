@@ -37,6 +37,9 @@ TEST_F(Program, FailsWithOneSentenceAndLeavesNothing) {
                                     "acTL\0\0\0\2\0\0\0\0\xF3\x8D\x93\x70",
                                     20));
     WriteBytes("animated.png", animated);
+    std::string checksum = Contents(folder / "good.png");
+    checksum[29] ^= 1;
+    WriteBytes("checksum.png", checksum);
     WriteBytes("empty.png", "");
     WriteBytes("text.png", "not a picture");
     fs::create_directory(folder / "folder.png");
@@ -66,7 +69,8 @@ TEST_F(Program, FailsWithOneSentenceAndLeavesNothing) {
         {{"empty.png", "-o", "new.png"}, 1, "empty.png"},
         {{"text.png", "-o", "new.png"}, 1, "text.png"},
         {{"zero.png", "-o", "new.png"}, 1, "zero.png"},
-        {{"cut-good.png", "-o", "new.png"}, 1, "cut-good.png"},
+        {{"checksum.png", "-o", "new.png"}, 1, "checksum.png: cannot be read: its header is damaged"},
+        {{"cut-good.png", "-o", "new.png"}, 1, "cut-good.png: cannot be read: its pixels are damaged"},
         {{"cut-good.tif", "-o", "new.tif"}, 1, "cut-good.tif"},
         {{"cut-whole.jpg", "-o", "new.png"}, 1, "cut-whole.jpg"},
         {{"folder.png", "-o", "new.png"}, 1, "folder.png: this is a folder"},
