@@ -9,9 +9,9 @@
 
 #include "photoshop/descriptors.h"
 #include "platform/types.h"
+#include "plugin/radius_setting.h"
 
 constexpr OSType kHybridMedianEvent = FourCharCode("HyMd");
-constexpr OSType kRadiusKey = FourCharCode("nRad");
 
 // Which members hold the value goes by the type; the others stay zero.
 struct ActionItem {

@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "platform/memory.h"
+#include "plugin/radius_setting.h"
 #include "settings/setting_registry.h"
 #include "toolkit/filter_hooks.h"
 #include "toolkit/run_context.h"
@@ -9,10 +10,6 @@
 namespace {
 
 constexpr OSType kSignature = FourCharCode("HyMd");
-constexpr OSType kRadiusKey = FourCharCode("nRad");
-
-// What an action may hold. The filter itself, and its dialog, go further.
-constexpr float kMaxRecordedRadius = 4.0f;
 constexpr float kMinFilterRadius = 1.0f;
 constexpr float kMaxFilterRadius = 6.0f;
 
@@ -28,7 +25,7 @@ float ClampRadius(float radius) {
 
 OSErr GetDefaultSettings(RunContext *context, SPBlock *settings) {
     InitializeSPSettings(settings, kSignature, false, false);
-    AddSPInputSettingFloat(settings, kRadiusKey, 0, kMaxRecordedRadius,
+    AddSPInputSettingFloat(settings, kRadiusKey, float{kMinPlayedRadius}, float{kMaxPlayedRadius},
                            PreferenceFloat(context, kRememberedRadiusOffset));
     return noErr;
 }

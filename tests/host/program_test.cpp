@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 
 #include <chrono>
+#include <regex>
 #include <thread>
 
 #include "host/picture.h"
@@ -90,10 +91,10 @@ TEST_F(Program, FailsWithOneSentenceAndLeavesNothing) {
         {{"good.png", "-o", "new.png", "--plugin", "nowhere"}, 1, "nowhere"},
         {{"good.png", "-o", "new.png", "--plugin", "no-main"}, 1, "main"},
         {{"good.png", "-o", "new.png", "-r", "0.5"}, 2, "radius"},
-        {{"good.png", "-o", "new.png", "-r", "4.01"}, 2, "radius"},
-        {{"good.png", "-o", "new.png", "-r", "5.5"}, 2, "radius"},
-        {{"good.png", "-o", "new.png", "-r", "7"}, 2, "radius"},
-        {{"good.png", "-o", "new.png", "-r", "5", "--record", "new.json"}, 2, "--record"},
+        {{"good.png", "-o", "new.png", "-r", "6.01"}, 2, "radius can be any number from 1 to 6;"},
+        {{"good.png", "-o", "new.png", "-r", "5", "--record", "new.json"},
+         2,
+         "--record keeps a radius of at most 4"},
         {{"good.png", "-o", "new.png", "--dialog"}, 1, "Dialogs need"},
         {{"good.png", "-o", "new.png", "--dialog", "-r", "2"}, 2, "--dialog"},
         {{"good.png", "-o", "new.png", "-r", "nan"}, 2, "radius"},
@@ -106,7 +107,9 @@ TEST_F(Program, FailsWithOneSentenceAndLeavesNothing) {
         {{"good.png", "-o", "new.png", "--plugin", "cut"}, 1, "cut/HybridMedian.rsrc"},
         {{"good.png", "-o", "new.png", "--plugin", "modes"}, 1, "colour mode is RGB 8"},
         {{"good.png", "-o", "new.png", "--play", "bad.json"}, 1, "bad.json"},
-        {{"good.png", "-o", "new.png", "--play", "missing.json"}, 1, "missing.json"},
+        {{"good.png", "-o", "new.png", "--play", "missing.json"},
+         1,
+         "missing.json: cannot be read: No such file"},
         {{"good.png", "-o", "new.png", "--play", "good.json", "-r", "2"}, 2, "--play"},
         {{"good.png", "-o", "new.png", "--record", "good.json"}, 1, "good.json: exists already"},
         {{"good.png", "-o", "new.png", "--compare", "other.png"}, 1, "other.png: exists already"},
@@ -364,8 +367,10 @@ TEST_F(Program, EveryRadiusGivesWhatItsDefinitionGives) {
         std::vector<uint8_t> defined(noise.size());
         FilterPlainly({PixelFormat::kRgb8, kWidth, kHeight, noise.data()}, radius, defined.data());
         const std::string digit = std::to_string(radius);
-        const Ended asked = Wait(Start({"in.png", "-o", "out.png", "-f", "-r", digit}));
+        const std::string fraction = radius < 6 ? ".9" : "";
+        const Ended asked = Wait(Start({"in.png", "-o", "out.png", "-f", "-r", digit + fraction}));
         EXPECT_EQ(asked.status, 0) << asked.err;
+        EXPECT_NE(asked.out.find("radius " + digit + ","), std::string::npos) << asked.out;
         EXPECT_EQ(PixelsOf(Path("out.png")), defined) << radius;
         const Ended remembered = Wait(Start({"in.png", "-o", "out.png", "-f"}));
         EXPECT_NE(remembered.out.find("radius " + digit + ","), std::string::npos) << remembered.out;
@@ -417,13 +422,27 @@ TEST_F(Program, RecordsAndPlays) {
         0);
     EXPECT_EQ(Wait(Start({"in.png", "-o", "b.png", "-r", "1"})).status, 0);
     const Ended played = Wait(Start({"in.png", "-o", "c.png", "--play", "r.json"}));
-    EXPECT_NE(played.out.find("radius 2.5"), std::string::npos) << played.out;
+    EXPECT_NE(played.out.find("radius 2,"), std::string::npos) << played.out;
     EXPECT_EQ(Contents(folder / "a.png"), Contents(folder / "c.png"));
     EXPECT_NE(Contents(folder / "a.png"), Contents(folder / "b.png"));
     const OwnedObject<VipsImage> both(vips_image_new_from_file(Path("both.png").c_str(), nullptr));
     ASSERT_NE(both, nullptr);
     EXPECT_EQ(vips_image_get_width(both.get()), 2 * 40 + 8);
     EXPECT_EQ(vips_image_get_height(both.get()), 30);
+
+    WriteBytes("half.json", R"({"event": "HyMd", "parameters": {"nRad": {"type": "float", "value": 2.5}}})");
+    const Ended half = Wait(Start({"in.png", "-o", "half.png", "--play", "half.json"}));
+    EXPECT_NE(half.out.find("radius 2,"), std::string::npos) << half.out;
+    EXPECT_EQ(Contents(folder / "half.png"), Contents(folder / "a.png"));
+    // A radius that no action keeps is known only when the filter has run.
+    EXPECT_EQ(Wait(Start({"in.png", "-o", "five.png", "-r", "5"})).status, 0);
+    const std::set<std::string> before = Names();
+    const Ended remembered = Wait(Start({"in.png", "-o", "new.png", "--record", "new.json"}));
+    EXPECT_EQ(remembered.status, 1);
+    EXPECT_EQ(remembered.err,
+              "hymedian: new.json: nothing was written: the parameter \"nRad\" is a radius of 5, and "
+              "--play takes those from 0 to 4.\n");
+    EXPECT_EQ(Names(), before);
 }
 
 TEST_F(Program, OneFailureDoesNotStopABatch) {
@@ -528,6 +547,35 @@ TEST_F(Program, CutPicturesEndRunsThatHaveBegun) {
             EXPECT_EQ(Names(), before);
         }
     }
+}
+
+// The options that a text names, as "-o,--output FILE", without quotes, fonts and escapes of a manual.
+std::set<std::string> OptionsIn(const std::string &text, const char *line) {
+    const std::regex pattern(line);
+    std::set<std::string> options;
+    for (std::sregex_iterator found(text.begin(), text.end(), pattern), end; found != end; ++found) {
+        std::string option = (*found)[1];
+        for (const auto &[from, to] : {std::pair(R"( "|"|\\f[IR])", ""), {R"(\\-)", "-"}, {", ", ","}}) {
+            option = std::regex_replace(option, std::regex(from), to);
+        }
+        EXPECT_TRUE(options.insert(option).second) << option;
+    }
+    return options;
+}
+
+TEST_F(Program, HelpReadmeAndManualNameTheSameOptions) {
+    const std::string help = Wait(Start({"--help"})).out;
+    const std::string readme = Contents(HYMEDIAN_README);
+    const std::string manual = Contents(HYMEDIAN_MANUAL);
+    const std::set<std::string> options = OptionsIn(help, R"(\n  (-.*?)(?=\n|  | Excludes))");
+    EXPECT_GT(options.size(), 15u);
+    EXPECT_EQ(OptionsIn(readme, R"(\n\| `(-[^`]*)` \|)"), options);
+    EXPECT_EQ(OptionsIn(manual, R"(\n\.TP\n\.B[IR]? (\\-.*))"), options);
+    for (const std::string &text : {help, readme, manual}) {
+        EXPECT_NE(text.find("any number from 1 to 6, fractions are dropped"), std::string::npos) << text;
+    }
+    const std::string version = Wait(Start({"--version"})).out;
+    EXPECT_NE(manual.find('"' + version.substr(0, version.find('\n')) + '"'), std::string::npos) << version;
 }
 
 TEST_F(Program, TellsWhatThePluginSays) {
