@@ -35,7 +35,7 @@ struct Batch {
     ProgressBar bar;
     std::vector<double> progress;  // by request
     size_t doneCount = 0;
-    size_t failedCount = 0;
+    size_t failedCount = 0;  // without those that were interrupted
     int status = kExitDone;  // the latest failure's
 
     size_t next = 0;                                            // request to be given to a worker
@@ -56,7 +56,7 @@ void Settle(Batch *batch, size_t index, const MaybeFailure &failure, const FileR
     const FileRequest &request = (*batch->requests)[index];
     ClearBar(&batch->bar);
     if (failure) {
-        ++batch->failedCount;
+        batch->failedCount += failure->status == kExitInterrupted ? 0U : 1U;
         batch->status = failure->status;
         Tell(*failure);
     } else {
@@ -147,8 +147,7 @@ bool TakeAnswer(Batch *batch, size_t job, const std::string &packed) {
     const std::unique_ptr<Assigned> assigned = TakeBack(batch, job);
     FileAnswer answer;
     if (!UnpackAnswer(packed, &answer)) {
-        answer.failure =
-            FileFailure(assigned->planned.task.inputFile, "its worker process answered nonsense");
+        answer.failure = FileFailure(assigned->planned.task.inputFile, kDamagedAnswer);
     }
     if (!answer.failure) {
         answer.failure = PublishFile(&assigned->planned);
@@ -175,15 +174,15 @@ void RunInWorkers(Batch *batch) {
     calls.cancelled = Interrupted;
     const auto workers = std::min(static_cast<size_t>(batch->options->jobs), batch->requests->size());
     const PoolEnd end = RunWorkers(static_cast<int32_t>(workers), {}, calls);
-    // Whatever is still assigned was not finished.
+    // Whatever is still assigned was interrupted.
     for (const auto &[job, assigned] : batch->assigned) {
-        const std::string &file = assigned->planned.task.inputFile;
-        Settle(batch, assigned->request,
-               end == PoolEnd::cancelled ? Interruption(file)
-                                         : FileFailure(file, "no worker process can be started"),
-               {}, assigned->start);
+        Settle(batch, assigned->request, Interruption(assigned->planned.task.inputFile), {}, assigned->start);
     }
     batch->assigned.clear();
+    for (; end == PoolEnd::notStarted && batch->next < batch->requests->size(); ++batch->next) {
+        Settle(batch, batch->next, FileFailure((*batch->requests)[batch->next].inputFile, kNoWorkers), {},
+               Clock::now());
+    }
 }
 
 std::vector<size_t> AllOf(const std::vector<FileRequest> &requests) {
@@ -206,9 +205,14 @@ std::string OutputOf(const Options &options, const std::string &input) {
 
 MaybeFailure PlanBatch(const Options &options, std::vector<FileRequest> *requests) {
     std::error_code error;
-    if (options.inputFiles.size() > 1 && !options.output.empty() &&
-        !fs::is_directory(options.output, error)) {
-        return Failure{kExitUsage, options.output + ": several pictures need an existing folder to go to."};
+    if (!options.output.empty() && !fs::is_directory(options.output, error)) {
+        if (options.inputFiles.size() > 1) {
+            return Failure{kExitUsage,
+                           options.output + ": several pictures need an existing folder to go to."};
+        }
+        if (options.output.back() == '/') {
+            return Failure{kExitUsage, options.output + ": there is no such folder."};
+        }
     }
     std::map<fs::path, std::string> inputs;  // by the outputs' places
     for (const std::string &input : options.inputFiles) {
@@ -245,8 +249,10 @@ int RunBatch(const Options &options, const FilterSettings &settings, const std::
     }
     ClearBar(&batch.bar);
     if (several && !options.quiet) {
-        std::printf("%zu pictures: %zu done, %zu failed\n", requests.size(), batch.doneCount,
-                    requests.size() - batch.doneCount);
+        const size_t undone = requests.size() - batch.doneCount - batch.failedCount;
+        std::printf("%zu pictures: %zu done, %zu failed%s\n", requests.size(), batch.doneCount,
+                    batch.failedCount,
+                    undone > 0 ? (", " + std::to_string(undone) + " left undone").c_str() : "");
     }
     if (Interrupted()) {
         return kExitInterrupted;

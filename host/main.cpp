@@ -25,10 +25,11 @@ MaybeFailure TakeSettings(const Options &options, FilterSettings *settings) {
     settings->selection = {options.selection, options.maskFile};
     if (options.dialog) {
         settings->dialog.use = FilterDialog::Use::shown;
-    } else if (options.radius && *options.radius > kMaxActionRadius) {
-        settings->dialog = {FilterDialog::Use::answered, static_cast<int32_t>(*options.radius)};
+    } else if (options.radius && *options.radius > kMaxPlayedRadius) {
+        settings->dialog = {FilterDialog::Use::answered, *options.radius};
     } else if (options.radius) {
-        settings->action.items.push_back({.key = kRadiusKey, .type = typeFloat, .number = *options.radius});
+        settings->action.items.push_back(
+            {.key = kRadiusKey, .type = typeFloat, .number = static_cast<double>(*options.radius)});
     }
     return options.playFile.empty() ? std::nullopt : ReadAction(options.playFile, &settings->action);
 }

@@ -6,12 +6,10 @@
 
 #include "host/filter/module.h"
 #include "host/picture/selection.h"
+#include "hybridmedian/public.h"
 
 namespace {
 
-// Beyond what an action may hold, the filter's dialog takes whole numbers.
-constexpr double kMinRadius = 1;
-constexpr double kDialogRadii[] = {5, 6};
 constexpr int32_t kMaxJobs = 256;
 
 Failure WrongUsage(const std::string &reason) {
@@ -29,15 +27,15 @@ bool HasSuffix(const std::string &file, const std::string &suffix) {
            file.compare(file.size() - suffix.size(), suffix.size(), suffix) == 0;
 }
 
+constexpr char kRadii[] = "any number from 1 to 6";
+
 // Also refuses what is not a number.
 bool IsRadius(double radius) {
-    return (radius >= kMinRadius && radius <= kMaxActionRadius) ||
-           std::find(std::begin(kDialogRadii), std::end(kDialogRadii), radius) != std::end(kDialogRadii);
+    return radius >= double{kMinRadius} && radius <= double{kMaxRadius};
 }
 
 MaybeFailure CheckOptions(const Options &options) {
-    const bool radiusSound = !options.radius || IsRadius(*options.radius);
-    const bool beyondActions = options.radius && *options.radius > kMaxActionRadius;
+    const bool beyondActions = options.radius && *options.radius > kMaxPlayedRadius;
     const std::string first = options.inputFiles.empty() ? "" : options.inputFiles.front();
     const bool several = options.inputFiles.size() > 1;
     const bool nowhere = options.output.empty() && !options.inPlace;
@@ -46,8 +44,8 @@ MaybeFailure CheckOptions(const Options &options) {
         std::string reason;
     } checks[] = {
         {options.inputFiles.empty() && !options.info, "A picture is missing"},
-        {!radiusSound, "The radius must be from 1 to 4, or 5 or 6"},
-        {beyondActions && !options.recordFile.empty(), "--record keeps a radius of at most 4"},
+        {beyondActions && !options.recordFile.empty(),
+         "--record keeps a radius of at most " + std::to_string(kMaxPlayedRadius)},
         {options.jobs < 1 || options.jobs > kMaxJobs,
          "The number of jobs must be from 1 to " + std::to_string(kMaxJobs)},
         {options.maxMegapixels < 1, "The limit must be at least 1 megapixel"},
@@ -68,19 +66,22 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
     options->pluginFolder = DefaultPluginFolder();
     options->jobs =
         static_cast<int32_t>(std::clamp(std::thread::hardware_concurrency(), 1u, unsigned{kMaxJobs}));
+    std::optional<double> radius;
     std::string selection;
     CLI::App app("Removes noise from pictures and keeps their edges and fine lines.", "hymedian");
     app.add_option("INPUT", options->inputFiles, "The pictures: PNG, JPEG, TIFF or WebP");
     app.add_option("-o,--output", options->output,
-                   "The filtered picture, whose suffix decides the format; or the folder of all outputs");
-    auto *radius =
-        app.add_option("-r,--radius", options->radius,
-                       "How far the filter reaches, from 1 to 6; without it, as far as the last time");
+                   "The filtered picture, whose suffix decides the format; or the folder of all outputs")
+        ->type_name("FILE");
+    auto *radiusOption = app.add_option("-r,--radius", radius,
+                                        std::string("How far the filter reaches: ") + kRadii +
+                                            ", fractions are dropped; without it, as far as the last time")
+                             ->type_name("N");
     auto *play = app.add_option("--play", options->playFile, "Play a recorded action back")
                      ->type_name("FILE")
-                     ->excludes(radius);
+                     ->excludes(radiusOption);
     app.add_flag("--dialog", options->dialog, "Ask for the radius, with a preview")
-        ->excludes(radius)
+        ->excludes(radiusOption)
         ->excludes(play);
     app.add_option("--record", options->recordFile, "Write the action for --play")->type_name("FILE");
     app.add_option("--select", selection, "Filter this rectangle alone")->type_name("X,Y,W,H");
@@ -95,7 +96,8 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
            "Refuse larger pictures; without it, those of more than " + std::to_string(options->maxMegapixels))
         ->type_name("N");
     app.add_flag("--in-place", options->inPlace, "Write over the inputs");
-    app.add_flag("-f,--force", options->force, "Write over existing outputs");
+    app.add_flag("-f,--force", options->force,
+                 "Write over existing outputs, and with --in-place over write-protected inputs");
     app.add_option("--plugin", options->pluginFolder, "The folder of the filter's module")
         ->type_name("FOLDER");
     app.add_flag("--info", options->info, "Tell what the plug-in says of itself");
@@ -115,6 +117,12 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
     if (options->dialog) {
         // One picture at a time, and whole.
         options->jobs = 1;
+    }
+    if (radius && !IsRadius(*radius)) {
+        return WrongUsage(std::string("The radius can be ") + kRadii);
+    }
+    if (radius) {
+        options->radius = static_cast<int32_t>(*radius);
     }
     options->selection = ParseRect(selection);
     if (!selection.empty() && !options->selection) {

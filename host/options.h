@@ -9,13 +9,10 @@
 #include "host/report/failure.h"
 #include "photoshop/document_info.h"
 
-// What an action may hold; a larger radius is one for the filter's dialog.
-constexpr double kMaxActionRadius = 4;
-
 struct Options {
     std::vector<std::string> inputFiles;
     std::string output;  // a file, or a folder; empty with --in-place alone
-    std::optional<double> radius;
+    std::optional<int32_t> radius;
     std::string playFile;  // empty for none, like the three that follow
     std::string recordFile;
     std::string maskFile;

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <bit>
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
@@ -19,6 +21,7 @@ using Json = nlohmann::ordered_json;
 constexpr size_t kLargestFile = 1 << 16;
 constexpr size_t kCodeLength = 4;
 constexpr int kIndent = 2;
+constexpr char kFloatName[] = "float";
 
 std::string TextOfCode(OSType code) {
     std::string text;
@@ -69,41 +72,17 @@ bool TakeEnumerated(const Json &value, ActionItem *item) {
     return CodeOf(value, &item->integer);
 }
 
-Json FloatOf(const ActionItem &item) {
-    return item.number;
-}
-
-Json IntegerOf(const ActionItem &item) {
-    return std::bit_cast<int32_t>(item.integer);
-}
-
-Json BooleanOf(const ActionItem &item) {
-    return item.integer != 0;
-}
-
-Json TextOf(const ActionItem &item) {
-    return MacRomanToUTF8(item.bytes);
-}
-
-Json EnumeratedOf(const ActionItem &item) {
-    return TextOfCode(item.integer);
-}
-
 struct Kind {
     OSType type;
     const char *name;
     const char *codeName;  // of the member that holds the item's code; null for none
     bool (*take)(const Json &value, ActionItem *item);
-    Json (*valueOf)(const ActionItem &item);
 };
 
 constexpr Kind kKinds[] = {
-    {typeFloat, "float", nullptr, TakeFloat, FloatOf},
-    {typeUnitFloat, "unit float", "unit", TakeFloat, FloatOf},
-    {typeInteger, "integer", nullptr, TakeInteger, IntegerOf},
-    {typeBoolean, "boolean", nullptr, TakeBoolean, BooleanOf},
-    {typeText, "text", nullptr, TakeText, TextOf},
-    {typeEnumerated, "enumerated", "of", TakeEnumerated, EnumeratedOf},
+    {typeFloat, kFloatName, nullptr, TakeFloat},    {typeUnitFloat, "unit float", "unit", TakeFloat},
+    {typeInteger, "integer", nullptr, TakeInteger}, {typeBoolean, "boolean", nullptr, TakeBoolean},
+    {typeText, "text", nullptr, TakeText},          {typeEnumerated, "enumerated", "of", TakeEnumerated},
 };
 
 const Kind *KindNamed(const Json &name) {
@@ -112,19 +91,13 @@ const Kind *KindNamed(const Json &name) {
     return found == std::end(kKinds) ? nullptr : found;
 }
 
-const Kind *KindOf(OSType type) {
-    const auto *found = std::find_if(std::begin(kKinds), std::end(kKinds),
-                                     [=](const Kind &kind) { return kind.type == type; });
-    return found == std::end(kKinds) ? nullptr : found;
-}
-
-// What the filter takes; it ignores everything else without a word.
+// What the filter takes, floats all; it ignores everything else without a word.
 struct Parameter {
     OSType key;
-    OSType type;
+    const char *name;
     double min, max;
 };
-constexpr Parameter kParameters[] = {{kRadiusKey, typeFloat, 0, 4}};
+constexpr Parameter kParameters[] = {{kRadiusKey, "radius", kMinPlayedRadius, kMaxPlayedRadius}};
 
 // Each of these returns what is wrong, or an empty string.
 
@@ -151,16 +124,21 @@ std::string CheckParameter(const ActionItem &item) {
     if (found == std::end(kParameters)) {
         return "is not one that the filter knows";
     }
-    if (found->type != item.type) {
-        return std::string("must be of the type \"") + KindOf(found->type)->name + "\"";
+    if (item.type != typeFloat) {
+        return std::string("must be of the type \"") + kFloatName + "\"";
     }
     // Also refuses what is not a number.
     if (!(item.number >= found->min && item.number <= found->max)) {
-        char text[64];
-        std::snprintf(text, sizeof text, "must be from %g to %g", found->min, found->max);
+        char text[128];
+        std::snprintf(text, sizeof text, "is a %s of %g, and --play takes those from %g to %g", found->name,
+                      item.number, found->min, found->max);
         return text;
     }
     return "";
+}
+
+std::string OfParameter(const std::string &name, const std::string &wrong) {
+    return "the parameter \"" + name + "\" " + wrong;
 }
 
 std::string TakeItem(const Json &json, ActionItem *item) {
@@ -197,17 +175,17 @@ std::string TakeAction(const Json &json, Action *action) {
         const bool known = CodeOf(name, &item.key);
         const std::string wrong = known ? TakeItem(value, &item) : "is no code of four characters";
         if (!wrong.empty()) {
-            return std::string("the parameter \"").append(name).append("\" ").append(wrong);
+            return OfParameter(name, wrong);
         }
         action->items.push_back(std::move(item));
     }
     return "";
 }
 
-// False when a member is there twice, which the parser would pass over.
+// Finds members that are there twice, which the parser would pass over.
 struct MemberWatch {
     std::vector<std::vector<std::string>> open;
-    bool unique = true;
+    std::optional<std::string> repeated;
 
     bool operator()(int, Json::parse_event_t event, Json &parsed) {
         if (event == Json::parse_event_t::object_start) {
@@ -217,12 +195,33 @@ struct MemberWatch {
         } else if (event == Json::parse_event_t::key) {
             auto &names = open.back();
             const auto name = parsed.get<std::string>();
-            unique = unique && std::find(names.begin(), names.end(), name) == names.end();
+            if (std::find(names.begin(), names.end(), name) != names.end()) {
+                repeated = name;
+            }
             names.push_back(name);
         }
         return true;
     }
 };
+
+std::string Parse(const std::string &text, Json *json) {
+    const std::string invalid = "this is not valid JSON: ";
+    MemberWatch watch;
+    try {
+        *json = Json::parse(text, std::ref(watch));
+    } catch (const Json::parse_error &error) {
+        // The byte that was read last, counted from 1, or one behind the last.
+        if (error.byte > text.size()) {
+            return invalid + "it ends too early";
+        }
+        const std::string sound = text.substr(0, error.byte - 1);
+        const auto line = std::count(sound.begin(), sound.end(), '\n') + 1;
+        return invalid + "there is a mistake in line " + std::to_string(line);
+    } catch (const Json::exception &) {
+        return invalid + "it holds a number that is too large";
+    }
+    return watch.repeated ? '"' + *watch.repeated + "\" is there twice in the same braces" : "";
+}
 
 bool ReadText(const std::string &file, std::string *text) {
     std::ifstream stream(file, std::ios::binary);
@@ -238,15 +237,13 @@ bool ReadText(const std::string &file, std::string *text) {
 MaybeFailure ReadAction(const std::string &file, Action *action) {
     std::string text;
     if (!ReadText(file, &text)) {
-        return FileFailure(file, "the action cannot be read");
+        return FileFailure(file, text.size() > kLargestFile
+                                     ? "this is larger than any action"
+                                     : std::string("cannot be read: ") + std::strerror(errno));
     }
-    MemberWatch watch;
-    const Json json = Json::parse(text, std::ref(watch), /*allow_exceptions=*/false);
-    if (json.is_discarded()) {
-        return FileFailure(file, "this is no sound JSON");
-    }
-    if (!watch.unique) {
-        return FileFailure(file, "a name is there twice in one object");
+    Json json;
+    if (const std::string wrong = Parse(text, &json); !wrong.empty()) {
+        return FileFailure(file, wrong);
     }
     const std::string wrong = TakeAction(json, action);
     return wrong.empty() ? std::nullopt : MaybeFailure(FileFailure(file, wrong));
@@ -255,17 +252,11 @@ MaybeFailure ReadAction(const std::string &file, Action *action) {
 MaybeFailure WriteAction(const Action &action, const std::string &path, const std::string &file) {
     Json parameters = Json::object();
     for (const ActionItem &item : action.items) {
-        const Kind *kind = KindOf(item.type);
-        if (kind == nullptr) {
-            return FileFailure(file, "the filter recorded a \"" + TextOfCode(item.type) +
-                                         "\", which an action's file cannot hold");
+        const std::string key = TextOfCode(item.key);
+        if (const std::string wrong = CheckParameter(item); !wrong.empty()) {
+            return FileFailure(file, "nothing was written: " + OfParameter(key, wrong));
         }
-        Json &json = parameters[TextOfCode(item.key)];
-        json["type"] = kind->name;
-        if (kind->codeName != nullptr) {
-            json[kind->codeName] = TextOfCode(item.code);
-        }
-        json["value"] = kind->valueOf(item);
+        parameters[key] = {{"type", kFloatName}, {"value", item.number}};
     }
     const Json json = {{"event", TextOfCode(action.event)}, {"parameters", std::move(parameters)}};
     std::ofstream stream(path, std::ios::binary);

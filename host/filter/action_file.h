@@ -14,5 +14,5 @@
 // Refuses what is not such a file, another event, and parameters that the filter would pass over in silence.
 MaybeFailure ReadAction(const std::string &file, Action *action);
 
-// Writes to `path`; messages speak of `file`.
+// Writes to `path`; messages speak of `file`. Refuses what ReadAction would.
 MaybeFailure WriteAction(const Action &action, const std::string &path, const std::string &file);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 #include "host/document/document_rows.h"
 #include "host/filter/descriptor_suites.h"
@@ -19,6 +20,10 @@ constexpr int16_t kFlatImageWithSelection = 2;
 constexpr Fixed kFixedOne = 1 << 16;
 constexpr int32_t kRowAlignment = 64;
 constexpr uint8_t kSelected = 255;
+// More passes over the rows or columns of every plane, one at a time, than any filter has use for.
+constexpr int64_t kMaxPasses = 16;
+constexpr std::string_view kEndless =
+    "the filter does not come to an end, it asks for the same rows over and over";
 
 // Rows as the filter has them; null while it asks for none.
 struct Delivery {
@@ -37,6 +42,7 @@ struct Run {
     Delivery input;
     Delivery output;
     OwnedBlock<uint8_t> mask;
+    int64_t requests;
 };
 
 Run *currentRun = nullptr;
@@ -143,11 +149,25 @@ void DescribeLayout(const Document &document, FilterRecord *record) {
     record->outColumnBytes = (record->outHiPlane - record->outLoPlane + 1) * SampleBytes(document);
 }
 
+int64_t MaxRequests(const Run &run) {
+    const VRect &framed = run.tile.framed;
+    return kMaxPasses * run.document->planes * std::max(WidthOf(framed), HeightOf(framed));
+}
+
+OSErr Report(std::string_view message, Run *run) {
+    run->errorString[0] = static_cast<uint8_t>(message.size());
+    std::copy(message.begin(), message.end(), run->errorString + 1);
+    return errReportString;
+}
+
 // Stores what was written, then fills what the record now asks for.
 OSErr ServeRequest(Run *run) {
     StoreOutput(run);
     if (run->request->watcher.cancelled()) {
         return userCanceledErr;
+    }
+    if (++run->requests > MaxRequests(*run)) {
+        return Report(kEndless, run);
     }
     FilterRecord *record = &run->record;
     const Document &document = *run->document;

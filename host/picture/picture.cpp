@@ -103,7 +103,13 @@ MaybeFailure OpenImage(const std::string &file, OwnedObject<VipsImage> *image) {
     }
     image->reset(vips_image_new_from_source(source.get(), "", "access", VIPS_ACCESS_SEQUENTIAL, "fail_on",
                                             VIPS_FAIL_ON_TRUNCATED, nullptr));
-    return *image == nullptr ? Unreadable(file) : std::nullopt;
+    if (*image != nullptr) {
+        return std::nullopt;
+    }
+    // Only headers have been read yet. Of a broken one the PNG loader says nothing.
+    const bool silent = *vips_error_buffer() == '\0';
+    return silent ? FileFailure(file, "cannot be read: its header is damaged or cut short")
+                  : Unreadable(file);
 }
 
 int32_t IntegerField(VipsImage *image, const char *name) {

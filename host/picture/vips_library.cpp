@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <string_view>
 
 namespace {
@@ -13,6 +14,16 @@ namespace {
 constexpr int kLargeBlock = 1 << 20;
 
 constexpr std::string_view kSystemError = "unix error: ";
+
+// What the library says in its own terms, or does not say.
+struct Translation {
+    std::string_view said, meant;
+};
+constexpr Translation kTranslations[] = {
+    {"", "the picture library does not say why"},
+    {"libpng read error", "its pixels are damaged or cut short"},
+    {"unable to parse image", "it is damaged or cut short"},
+};
 
 // Warnings of damaged but readable files are nothing that the user could act on.
 void Discard(const gchar *, GLogLevelFlags, const gchar *, gpointer) {}
@@ -48,5 +59,7 @@ std::string TakeVipsError() {
     while (!text.empty() && (text.back() == '.' || text.back() == ' ')) {
         text.pop_back();
     }
-    return text.empty() ? "unknown trouble" : text;
+    const auto *known = std::find_if(std::begin(kTranslations), std::end(kTranslations),
+                                     [&](const Translation &entry) { return entry.said == text; });
+    return known == std::end(kTranslations) ? text : std::string(known->meant);
 }

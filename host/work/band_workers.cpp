@@ -74,7 +74,7 @@ PoolEnd RunBands(Bands *bands) {
     calls.answered = [=](size_t tile, const std::string &answer) {
         bands->done[tile] = 1;
         if (!UnpackOutcome(answer, &bands->outcome)) {
-            bands->outcome = Trouble("a worker process answered nonsense");
+            bands->outcome = Trouble(kDamagedAnswer);
         }
         return bands->outcome.result == noErr;
     };
@@ -108,7 +108,7 @@ MaybeFailure FilterInWorkers(const BandRequest &request, const std::vector<Tile>
         return Interruption(picture->file);
     }
     if (end == PoolEnd::notStarted) {
-        bands.outcome = Trouble("no worker process can be started");
+        bands.outcome = Trouble(kNoWorkers);
     }
     *recorded = bands.outcome.recorded;
     return FailureOfFilter(bands.outcome, picture->file);

@@ -1,5 +1,6 @@
 #include "host/work/file_task.h"
 
+#include <cmath>
 #include <cstdio>
 #include <filesystem>
 
@@ -47,7 +48,8 @@ std::string WordsOn(const Picture &picture, const Action &recorded) {
     }
     if (const ActionItem *item = FindItem(recorded, kRadiusKey)) {
         char text[32];
-        std::snprintf(text, sizeof text, ", radius %g", item->number);
+        // Fractions do not reach further.
+        std::snprintf(text, sizeof text, ", radius %g", std::trunc(item->number));
         words += text;
     }
     return words;

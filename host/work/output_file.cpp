@@ -17,7 +17,11 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr mode_t kPermissionBits = 0777;
+constexpr mode_t kWriteBits = 0222;
 constexpr char kExistsAlready[] = "exists already; --force replaces it";
+constexpr char kProtected[] = "is write-protected; --force replaces it all the same";
+constexpr char kOfAnotherOwner[] =
+    "belongs to another user or group, and would be yours; --force replaces it all the same";
 
 MaybeFailure Unwritable(const OutputFile &output, int error) {
     return FileFailure(output.name, std::string("cannot be written: ") + std::strerror(error));
@@ -41,9 +45,18 @@ MaybeFailure CheckFolder(const OutputFile &output) {
     return std::nullopt;
 }
 
+bool AreSame(const struct stat &a, const struct stat &b) {
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+// Moving something to a file's place takes no permission to write to it, and root never needs one.
+bool IsProtected(const std::string &file, const struct stat &info) {
+    return (info.st_mode & kWriteBits) == 0 || access(file.c_str(), W_OK) != 0;
+}
+
 MaybeFailure CheckExisting(const OutputRequest &request, const struct stat &existing,
                            const struct stat &input) {
-    const bool sameFile = existing.st_dev == input.st_dev && existing.st_ino == input.st_ino;
+    const bool sameFile = AreSame(existing, input);
     if (sameFile && !request.inPlace) {
         return Failure{kExitUsage, request.outputFile +
                                        ": this is the input, which is written over only with --in-place."};
@@ -51,8 +64,19 @@ MaybeFailure CheckExisting(const OutputRequest &request, const struct stat &exis
     if (!S_ISREG(existing.st_mode)) {
         return FileFailure(request.outputFile, "exists already and is not a regular file");
     }
-    return sameFile || request.force ? std::nullopt
-                                     : MaybeFailure(FileFailure(request.outputFile, kExistsAlready));
+    if (request.force || (sameFile && !IsProtected(request.outputFile, existing))) {
+        return std::nullopt;
+    }
+    return FileFailure(request.outputFile, sameFile ? kProtected : kExistsAlready);
+}
+
+// Only root may give files away, and some file systems know of one owner alone.
+bool KeepOwner(const OutputFile &output) {
+    struct stat written;
+    return !output.owner ||
+           (fstat(output.descriptor, &written) == 0 && written.st_uid == output.owner->user &&
+            written.st_gid == output.owner->group) ||
+           fchown(output.descriptor, output.owner->user, output.owner->group) == 0;
 }
 
 // Moves without replacing. Where the file system cannot do that in one step, linking refuses an existing name
@@ -81,6 +105,7 @@ OutputFile::~OutputFile() {
 MaybeFailure PlanOutput(const OutputRequest &request, OutputFile *output) {
     output->name = request.outputFile;
     output->target = request.outputFile;
+    output->force = request.force;
     struct stat input;
     if (stat(request.inputFile.c_str(), &input) != 0) {
         return FileFailure(request.inputFile, std::strerror(errno));
@@ -92,6 +117,9 @@ MaybeFailure PlanOutput(const OutputRequest &request, OutputFile *output) {
             return failure;
         }
         output->replace = true;
+        if (AreSame(existing, input)) {
+            output->owner = {existing.st_uid, existing.st_gid};
+        }
         std::error_code error;
         output->target = fs::canonical(request.outputFile, error);
     }
@@ -117,6 +145,9 @@ MaybeFailure CreateTemporary(OutputFile *output) {
 }
 
 MaybeFailure Publish(OutputFile *output) {
+    if (!KeepOwner(*output) && !output->force) {
+        return FileFailure(output->name, kOfAnotherOwner);
+    }
     if (fchmod(output->descriptor, output->permissions) != 0 || fsync(output->descriptor) != 0) {
         return Unwritable(*output, errno);
     }

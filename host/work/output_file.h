@@ -4,6 +4,7 @@
 
 #include <sys/types.h>
 
+#include <optional>
 #include <string>
 
 #include "host/report/failure.h"
@@ -11,17 +12,24 @@
 struct OutputRequest {
     std::string inputFile;
     std::string outputFile;
-    bool force;    // an existing file may be replaced
-    bool inPlace;  // even the input
+    bool force;    // an existing file may be replaced, a write-protected input, and one of another owner
+    bool inPlace;  // the input may be replaced
+};
+
+struct FileOwner {
+    uid_t user;
+    gid_t group;
 };
 
 struct OutputFile {
     std::string name;    // as the user gave it
     std::string target;  // where it goes: behind symbolic links
     bool replace = false;
-    mode_t permissions = 0;  // the input's
-    int descriptor = -1;     // of the temporary file
-    std::string temporary;   // empty when there is none
+    bool force = false;
+    mode_t permissions = 0;          // the input's
+    std::optional<FileOwner> owner;  // of an input that is replaced, whose it stays
+    int descriptor = -1;             // of the temporary file
+    std::string temporary;           // empty when there is none
 
     OutputFile() = default;
     OutputFile(const OutputFile &) = delete;
@@ -34,5 +42,6 @@ struct OutputFile {
 MaybeFailure PlanOutput(const OutputRequest &request, OutputFile *output);
 // Makes the temporary file, empty, which only its owner may read.
 MaybeFailure CreateTemporary(OutputFile *output);
-// Gives the written temporary file the input's permissions and moves it to its place.
+// Gives the written temporary file the input's permissions, and its owner where it takes the input's place,
+// and moves it there.
 MaybeFailure Publish(OutputFile *output);

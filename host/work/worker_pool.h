@@ -33,6 +33,10 @@ struct WorkerCalls {
     std::function<bool()> cancelled;
 };
 
+// What users are told of a pool that could not be started, and of a worker whose answer makes no sense.
+constexpr char kNoWorkers[] = "no worker process can be started; --jobs 1 does without";
+constexpr char kDamagedAnswer[] = "a worker process sent a damaged answer, nothing was written";
+
 enum class PoolEnd {
     done,
     stopped,  // by one of the calls

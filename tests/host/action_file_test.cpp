@@ -1,6 +1,8 @@
 // Recorded actions as files.
 #include "host/filter/action_file.h"
 
+#include <cmath>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -43,24 +45,25 @@ TEST_F(ActionFile, RadiiComeBackExactly) {
     EXPECT_TRUE(read.items.empty());
 }
 
-TEST_F(ActionFile, EachKindIsWrittenInWords) {
-    const Action action = {
-        kHybridMedianEvent,
-        {{.key = FourCharCode("unit"), .type = typeUnitFloat, .code = FourCharCode("#Pxl"), .number = 2.5},
-         {.key = FourCharCode("int "), .type = typeInteger, .integer = 0xFFFFFFF9},
-         {.key = FourCharCode("bool"), .type = typeBoolean, .integer = 1},
-         {.key = FourCharCode("text"), .type = typeText, .bytes = "a\"\xC9"},
-         {.key = FourCharCode("en\xA5m"),
-          .type = typeEnumerated,
-          .code = FourCharCode("UniT"),
-          .integer = FourCharCode("inch")}}};
-    EXPECT_EQ(Written(action),
-              R"({"event":"HyMd","parameters":{"unit":{"type":"unitfloat","unit":"#Pxl","value":2.5},)"
-              R"("int":{"type":"integer","value":-7},"bool":{"type":"boolean","value":true},)"
-              R"("text":{"type":"text","value":"a\"…"},)"
-              R"("en•m":{"type":"enumerated","of":"UniT","value":"inch"}}})");
-    const Action object = {kHybridMedianEvent, {{.key = kRadiusKey, .type = typeObject}}};
-    EXPECT_TRUE(WriteAction(object, Path("object.json"), "object.json").has_value());
+TEST_F(ActionFile, NothingIsWrittenThatWouldNotPlay) {
+    const Action sound = {kHybridMedianEvent, {{.key = kRadiusKey, .type = typeFloat, .number = 2.5}}};
+    EXPECT_EQ(Written(sound), R"({"event":"HyMd","parameters":{"nRad":{"type":"float","value":2.5}}})");
+    const std::pair<ActionItem, const char *> cases[] = {
+        {{.key = kRadiusKey, .type = typeFloat, .number = 5},
+         "is a radius of 5, and --play takes those from 0 to 4"},
+        {{.key = kRadiusKey, .type = typeFloat, .number = 4.0001}, "from 0 to 4"},
+        {{.key = kRadiusKey, .type = typeFloat, .number = NAN}, "from 0 to 4"},
+        {{.key = kRadiusKey, .type = typeInteger, .integer = 2}, "of the type \"float\""},
+        {{.key = FourCharCode("rads"), .type = typeFloat, .number = 2}, "\"rads\" is not one"},
+    };
+    for (const auto &[item, named] : cases) {
+        const MaybeFailure failure =
+            WriteAction({kHybridMedianEvent, {item}}, Path("new.json"), "asked.json");
+        ASSERT_TRUE(failure) << named;
+        EXPECT_EQ(failure->sentence.find("asked.json: nothing was written: the parameter \""), 0u);
+        EXPECT_NE(failure->sentence.find(named), std::string::npos) << failure->sentence;
+        EXPECT_FALSE(std::filesystem::exists(Path("new.json")));
+    }
 }
 
 TEST_F(ActionFile, RefusesWhatTheFilterWouldIgnore) {
@@ -68,16 +71,17 @@ TEST_F(ActionFile, RefusesWhatTheFilterWouldIgnore) {
         return R"({"event": "HyMd", "parameters": {"nRad": )" + item + "}}";
     };
     const std::pair<std::string, const char *> cases[] = {
-        {"", "JSON"},
-        {"{\"event\": \"HyMd\", \"parameters\": {}", "JSON"},
-        {R"({"event": "HyMd", "parameters": {}} more)", "JSON"},
-        {std::string(60000, '['), "JSON"},
-        {R"({"event": "HyMd", "parameters": {}})" + std::string(66000, ' '), "cannot be read"},
-        {"\xFF\xFE", "JSON"},
+        {"", "not valid JSON: it ends too early"},
+        {"{\"event\": \"HyMd\", \"parameters\": {}", "ends too early"},
+        {R"({"event": "HyMd", "parameters": {}} more)", "mistake in line 1"},
+        {"{\"event\":\n\"HyMd\",\n}\n\n", "mistake in line 3"},
+        {std::string(60000, '['), "ends too early"},
+        {R"({"event": "HyMd", "parameters": {}})" + std::string(66000, ' '), "larger than any action"},
+        {"\xFF\xFE", "mistake in line 1"},
         {"[]", "not an object"},
         {R"({"event": "HyMd"})", "no \"parameters\""},
         {R"({"parameters": {}})", "no \"event\""},
-        {R"({"event": "HyMd", "event": "HyMd", "parameters": {}})", "twice"},
+        {R"({"event": "HyMd", "event": "HyMd", "parameters": {}})", "\"event\" is there twice"},
         {R"({"event": "HyMd", "parameters": {}, "radius": 2})", "unknown \"radius\""},
         {R"({"event": "GBlr", "parameters": {}})", "another event"},
         {R"({"event": 5, "parameters": {}})", "another event"},
@@ -90,7 +94,7 @@ TEST_F(ActionFile, RefusesWhatTheFilterWouldIgnore) {
         {radius(R"({"type": "double", "value": 2})"), "unknown type"},
         {radius(R"({"type": "float", "value": 2, "unit": "#Pxl"})"), "unknown \"unit\""},
         {radius(R"({"type": "float", "value": "2"})"), "no value of the type \"float\""},
-        {radius(R"({"type": "float", "value": 1e999})"), "JSON"},
+        {radius(R"({"type": "float", "value": 1e999})"), "number that is too large"},
         {radius(R"({"type": "integer", "value": 2})"), "must be of the type \"float\""},
         {radius(R"({"type": "integer", "value": 18446744073709551615})"), "no value of the type \"integer\""},
         {radius(R"({"type": "integer", "value": 2.5})"), "no value of the type \"integer\""},

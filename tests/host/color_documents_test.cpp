@@ -11,7 +11,6 @@ namespace {
 
 constexpr int kWidth = 31;
 constexpr int kHeight = 23;
-constexpr OSType kRadiusKey = FourCharCode("nRad");
 
 using Conversion = uint32_t (*)(uint32_t sample);
 

@@ -93,6 +93,59 @@ TEST_F(FilterRun, SelectorsFollowEachOther) {
     }
 }
 
+TEST_F(FilterRun, EndlessFiltersAreEnded) {
+    constexpr int kGivesUp = 10'000;  // so that without a bound the test fails and ends
+    const auto askRow = [](FilterRecord *record) { return AskRow(record, 1); };
+    const auto askMask = [](FilterRecord *record) {
+        record->maskRect = {0, 0, 1, 1};
+        return AskNothing(record);
+    };
+    // Row by row and plane by plane, so many times.
+    const auto askPasses = [](FilterRecord *record, int passes, int request) {
+        const int requests = record->imageSize.v * record->planes;
+        const auto row = static_cast<int16_t>(request / record->planes % record->imageSize.v);
+        const auto plane = static_cast<int16_t>(request % record->planes);
+        Ask(record, {row, 0, static_cast<int16_t>(row + 1), record->imageSize.h}, plane, plane);
+        return request < passes * requests ? OSErr{noErr} : AskNothing(record);
+    };
+    const struct {
+        const char *description;
+        std::function<OSErr(FilterRecord *, int request)> ask;
+        OSErr result;
+    } cases[] = {
+        {"the same row", [=](FilterRecord *record, int) { return askRow(record); }, errReportString},
+        {"a mask and nothing else", [=](FilterRecord *record, int) { return askMask(record); },
+         errReportString},
+        {"eight passes", [=](FilterRecord *record, int i) { return askPasses(record, 8, i); }, noErr},
+    };
+    for (const auto &test : cases) {
+        for (const bool advance : {false, true}) {
+            SCOPED_TRACE(testing::Message() << test.description << advance);
+            Document document = RandomDocument(plugInModeRGBColor, 8, 3, 4, 6, 7);
+            int requests = 0;
+            const auto next = [&](FilterRecord *record) {
+                record->maskRect = {};
+                return ++requests > kGivesUp ? AskNothing(record) : test.ask(record, requests - 1);
+            };
+            const auto whole = [&](FilterRecord *record) {
+                OSErr err = noErr;
+                for (next(record); err == noErr && record->inRect.bottom + record->maskRect.bottom > 0;) {
+                    err = record->advanceState();
+                    next(record);
+                }
+                return err;
+            };
+            StandIn filter = advance ? StandIn{whole, AskNothing, ""} : StandIn{next, next, ""};
+            const FilterOutcome outcome = RunStandIn(&filter, &document, advance);
+            EXPECT_EQ(outcome.result, test.result);
+            EXPECT_LT(requests, 1000);
+            EXPECT_EQ(BytesOf(document, document.destination), BytesOf(document, document.source));
+            EXPECT_EQ(outcome.message.find("does not come to an end") != std::string::npos,
+                      test.result == errReportString);
+        }
+    }
+}
+
 TEST_F(FilterRun, RowsAndPlanesGoWhereTheyWereAskedFor) {
     // Every column and plane of a few rectangles is inverted; nothing around them may change.
     const struct {

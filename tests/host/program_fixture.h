@@ -2,7 +2,9 @@
 #pragma once
 
 #include <fcntl.h>
+#include <linux/capability.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -63,6 +65,13 @@ class Program : public ScratchFolder {
                 setrlimit(RLIMIT_FSIZE, &limit);
                 signal(SIGXFSZ, SIG_IGN);
             }
+            if (!givesFilesAway) {
+                prctl(PR_CAPBSET_DROP, CAP_CHOWN);
+            }
+            if (descriptorLimit != 0) {
+                const rlimit limit = {descriptorLimit, descriptorLimit};
+                setrlimit(RLIMIT_NOFILE, &limit);
+            }
             const auto redirect = [&](int descriptor, const char *name) {
                 dup2(open((output / name).c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), descriptor);
             };
@@ -121,5 +130,7 @@ class Program : public ScratchFolder {
     std::string executable = HYMEDIAN_PROGRAM;  // that is started next
     std::vector<int> descriptors;  // that the next program is born with, behind the standard ones
     rlim_t fileSizeLimit = 0;      // of the next program; 0 for none
+    rlim_t descriptorLimit = 0;    // likewise
+    bool givesFilesAway = true;    // where root does
     std::filesystem::path output = folder.string() + "-output";
 };

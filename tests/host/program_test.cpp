@@ -1,5 +1,8 @@
 // The program as its users meet it: exit status, one sentence, and what is in the folder afterwards.
+#include <sys/stat.h>
+
 #include <chrono>
+#include <regex>
 #include <thread>
 
 #include "host/picture/picture.h"
@@ -35,6 +38,9 @@ TEST_F(Program, FailsWithOneSentenceAndLeavesNothing) {
                                     "acTL\0\0\0\2\0\0\0\0\xF3\x8D\x93\x70",
                                     20));
     WriteBytes("animated.png", animated);
+    std::string checksum = Contents(folder / "good.png");
+    checksum[29] ^= 1;
+    WriteBytes("checksum.png", checksum);
     WriteBytes("empty.png", "");
     WriteBytes("text.png", "not a picture");
     fs::create_directory(folder / "folder.png");
@@ -64,7 +70,8 @@ TEST_F(Program, FailsWithOneSentenceAndLeavesNothing) {
         {{"empty.png", "-o", "new.png"}, 1, "empty.png"},
         {{"text.png", "-o", "new.png"}, 1, "text.png"},
         {{"zero.png", "-o", "new.png"}, 1, "zero.png"},
-        {{"cut-good.png", "-o", "new.png"}, 1, "cut-good.png"},
+        {{"checksum.png", "-o", "new.png"}, 1, "checksum.png: cannot be read: its header is damaged"},
+        {{"cut-good.png", "-o", "new.png"}, 1, "cut-good.png: cannot be read: its pixels are damaged"},
         {{"cut-good.tif", "-o", "new.tif"}, 1, "cut-good.tif"},
         {{"cut-whole.jpg", "-o", "new.png"}, 1, "cut-whole.jpg"},
         {{"folder.png", "-o", "new.png"}, 1, "folder.png: this is a folder"},
@@ -78,15 +85,16 @@ TEST_F(Program, FailsWithOneSentenceAndLeavesNothing) {
         {{"good.png", "-o", "other.png"}, 1, "other.png: exists already"},
         {{"good.png", "-o", "good.png", "-f"}, 2, "--in-place"},
         {{"good.png", "-o", "nowhere/new.png"}, 1, "nowhere"},
+        {{"good.png", "-o", "nowhere/"}, 2, "nowhere/: there is no such folder"},
         {{"good.png", "-o", "/proc/new.png"}, 1, "/proc/new.png"},
         {{"good.png", "-o", "new.gif"}, 2, "new.gif"},
         {{"good.png", "-o", "new.png", "--plugin", "nowhere"}, 1, "nowhere"},
         {{"good.png", "-o", "new.png", "--plugin", "no-main"}, 1, "main"},
         {{"good.png", "-o", "new.png", "-r", "0.5"}, 2, "radius"},
-        {{"good.png", "-o", "new.png", "-r", "4.01"}, 2, "radius"},
-        {{"good.png", "-o", "new.png", "-r", "5.5"}, 2, "radius"},
-        {{"good.png", "-o", "new.png", "-r", "7"}, 2, "radius"},
-        {{"good.png", "-o", "new.png", "-r", "5", "--record", "new.json"}, 2, "--record"},
+        {{"good.png", "-o", "new.png", "-r", "6.01"}, 2, "radius can be any number from 1 to 6;"},
+        {{"good.png", "-o", "new.png", "-r", "5", "--record", "new.json"},
+         2,
+         "--record keeps a radius of at most 4"},
         {{"good.png", "-o", "new.png", "--dialog"}, 1, "Dialogs need"},
         {{"good.png", "-o", "new.png", "--dialog", "-r", "2"}, 2, "--dialog"},
         {{"good.png", "-o", "new.png", "-r", "nan"}, 2, "radius"},
@@ -99,7 +107,9 @@ TEST_F(Program, FailsWithOneSentenceAndLeavesNothing) {
         {{"good.png", "-o", "new.png", "--plugin", "cut"}, 1, "cut/HybridMedian.rsrc"},
         {{"good.png", "-o", "new.png", "--plugin", "modes"}, 1, "colour mode is RGB 8"},
         {{"good.png", "-o", "new.png", "--play", "bad.json"}, 1, "bad.json"},
-        {{"good.png", "-o", "new.png", "--play", "missing.json"}, 1, "missing.json"},
+        {{"good.png", "-o", "new.png", "--play", "missing.json"},
+         1,
+         "missing.json: cannot be read: No such file"},
         {{"good.png", "-o", "new.png", "--play", "good.json", "-r", "2"}, 2, "--play"},
         {{"good.png", "-o", "new.png", "--record", "good.json"}, 1, "good.json: exists already"},
         {{"good.png", "-o", "new.png", "--compare", "other.png"}, 1, "other.png: exists already"},
@@ -184,6 +194,51 @@ TEST_F(Program, OutputsGetTheInputsPermissionsAndTheRestIsTheOwners) {
     }
 }
 
+TEST_F(Program, ReplacedInputsKeepOwnerAndPermissions) {
+    // Only root may give files away.
+    const bool root = geteuid() == 0;
+    const uid_t owner = root ? 1234 : geteuid();
+    const gid_t group = root ? 4321 : getegid();
+    const struct {
+        bool givesAway, force;
+        unsigned permissions;
+        const char *told;
+        bool kept;
+    } cases[] = {
+        {true, false, 0640, "", true},
+        {true, false, 0440, "hymedian: in.png: is write-protected; --force replaces it all the same.\n",
+         true},
+        {true, true, 0440, "", true},
+        {false, false, 0640,
+         "hymedian: in.png: belongs to another user or group, and would be yours; --force replaces it all "
+         "the same.\n",
+         true},
+        {false, true, 0640, "", false},
+    };
+    for (const auto &test : cases) {
+        if (!test.givesAway && !root) {
+            continue;
+        }
+        SCOPED_TRACE(testing::Message() << test.givesAway << test.force << test.permissions);
+        fs::remove(folder / "in.png");
+        WriteNoise("in.png", 40, 30, 3);
+        const std::string noise = Contents(folder / "in.png");
+        fs::permissions(folder / "in.png", static_cast<fs::perms>(test.permissions));
+        ASSERT_EQ(chown(Path("in.png").c_str(), owner, group), 0);
+        givesFilesAway = test.givesAway;
+        std::vector<std::string> arguments = {"in.png", "--in-place", "-r", "1"};
+        arguments.resize(arguments.size() + test.force, "--force");
+        EXPECT_EQ(Wait(Start(arguments)).err, test.told);
+        EXPECT_EQ(Contents(folder / "in.png") == noise, *test.told != '\0');
+        EXPECT_EQ(PermissionsOf(folder / "in.png"), test.permissions);
+        struct stat info = {};
+        ASSERT_EQ(stat(Path("in.png").c_str(), &info), 0);
+        EXPECT_EQ(info.st_uid, test.kept ? owner : geteuid());
+        EXPECT_EQ(info.st_gid, test.kept ? group : getegid());
+        EXPECT_EQ(FileCount(), 1u);
+    }
+}
+
 // Whoever may write to the folders could lay them there.
 TEST_F(Program, LinksUnderItsOwnNamesAreNotFollowed) {
     WriteNoise("in.png", 40, 30, 3);
@@ -200,10 +255,23 @@ TEST_F(Program, LinksUnderItsOwnNamesAreNotFollowed) {
 }
 
 TEST_F(Program, InterruptLeavesNothing) {
-    WriteNoise("in.png", 2000, 2000, 3);
+    for (const char *name : {"in.png", "next.png", "last.png"}) {
+        WriteNoise(name, 2000, 2000, 3);
+    }
     const std::set<std::string> before = Names();
-    for (const int signal : {SIGINT, SIGTERM}) {
-        const pid_t child = Start({"in.png", "-o", "out.png", "-r", "4"});
+    const struct {
+        int signal;
+        std::vector<std::string> arguments;
+        const char *out;
+    } cases[] = {
+        {SIGINT, {"in.png", "-o", "out.png", "-r", "4"}, ""},
+        {SIGTERM, {"in.png", "-o", "out.png", "-r", "4"}, ""},
+        {SIGINT,
+         {"in.png", "next.png", "last.png", "--in-place", "-r", "4"},
+         "3 pictures: 0 done, 0 failed, 3 left undone\n"},
+    };
+    for (const auto &[signal, arguments, out] : cases) {
+        const pid_t child = Start(arguments);
         // The temporary file shows that the work has begun.
         while (Names() == before && waitpid(child, nullptr, WNOHANG) == 0) {
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -211,6 +279,7 @@ TEST_F(Program, InterruptLeavesNothing) {
         kill(-child, signal);
         const Ended ended = Wait(child);
         EXPECT_EQ(ended.status, 130) << ended.err;
+        EXPECT_EQ(ended.out, out);
         EXPECT_EQ(ended.err, "hymedian: in.png: interrupted, nothing was written.\n");
         EXPECT_EQ(Names(), before);
         EXPECT_EQ(kill(-child, 0), -1) << "a worker is left";
@@ -298,8 +367,10 @@ TEST_F(Program, EveryRadiusGivesWhatItsDefinitionGives) {
         std::vector<uint8_t> defined(noise.size());
         FilterPlainly({PixelFormat::kRgb8, kWidth, kHeight, noise.data()}, radius, defined.data());
         const std::string digit = std::to_string(radius);
-        const Ended asked = Wait(Start({"in.png", "-o", "out.png", "-f", "-r", digit}));
+        const std::string fraction = radius < 6 ? ".9" : "";
+        const Ended asked = Wait(Start({"in.png", "-o", "out.png", "-f", "-r", digit + fraction}));
         EXPECT_EQ(asked.status, 0) << asked.err;
+        EXPECT_NE(asked.out.find("radius " + digit + ","), std::string::npos) << asked.out;
         EXPECT_EQ(PixelsOf(Path("out.png")), defined) << radius;
         const Ended remembered = Wait(Start({"in.png", "-o", "out.png", "-f"}));
         EXPECT_NE(remembered.out.find("radius " + digit + ","), std::string::npos) << remembered.out;
@@ -351,13 +422,27 @@ TEST_F(Program, RecordsAndPlays) {
         0);
     EXPECT_EQ(Wait(Start({"in.png", "-o", "b.png", "-r", "1"})).status, 0);
     const Ended played = Wait(Start({"in.png", "-o", "c.png", "--play", "r.json"}));
-    EXPECT_NE(played.out.find("radius 2.5"), std::string::npos) << played.out;
+    EXPECT_NE(played.out.find("radius 2,"), std::string::npos) << played.out;
     EXPECT_EQ(Contents(folder / "a.png"), Contents(folder / "c.png"));
     EXPECT_NE(Contents(folder / "a.png"), Contents(folder / "b.png"));
     const OwnedObject<VipsImage> both(vips_image_new_from_file(Path("both.png").c_str(), nullptr));
     ASSERT_NE(both, nullptr);
     EXPECT_EQ(vips_image_get_width(both.get()), 2 * 40 + 8);
     EXPECT_EQ(vips_image_get_height(both.get()), 30);
+
+    WriteBytes("half.json", R"({"event": "HyMd", "parameters": {"nRad": {"type": "float", "value": 2.5}}})");
+    const Ended half = Wait(Start({"in.png", "-o", "half.png", "--play", "half.json"}));
+    EXPECT_NE(half.out.find("radius 2,"), std::string::npos) << half.out;
+    EXPECT_EQ(Contents(folder / "half.png"), Contents(folder / "a.png"));
+    // A radius that no action keeps is known only when the filter has run.
+    EXPECT_EQ(Wait(Start({"in.png", "-o", "five.png", "-r", "5"})).status, 0);
+    const std::set<std::string> before = Names();
+    const Ended remembered = Wait(Start({"in.png", "-o", "new.png", "--record", "new.json"}));
+    EXPECT_EQ(remembered.status, 1);
+    EXPECT_EQ(remembered.err,
+              "hymedian: new.json: nothing was written: the parameter \"nRad\" is a radius of 5, and "
+              "--play takes those from 0 to 4.\n");
+    EXPECT_EQ(Names(), before);
 }
 
 TEST_F(Program, OneFailureDoesNotStopABatch) {
@@ -379,6 +464,20 @@ TEST_F(Program, OneFailureDoesNotStopABatch) {
         EXPECT_TRUE(fs::is_empty(folder / "out"));
     }
     EXPECT_EQ(Wait(Start({"a.png", "b.tif", "--in-place", "-q", "-r", "1"})).status, 0);
+}
+
+TEST_F(Program, WithoutWorkersEveryPictureFails) {
+    WriteNoise("a.png", 40, 30, 3);
+    WriteNoise("b.png", 40, 30, 3);
+    const std::string noise = Contents(folder / "a.png");
+    descriptorLimit = 60;  // too few to pass any on
+    const Ended ended = Wait(Start({"a.png", "b.png", "--in-place", "-j", "2"}));
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(ended.out, "2 pictures: 0 done, 2 failed\n");
+    EXPECT_EQ(ended.err,
+              "hymedian: a.png: no worker process can be started; --jobs 1 does without.\n"
+              "hymedian: b.png: no worker process can be started; --jobs 1 does without.\n");
+    EXPECT_EQ(Contents(folder / "a.png"), noise);
 }
 
 // Where a file may not grow any more, as on a full disk.
@@ -448,6 +547,35 @@ TEST_F(Program, CutPicturesEndRunsThatHaveBegun) {
             EXPECT_EQ(Names(), before);
         }
     }
+}
+
+// The options that a text names, as "-o,--output FILE", without quotes, fonts and escapes of a manual.
+std::set<std::string> OptionsIn(const std::string &text, const char *line) {
+    const std::regex pattern(line);
+    std::set<std::string> options;
+    for (std::sregex_iterator found(text.begin(), text.end(), pattern), end; found != end; ++found) {
+        std::string option = (*found)[1];
+        for (const auto &[from, to] : {std::pair(R"( "|"|\\f[IR])", ""), {R"(\\-)", "-"}, {", ", ","}}) {
+            option = std::regex_replace(option, std::regex(from), to);
+        }
+        EXPECT_TRUE(options.insert(option).second) << option;
+    }
+    return options;
+}
+
+TEST_F(Program, HelpReadmeAndManualNameTheSameOptions) {
+    const std::string help = Wait(Start({"--help"})).out;
+    const std::string readme = Contents(HYMEDIAN_README);
+    const std::string manual = Contents(HYMEDIAN_MANUAL);
+    const std::set<std::string> options = OptionsIn(help, R"(\n  (-.*?)(?=\n|  | Excludes))");
+    EXPECT_GT(options.size(), 15u);
+    EXPECT_EQ(OptionsIn(readme, R"(\n\| `(-[^`]*)` \|)"), options);
+    EXPECT_EQ(OptionsIn(manual, R"(\n\.TP\n\.B[IR]? (\\-.*))"), options);
+    for (const std::string &text : {help, readme, manual}) {
+        EXPECT_NE(text.find("any number from 1 to 6, fractions are dropped"), std::string::npos) << text;
+    }
+    const std::string version = Wait(Start({"--version"})).out;
+    EXPECT_NE(manual.find('"' + version.substr(0, version.find('\n')) + '"'), std::string::npos) << version;
 }
 
 TEST_F(Program, TellsWhatThePluginSays) {

@@ -16,7 +16,6 @@
 
 namespace {
 
-constexpr OSType kRadiusKey = FourCharCode("nRad");
 
 class Run : public ScratchFolder {
   protected:

@@ -3,7 +3,6 @@
 
 #include <fstream>
 
-#include "hybridmedian/public.h"
 #include "imagestore/strings.h"
 #include "platform/files.h"
 #include "platform/posix_paths.h"
