@@ -3,6 +3,5 @@
 
 #include "host/failure.h"
 
-// From now on dialogs are shown; an interrupt cancels them. Fails without a display, or without what shows
-// them.
+// From now on dialogs are shown. Fails without a display, or without what shows them.
 MaybeFailure ShowDialogs();

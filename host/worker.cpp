@@ -12,6 +12,7 @@
 #include "host/packing.h"
 #include "host/picture_filter.h"
 #include "host/plugin.h"
+#include "host/screen_dialogs.h"
 #include "host/vips_library.h"
 #include "host/worker_job.h"
 #include "host/worker_pool.h"
@@ -95,6 +96,11 @@ FilterOutcome DoTile(TileJob *job, Workplace *workplace) {
 FileAnswer DoFile(const FileTask &task, Workplace *workplace) {
     if (workplace->pluginFailure) {
         return {workplace->pluginFailure, {}};
+    }
+    if (task.settings.dialog.use == FilterDialog::Use::shown) {
+        if (MaybeFailure failure = ShowDialogs()) {
+            return {failure, {}};
+        }
     }
     if (!workplace->vipsStarted) {
         workplace->vipsStarted = StartVips("hymedian");
