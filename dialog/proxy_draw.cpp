@@ -22,10 +22,10 @@ void ProxyDraw(DialogRef dialog, int16_t item) {
     }
     GrafPtr saved;
     GetPort(&saved);
-    PenState pen;
-    GetPenState(&pen);
     CGrafPtr port = GetDialogPort(dialog);
     SetPort(port);
+    PenState pen;
+    GetPenState(&pen);
     SetCopyColors();
 
     Rect place;

@@ -78,9 +78,6 @@ MaybeFailure Filter(Batch *batch, Picture *picture, const Watcher &watcher, Acti
     const Document &document = picture->document;
     const std::vector<Tile> tiles =
         CutIntoTiles(SelectedRect(document), {.bands = BandsFor(document, options.jobs)});
-    if (dialog.use == FilterDialog::Use::shown && tiles.size() > 1) {
-        return FileFailure(picture->file, "the picture is too large to be shown in the dialog whole");
-    }
     return document.sharing == Sharing::withWorkers && tiles.size() > 1
                ? FilterInWorkers({options.pluginFolder, action, dialog, options.jobs, watcher}, tiles,
                                  picture, recorded)
@@ -158,13 +155,18 @@ bool TakeAnswer(Batch *batch, size_t job, const std::string &packed) {
 
 bool TakeDeath(Batch *batch, size_t job, const std::string &how) {
     const std::unique_ptr<Assigned> assigned = TakeBack(batch, job);
-    const Failure failure =
-        FileFailure(assigned->planned.task.inputFile, "its worker process " + how + ", nothing was written");
+    const FileTask &task = assigned->planned.task;
+    const bool inDialog = task.settings.dialog.use == FilterDialog::Use::shown;
+    const Failure failure = FileFailure(
+        task.inputFile, inDialog ? "the dialog's process " + how +
+                                       ", perhaps because the display went away, nothing was written"
+                                 : "its worker process " + how + ", nothing was written");
     Settle(batch, assigned->request, failure, {}, assigned->start);
     return true;
 }
 
-// Small pictures go to workers whole. Those that are worth several workers are left.
+// Small pictures go to workers whole, and those with a dialog, which dies with its display. Those that are
+// worth several workers are left.
 void RunInWorkers(Batch *batch) {
     WorkerCalls calls;
     calls.next = [=](std::string *job) { return NextJob(batch, job); };
@@ -239,7 +241,7 @@ int RunBatch(const Options &options, const FilterSettings &settings, const std::
                    MakeProgressBar(!options.quiet),
                    std::vector<double>(requests.size())};
     const bool several = requests.size() > 1;
-    if (several && options.jobs > 1) {
+    if ((several && options.jobs > 1) || options.dialog) {
         RunInWorkers(&batch);
     } else {
         batch.large = AllOf(requests);

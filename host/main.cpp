@@ -44,7 +44,7 @@ MaybeFailure Prepare(const Options &options, FilterSettings *settings, std::vect
     if (MaybeFailure failure = OpenPlugin(options.pluginFolder, &plugin)) {
         return failure;
     }
-    return options.dialog ? ShowDialogs(Interrupted) : std::nullopt;
+    return options.dialog ? ShowDialogs() : std::nullopt;
 }
 
 int Run(const Options &options) {

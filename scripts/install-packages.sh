@@ -4,7 +4,7 @@ set -euo pipefail
 
 declare -A packages=(
     [build]="g++ cmake ninja-build pkg-config libvips-dev libcli11-dev nlohmann-json3-dev qt6-base-dev"
-    [test]="libgtest-dev"
+    [test]="libgtest-dev xvfb"
     [bench]="libbenchmark-dev"
     [lint]="clang-format clang-tidy cppcheck"
     [fuzz]="clang libclang-rt-14-dev"

@@ -4,13 +4,17 @@
 #include "host/filter/tiles.h"
 
 MaybeFailure FilterPicture(const PictureRequest &request, Picture *picture, Action *recorded) {
+    Document *document = &picture->document;
+    const std::vector<Tile> tiles = CutIntoTiles(SelectedRect(*document), {});
+    if (request.dialog.use == FilterDialog::Use::shown && tiles.size() > 1) {
+        return FileFailure(picture->file, "the picture is too large to be shown in the dialog whole");
+    }
     if (MaybeFailure failure = ReadPixels(picture, PartOf(request.watcher, 0, kReadingShare))) {
         return failure;
     }
-    Document *document = &picture->document;
     const FilterOutcome outcome = FilterTiles({request.module, document, request.action, true,
                                                PartOf(request.watcher, kReadingShare, 1), request.dialog},
-                                              CutIntoTiles(SelectedRect(*document), {}));
+                                              tiles);
     *recorded = outcome.recorded;
     return FailureOfFilter(outcome, picture->file);
 }

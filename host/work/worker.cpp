@@ -11,6 +11,7 @@
 
 #include "host/filter/packing.h"
 #include "host/filter/plugin.h"
+#include "host/filter/screen_dialogs.h"
 #include "host/picture/vips_library.h"
 #include "host/work/picture_filter.h"
 #include "host/work/worker_job.h"
@@ -95,6 +96,11 @@ FilterOutcome DoTile(TileJob *job, Workplace *workplace) {
 FileAnswer DoFile(const FileTask &task, Workplace *workplace) {
     if (workplace->pluginFailure) {
         return {workplace->pluginFailure, {}};
+    }
+    if (task.settings.dialog.use == FilterDialog::Use::shown) {
+        if (MaybeFailure failure = ShowDialogs()) {
+            return {failure, {}};
+        }
     }
     if (!workplace->vipsStarted) {
         workplace->vipsStarted = StartVips("hymedian");

@@ -9,10 +9,12 @@
 #include <QTimer>
 #include <QWindow>
 #include <algorithm>
+#include <iterator>
 
 #include "platform/qt/accessible_names.h"
 #include "platform/qt/bar_widgets.h"
 #include "platform/qt/item_widgets.h"
+#include "platform/qt/rectangles.h"
 #include "platform/qt/window_picture.h"
 
 namespace {
@@ -30,9 +32,52 @@ QPoint ScreenOrigin() {
     return QGuiApplication::primaryScreen()->geometry().topLeft();
 }
 
-bool IsCancelKey(const QEvent &event) {
-    return event.type() == QEvent::KeyPress &&
-           static_cast<const QKeyEvent &>(event).matches(QKeySequence::Cancel);
+// Keys that mean a button wherever the focus is.
+constexpr struct {
+    int key;
+    Qt::KeyboardModifiers modifiers;  // without which it does not count
+    uint8_t character;
+} kButtonKeys[] = {
+    {Qt::Key_Return, Qt::NoModifier, kReturnCharCode},
+    {Qt::Key_Enter, Qt::NoModifier, kEnterCharCode},
+    {Qt::Key_Escape, Qt::NoModifier, kEscapeCharCode},
+    {Qt::Key_Period, Qt::ControlModifier, kEscapeCharCode},
+};
+
+bool PressButtonKey(DialogWindow *shown, const QKeyEvent &event) {
+    const auto *found = std::find_if(std::begin(kButtonKeys), std::end(kButtonKeys), [&](const auto &entry) {
+        return entry.key == event.key() && (event.modifiers() & entry.modifiers) == entry.modifiers;
+    });
+    if (found == std::end(kButtonKeys)) {
+        return false;
+    }
+    qt::PostKey(&shown->input, found->character);
+    return true;
+}
+
+// Space is not among them: it presses the widget with the focus.
+bool EditsText(const QKeyEvent &event) {
+    const bool command =
+        (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0;
+    const bool prints = !event.text().isEmpty() && event.text().front().isPrint();
+    return event.key() == Qt::Key_Backspace || event.key() == Qt::Key_Delete ||
+           (prints && !command && event.key() != Qt::Key_Space);
+}
+
+// What is typed elsewhere goes to the field, and the focus with it.
+bool TypeIntoField(DialogWindow *shown, QKeyEvent *event) {
+    const int16_t item = shown->dialog->focusItem;
+    auto *field =
+        item == 0 ? nullptr : qobject_cast<QLineEdit *>(shown->items[static_cast<size_t>(item - 1)]);
+    if (field == nullptr || field == shown->window->focusWidget() || !EditsText(*event)) {
+        return false;
+    }
+    field->setFocus();
+    if (shown->selectionStart >= 0) {
+        field->setSelection(shown->selectionStart, shown->selectionLength);
+    }
+    QCoreApplication::sendEvent(field, event);
+    return true;
 }
 
 // True when the widget itself must not see the event.
@@ -47,7 +92,7 @@ bool WatchWindow(DialogWindow *shown, QEvent *event) {
             return false;
         }
         case QEvent::Close:
-            qt::PostEscape(&shown->input);
+            qt::PostKey(&shown->input, kEscapeCharCode);
             event->ignore();
             return true;
         default:
@@ -55,13 +100,28 @@ bool WatchWindow(DialogWindow *shown, QEvent *event) {
     }
 }
 
+void WatchField(DialogWindow *shown, QLineEdit *field, const QEvent &event) {
+    switch (event.type()) {
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonDblClick: {
+            const auto found = std::find(shown->items.begin(), shown->items.end(), field);
+            const auto index = static_cast<size_t>(found - shown->items.begin());
+            qt::PostPress(&shown->input, shown->dialog->items[index].bounds, {});
+            break;
+        }
+        // It forgets what is selected.
+        case QEvent::FocusOut:
+            shown->selectionStart = field->selectionStart();
+            shown->selectionLength = field->selectionLength();
+            break;
+        default:
+            break;
+    }
+}
+
 bool WatchWidget(DialogWindow *shown, QObject *receiver, QEvent *event) {
-    const bool press =
-        event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick;
-    if (press && qobject_cast<QLineEdit *>(receiver) != nullptr) {
-        const auto field = std::find(shown->items.begin(), shown->items.end(), receiver);
-        const auto index = static_cast<size_t>(field - shown->items.begin());
-        qt::PostPress(&shown->input, shown->dialog->items[index].bounds, {});
+    if (auto *field = qobject_cast<QLineEdit *>(receiver)) {
+        WatchField(shown, field, *event);
     }
     // A bar that is held down would step on and on by its timer.
     return event->type() == QEvent::Timer && qobject_cast<QScrollBar *>(receiver) != nullptr;
@@ -76,9 +136,11 @@ class Watcher : public QObject {
         if (receiver == shown->window->windowHandle()) {
             return qt::HoldBack(&shown->input, *event);
         }
-        if (IsCancelKey(*event)) {
-            qt::PostEscape(&shown->input);
-            return true;
+        if (event->type() == QEvent::KeyPress) {
+            auto *key = static_cast<QKeyEvent *>(event);
+            if (PressButtonKey(shown, *key) || TypeIntoField(shown, key)) {
+                return true;
+            }
         }
         return receiver == shown->window.get() ? WatchWindow(shown, event)
                                                : WatchWidget(shown, receiver, event);
@@ -112,8 +174,10 @@ std::unique_ptr<DialogWindow> qt::MakeDialogWindow(DialogRecord *dialog) {
     window->setAccessibleName(window->windowTitle());
     window->setWindowModality(Qt::ApplicationModal);
     const Rect bounds = dialog->window.bounds;
-    window->setFixedSize(bounds.right - bounds.left, bounds.bottom - bounds.top);
-    window->move(ScreenOrigin() + QPoint(bounds.left, bounds.top));
+    const QRect contents = QRectOf(bounds).translated(ScreenOrigin());
+    window->setFixedSize(contents.size());
+    // To move() the window would put its frame there.
+    window->setGeometry(contents);
     window->installEventFilter(shown->watcher.get());
     MakeItemWidgets(shown.get());
     return shown;

@@ -23,8 +23,10 @@ struct DialogWindow {
     std::vector<QWidget *> items;      // null for what has no widget
     std::vector<BarWidget> bars;
     UserInput input;
-    int32_t selectionCount;  // of the model's selection shown last
-    bool stale = true;       // the plug-in may have changed the model
+    int32_t selectionCount;   // of the model's selection shown last
+    int selectionStart = -1;  // in the field when the focus left it; -1 for none
+    int selectionLength;
+    bool stale = true;  // the plug-in may have changed the model
 };
 
 // The widgets of the items; the window shows with the first refresh.

@@ -16,9 +16,13 @@ using qt::DialogWindow;
 
 constexpr int kSmallestFont = 9;
 constexpr int kLongestText = 255;
+// A click leaves the focus, and the selection, in the field; the Tab key takes it to the widget.
+constexpr Qt::FocusPolicy kNoClickFocus = Qt::TabFocus;
 
 QWidget *MakeButton(DialogWindow *shown, size_t index, const QString &title) {
     auto *button = new QPushButton(title, shown->window.get());
+    button->setAutoDefault(false);
+    button->setFocusPolicy(kNoClickFocus);
     QObject::connect(button, &QPushButton::clicked,
                      [=] { qt::PostPress(&shown->input, shown->dialog->items[index].bounds, {}); });
     return button;
@@ -27,6 +31,7 @@ QWidget *MakeButton(DialogWindow *shown, size_t index, const QString &title) {
 // The plug-in alone checks the box.
 QWidget *MakeCheckBox(DialogWindow *shown, size_t index, const QString &title) {
     auto *box = new QCheckBox(title, shown->window.get());
+    box->setFocusPolicy(kNoClickFocus);
     QObject::connect(box, &QCheckBox::clicked, [=](bool checked) {
         box->setChecked(!checked);
         qt::PostPress(&shown->input, shown->dialog->items[index].bounds, {});

@@ -1,5 +1,6 @@
 // The back end for the screen. Owns the application and the windows of the open dialogs.
 #include <QApplication>
+#include <QLoggingCategory>
 #include <QScreen>
 #include <algorithm>
 #include <clocale>
@@ -10,7 +11,25 @@
 
 namespace {
 
-std::vector<std::unique_ptr<qt::DialogWindow>> windows;
+// Never destroyed: when the display goes away Qt calls exit, and widgets could not go without it.
+auto &windows = *new std::vector<std::unique_ptr<qt::DialogWindow>>;
+
+// Lives as long as the process, like Qt's own state. Made by the first dialog: who only asks whether there is
+// a display does not depend on it from then on.
+void NeedApplication() {
+    if (QCoreApplication::instance() != nullptr) {
+        return;
+    }
+    // What Qt has to say of the display is not for the user; $QT_LOGGING_RULES still is obeyed.
+    QLoggingCategory::setFilterRules("default.warning=false");
+    static int count = 1;
+    static char name[] = "hymedian";
+    static char *arguments[] = {name, nullptr};
+    [[maybe_unused]] static auto *application = new QApplication(count, arguments);
+    QApplication::setQuitOnLastWindowClosed(false);
+    // Numbers in files are written the same everywhere.
+    std::setlocale(LC_NUMERIC, "C");
+}
 
 qt::DialogWindow *WindowOf(const DialogRecord *dialog) {
     const auto found = std::find_if(windows.begin(), windows.end(),
@@ -19,12 +38,14 @@ qt::DialogWindow *WindowOf(const DialogRecord *dialog) {
 }
 
 Rect Screen() {
+    NeedApplication();
     const QSize size = QGuiApplication::primaryScreen()->geometry().size();
     return {0, 0, static_cast<int16_t>(std::min(size.height(), INT16_MAX)),
             static_cast<int16_t>(std::min(size.width(), INT16_MAX))};
 }
 
 bool Open(DialogRecord *dialog) {
+    NeedApplication();
     windows.push_back(qt::MakeDialogWindow(dialog));
     return true;
 }
@@ -77,28 +98,12 @@ constexpr DialogBackend kScreen = {
     [](DialogRecord *, Point start) { return start; },
 };
 
-// Lives as long as the process, like Qt's own state.
-void MakeApplication() {
-    static int count = 1;
-    static char name[] = "hymedian";
-    static char *arguments[] = {name, nullptr};
-    [[maybe_unused]] static auto *application = new QApplication(count, arguments);
-    QApplication::setQuitOnLastWindowClosed(false);
-    // Numbers in files are written the same everywhere.
-    std::setlocale(LC_NUMERIC, "C");
-}
-
 }  // namespace
 
 // Null without a display.
 extern "C" const DialogBackend *ScreenDialogBackend();
 
 extern "C" const DialogBackend *ScreenDialogBackend() {
-    if (QCoreApplication::instance() == nullptr) {
-        if (!qt::DisplayAnswers()) {
-            return nullptr;
-        }
-        MakeApplication();
-    }
-    return &kScreen;
+    const bool answers = QCoreApplication::instance() != nullptr || qt::DisplayAnswers();
+    return answers ? &kScreen : nullptr;
 }

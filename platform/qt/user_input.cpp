@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QMouseEvent>
+#include <QWheelEvent>
 #include <algorithm>
 #include <iterator>
 #include <memory>
@@ -10,16 +11,24 @@ namespace {
 
 constexpr QEvent::Type kInputEvents[] = {
     QEvent::KeyPress,           QEvent::KeyRelease,          QEvent::InputMethod, QEvent::MouseButtonPress,
-    QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick, QEvent::MouseMove,
+    QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick, QEvent::MouseMove,   QEvent::Wheel,
 };
 
-// A copy of a mouse event would not last: all such events share one position, which is the latest.
-qt::Delivery DeliveryOf(const QEvent &event) {
+// Copies of events with a place would not last: all of them share one position, which is the latest.
+std::function<void(QObject *)> DeliveryOf(const QEvent &event) {
     if (const auto *mouse = dynamic_cast<const QMouseEvent *>(&event)) {
         return [type = mouse->type(), place = mouse->position(), onScreen = mouse->globalPosition(),
                 button = mouse->button(), buttons = mouse->buttons(),
                 modifiers = mouse->modifiers()](QObject *window) {
             QMouseEvent again(type, place, place, onScreen, button, buttons, modifiers);
+            QCoreApplication::sendEvent(window, &again);
+        };
+    }
+    if (const auto *wheel = dynamic_cast<const QWheelEvent *>(&event)) {
+        return [place = wheel->position(), onScreen = wheel->globalPosition(), pixels = wheel->pixelDelta(),
+                angle = wheel->angleDelta(), buttons = wheel->buttons(), modifiers = wheel->modifiers(),
+                phase = wheel->phase(), inverted = wheel->inverted()](QObject *window) {
+            QWheelEvent again(place, onScreen, pixels, angle, buttons, modifiers, phase, inverted);
             QCoreApplication::sendEvent(window, &again);
         };
     }
@@ -47,10 +56,10 @@ void qt::PostEdit(UserInput *input, int16_t item, const QString &text, int caret
     input->actions.push_back(action);
 }
 
-void qt::PostEscape(UserInput *input) {
+void qt::PostKey(UserInput *input, uint8_t character) {
     Action action = {};
     action.event.what = keyDown;
-    action.event.message = kEscapeCharCode;
+    action.event.message = character;
     input->actions.push_back(action);
 }
 
@@ -60,16 +69,22 @@ bool qt::HoldBack(UserInput *input, const QEvent &event) {
         std::find(std::begin(kInputEvents), std::end(kInputEvents), event.type()) == std::end(kInputEvents)) {
         return false;
     }
-    input->held.push_back(DeliveryOf(event));
+    // The press that a double click begins with bears a mark for widgets to pass it over, which is lost when
+    // it is made anew.
+    if (event.type() == QEvent::MouseButtonDblClick && !input->held.empty() &&
+        input->held.back().type == QEvent::MouseButtonPress) {
+        input->held.pop_back();
+    }
+    input->held.push_back({event.type(), DeliveryOf(event)});
     return true;
 }
 
 void qt::ReleaseHeld(UserInput *input, QObject *window) {
     input->releasing = true;
     while (input->actions.empty() && !input->held.empty()) {
-        const Delivery deliver = std::move(input->held.front());
+        const HeldEvent event = std::move(input->held.front());
         input->held.pop_front();
-        deliver(window);
+        event.deliver(window);
     }
     input->releasing = false;
 }

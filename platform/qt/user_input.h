@@ -23,13 +23,15 @@ struct Action {
     int caret;
 };
 
-// Hands an event that was held back to the window.
-using Delivery = std::function<void(QObject *window)>;
+struct HeldEvent {
+    QEvent::Type type;
+    std::function<void(QObject *window)> deliver;
+};
 
 struct UserInput {
     std::deque<Action> actions;  // that the plug-in has not seen yet
     Action current;              // that it handles now
-    std::deque<Delivery> held;
+    std::deque<HeldEvent> held;
     bool releasing;
 };
 
@@ -37,7 +39,7 @@ struct UserInput {
 // edit, the key.
 void PostPress(UserInput *input, const Rect &bounds, TrackedPart tracked);
 void PostEdit(UserInput *input, int16_t item, const QString &text, int caret);
-void PostEscape(UserInput *input);
+void PostKey(UserInput *input, uint8_t character);
 
 // True when an event of the window is kept for later and must not be delivered now. The window, not its
 // widgets: the focus moves with a click before the widget hears of it.

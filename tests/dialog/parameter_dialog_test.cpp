@@ -168,6 +168,16 @@ TEST_F(ParameterDialog, SessionsPan) {
         EXPECT_EQ(outcome.Last().controls[kVerticalBarItem - 1], c.height > 80);
         EXPECT_EQ(outcome.stored, 1);
     }
+    // Half of an odd size goes towards zero.
+    InstallDialog(101, 79);
+    const TestImage odd = RandomImage(250, 181, 3, 2);
+    const std::pair<int16_t, std::pair<int16_t, int16_t>> pages[] = {{kPageUp, {24, 12}},
+                                                                     {kPageDown, {124, 90}}};
+    for (const auto &[part, pan] : pages) {
+        const DialogOutcome outcome =
+            Run(odd, 1, {Press(kHorizontalBarItem, part), Press(kVerticalBarItem, part)});
+        EXPECT_EQ(std::pair(outcome.Value(kHorizontalBarItem), outcome.Value(kVerticalBarItem)), pan);
+    }
 }
 
 TEST_F(ParameterDialog, RebuildsOncePerHandledItem) {

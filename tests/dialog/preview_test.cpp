@@ -194,7 +194,7 @@ TEST_F(PreviewPicture, StaysGrayWithoutAWorkImageAndEmptyWithoutAPicture) {
     EXPECT_TRUE(sawNothing);
 }
 
-TEST_F(PreviewPicture, IsDrawnUntintedAndLeavesPortAndPenAlone) {
+TEST_F(PreviewPicture, IsDrawnUntintedAndLeavesPortAndPensAlone) {
     ScriptedSession session;
     UseScriptedDialogs(&session);
     DialogRef dialog = GetNewMooDialog(kRadiusDialogID, nullptr, nullptr);
@@ -203,14 +203,15 @@ TEST_F(PreviewPicture, IsDrawnUntintedAndLeavesPortAndPenAlone) {
     const RGBColor color = {0x1234, 0x5678, 0x9ABC};
     GWorldPtr picture;
     ASSERT_EQ(NewGWorld(&picture, 32, &bounds, nullptr, nullptr, useTempMem), noErr);
+    const PenState pens[] = {{{1, 2}, {3, 4}, srcCopy}, {{5, 6}, {7, 8}, srcCopy}};
     SetPort(GetDialogPort(dialog));
     RGBForeColor(&red);
     RGBBackColor(&red);
+    SetPenState(&pens[0]);
     SetPort(picture);
     RGBForeColor(&color);
     PaintRect(&bounds);
-    const PenState pen = {{1, 2}, {3, 4}, srcCopy};
-    SetPenState(&pen);
+    SetPenState(&pens[1]);
 
     SetupProxyDraw(dialog, kPreviewItem, picture);
     EXPECT_EQ(gProxyPtr, picture);
@@ -220,10 +221,12 @@ TEST_F(PreviewPicture, IsDrawnUntintedAndLeavesPortAndPenAlone) {
     GrafPtr port;
     GetPort(&port);
     EXPECT_EQ(port, picture);
-    PenState left;
-    GetPenState(&left);
-    EXPECT_EQ(left.pnSize.v, 3);
-    EXPECT_EQ(left.pnSize.h, 4);
+    for (const PenState &pen : pens) {
+        SetPort(&pen == pens ? GetDialogPort(dialog) : picture);
+        PenState left;
+        GetPenState(&left);
+        EXPECT_EQ(std::memcmp(&left, &pen, sizeof pen), 0);
+    }
     gProxyPtr = nullptr;
     DisposeGWorld(picture);
     DisposeDialog(dialog);

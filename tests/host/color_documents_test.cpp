@@ -2,6 +2,7 @@
 // another, against the plug-in itself and conversions written out here.
 #include <cmath>
 
+#include "hybridmedian/public.h"
 #include "photoshop/image_modes.h"
 #include "tests/host/program_fixture.h"
 #include "tests/support/script_host.h"

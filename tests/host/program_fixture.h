@@ -56,8 +56,11 @@ class Program : public ScratchFolder {
         if (child == 0) {
             setpgid(0, 0);
             // No windows on the developer's desktop.
-            for (const char *display : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
-                unsetenv(display);
+            for (const char *variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+                unsetenv(variable);
+            }
+            if (!display.empty()) {
+                setenv("DISPLAY", display.c_str(), 1);
             }
             if (fileSizeLimit != 0) {
                 // Writing more fails, as on a full disk.
@@ -129,6 +132,7 @@ class Program : public ScratchFolder {
 
     std::string executable = HYMEDIAN_PROGRAM;  // that is started next
     std::vector<int> descriptors;  // that the next program is born with, behind the standard ones
+    std::string display;           // of the next program; empty for none
     rlim_t fileSizeLimit = 0;      // of the next program; 0 for none
     rlim_t descriptorLimit = 0;    // likewise
     bool givesFilesAway = true;    // where root does

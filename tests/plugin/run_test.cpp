@@ -3,6 +3,7 @@
 #include <cstring>
 #include <fstream>
 
+#include "hybridmedian/public.h"
 #include "photoshop/image_modes.h"
 #include "plugin/color_modes.h"
 #include "plugin/entry.h"
@@ -15,7 +16,6 @@
 #include "toolkit/run_context.h"
 
 namespace {
-
 
 class Run : public ScratchFolder {
   protected:

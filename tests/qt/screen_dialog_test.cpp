@@ -4,10 +4,13 @@
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
 #include <QStyleOptionSlider>
 #include <QTest>
 #include <QTimer>
+#include <QWheelEvent>
 #include <QWindow>
 #include <functional>
 
@@ -64,6 +67,7 @@ void DragThumb(QDialog *window, const QScrollBar &bar, int value) {
     const int way = position(value) - position(bar.value());
     const QPoint end = thumb.center() + (across ? QPoint(way, 0) : QPoint(0, way));
     QTest::mousePress(window->windowHandle(), Qt::LeftButton, {}, thumb.center());
+    QTest::mouseMove(window->windowHandle(), (thumb.center() + end) / 2);
     QTest::mouseMove(window->windowHandle(), end);
     QTest::mouseRelease(window->windowHandle(), Qt::LeftButton, {}, end);
 }
@@ -124,16 +128,22 @@ class ScreenDialog : public DialogTest {
   protected:
     static void SetUpTestSuite() { setenv("QT_QPA_PLATFORM", "offscreen", 0); }
 
+    // From then on there is an application.
+    static void UseScreen() {
+        EXPECT_EQ(UseScreenDialogs(), noErr);
+        CurrentDialogBackend().screen();
+    }
+
     // Takes a step whenever the dialog waits.
     DialogOutcome RunOnScreen(const TestImage &source, float radius, const std::vector<Step> &steps) {
-        EXPECT_EQ(UseScreenDialogs(), noErr);
+        UseScreen();
         std::vector<DialogState> states;
         size_t next = 0;
         bool stepping = false;  // a step may run the event loop itself
         QTimer timer;
         QObject::connect(&timer, &QTimer::timeout, [&] {
             auto *window = qobject_cast<QDialog *>(QApplication::activeModalWidget());
-            if (window != nullptr && next < steps.size() && !stepping) {
+            if (window != nullptr && window->isActiveWindow() && next < steps.size() && !stepping) {
                 stepping = true;
                 states.push_back(StateOf(*model::OpenDialogs().back()));
                 ExpectShown(window, states.back());
@@ -204,6 +214,9 @@ TEST_F(ScreenDialog, GivesWhatTheScriptGives) {
         {3, {Key(kBackspace), Click(kOKItem)}},
         {3, {Key('4'), Key('2'), Click(kMinusItem), Key('2'), Key(kReturn)}},
         {3, {Click(kRadiusFieldItem), Key(kReturn)}},
+        {3, {Click(kPreviewCheckBoxItem), Key('5'), Click(kOKItem)}},
+        {3,
+         {Click(kRadiusFieldItem), Click(kPreviewCheckBoxItem), Key('1'), Key(kBackspace), Click(kOKItem)}},
         {3,
          {Click(4), Click(kPreviewItem), Click(kPreviewCheckBoxItem), Click(kPreviewCheckBoxItem),
           Click(kOKItem)}},
@@ -243,21 +256,114 @@ TEST_F(ScreenDialog, ClosingTheWindowCancels) {
     EXPECT_EQ(outcome.stored, 3);
 }
 
+TEST_F(ScreenDialog, StandsUnderItsTitleWhereItIsCentered) {
+    // So low that its frame is on the screen at twice the size, too.
+    std::vector<uint8_t> low = DialogTemplate();
+    PutShort(low.data() + 4, 400);
+    faults::RemoveResources();
+    faults::AddResource(kDialogType, kRadiusDialogID, low);
+    faults::AddResource(kItemListType, kRadiusDialogID, DialogItemList());
+    const Step look = [](QDialog *window) {
+        const QSize screen = window->screen()->size();
+        EXPECT_EQ(window->windowTitle(), "Hybrid Median");
+        EXPECT_EQ(window->geometry(),
+                  QRect((screen.width() - 380) / 2, (screen.height() - 400 - 20) / 3 + 20, 380, 400));
+        PressKey(window, kEscape);
+    };
+    RunOnScreen(image, 3, {look});
+}
+
 // What comes in faster than the preview is built waits for its turn, in its order.
 TEST_F(ScreenDialog, FastHandsLoseNothing) {
-    const std::vector<UserAction> burst = {
+    const Step wheel = [](QDialog *window) {
+        for (const int16_t item :
+             {kHorizontalBarItem, kHorizontalBarItem, kHorizontalBarItem, kVerticalBarItem}) {
+            const QPoint place = CenterOf(item);
+            QWheelEvent tick(place, window->mapToGlobal(place), {}, {0, -120}, {}, {}, Qt::NoScrollPhase,
+                             false);
+            QCoreApplication::sendEvent(window->windowHandle(), &tick);
+        }
+    };
+    const Step doubleClickField = [](QDialog *window) {
+        QTest::mouseDClick(window->windowHandle(), Qt::LeftButton, {}, CenterOf(kRadiusFieldItem));
+        PressKey(window, '5');
+    };
+    const Step doubleClickArrow = [](QDialog *window) {
+        const auto *bar = qobject_cast<QScrollBar *>(WidgetOf(window, kHorizontalBarItem));
+        QTest::mouseDClick(window->windowHandle(), Qt::LeftButton, {},
+                           PlaceOf(*bar, QStyle::SC_ScrollBarAddLine).center());
+    };
+    const std::vector<UserAction> various = {
         Key('4'), Key('2'), Click(kMinusItem), Key('2'), Press(kHorizontalBarItem, kUp), Click(kPlusItem)};
-    const Step all = [&](QDialog *window) {
-        for (const UserAction &action : burst) {
+    const Step allOfThem = [&](QDialog *window) {
+        for (const UserAction &action : various) {
             Perform(window, action);
         }
     };
-    const Step nothing = [](QDialog *) {};
-    const DialogOutcome outcome =
-        RunOnScreen(image, 3, {all, nothing, nothing, [](QDialog *window) { PressKey(window, kReturn); }});
-    EXPECT_EQ(outcome.stored, 3);
-    EXPECT_EQ(outcome.rebuilds, 7);
-    EXPECT_EQ(outcome.Value(kHorizontalBarItem), 74);
+    const struct {
+        Step burst;
+        std::vector<UserAction> actions;  // that it comes to
+    } cases[] = {
+        {allOfThem, various},
+        {doubleClickArrow, {Press(kHorizontalBarItem, kDownArrow), Press(kHorizontalBarItem, kDownArrow)}},
+        {doubleClickField, {Click(kRadiusFieldItem), user::DoubleClick(kRadiusFieldItem), Key('5')}},
+        {wheel,
+         {MoveThumb(kHorizontalBarItem, 78), MoveThumb(kHorizontalBarItem, 81),
+          MoveThumb(kHorizontalBarItem, 84), MoveThumb(kVerticalBarItem, 53)}},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(testing::Message() << "case " << &c - cases);
+        std::vector<UserAction> actions = c.actions;
+        actions.push_back(Key(kReturn));
+        const DialogOutcome slow = Run(image, 3, actions);
+        const DialogOutcome fast = RunOnScreen(image, 3, {c.burst, StepsOf({Key(kReturn)})[0]});
+        EXPECT_EQ(fast.stored, slow.stored);
+        EXPECT_EQ(fast.rebuilds, slow.rebuilds);
+        EXPECT_EQ(fast.Field(), slow.Field());
+        EXPECT_EQ(fast.Last().values, slow.Last().values);
+    }
+}
+
+TEST_F(ScreenDialog, KeysMeanTheSameWhereverTheFocusIs) {
+    const struct {
+        Qt::Key key;
+        Qt::KeyboardModifiers modifiers;
+        OSErr result;
+    } ends[] = {
+        {Qt::Key_Return, Qt::NoModifier, noErr},
+        {Qt::Key_Enter, Qt::KeypadModifier, noErr},
+        {Qt::Key_Escape, Qt::NoModifier, userCanceledErr},
+        {Qt::Key_Period, Qt::ControlModifier, userCanceledErr},
+    };
+    constexpr int kStops = 6;
+    for (int tabs = 0; tabs < kStops; ++tabs) {
+        const Step go = [=](QDialog *window) {
+            for (int i = 0; i < tabs; ++i) {
+                QTest::keyClick(window->windowHandle(), Qt::Key_Tab);
+            }
+        };
+        for (const auto &end : ends) {
+            SCOPED_TRACE(testing::Message() << tabs << " tabs, key " << end.key);
+            const Step type = [&](QDialog *window) {
+                go(window);
+                PressKey(window, '5');
+            };
+            const Step finish = [&](QDialog *window) {
+                go(window);
+                EXPECT_TRUE(qobject_cast<QPushButton *>(WidgetOf(window, kOKItem))->isDefault());
+                QTest::keyClick(window->windowHandle(), end.key, end.modifiers);
+            };
+            const DialogOutcome outcome = RunOnScreen(image, 3, {type, finish});
+            EXPECT_EQ(outcome.Field(), "5");
+            EXPECT_EQ(outcome.result, end.result);
+        }
+    }
+    // But space presses what has the focus.
+    const Step press = [](QDialog *window) {
+        QTest::keyClick(window->windowHandle(), Qt::Key_Backtab);
+        QTest::keyClick(window->windowHandle(), Qt::Key_Space);
+    };
+    EXPECT_EQ(RunOnScreen(image, 3, {press, StepsOf({Click(kOKItem)})[0]}).Value(kPreviewCheckBoxItem), 0);
 }
 
 TEST_F(ScreenDialog, AHeldArrowStepsOnce) {
@@ -356,7 +462,7 @@ void ExpectCleanLayout(QDialog *window) {
 // go to the folder $HYMEDIAN_SCREENSHOTS.
 TEST_F(ScreenDialog, LooksRightInLightAndDark) {
     InstallItems(DialogItemList());
-    ASSERT_EQ(UseScreenDialogs(), noErr);
+    UseScreen();
     const QPalette usual = QApplication::palette();
     const std::pair<const char *, QPalette> themes[] = {{"/light.png", usual}, {"/dark.png", DarkPalette()}};
     for (const auto &[name, palette] : themes) {

@@ -92,6 +92,11 @@ class DialogTest : public ScratchFolder {
         context.filterRecord = &record;
         context.colorPlanes = colorPlanes;
 
+        const Rect small = {0, 0, 1, 1};
+        GWorldPtr current;
+        EXPECT_EQ(NewGWorld(&current, 32, &small, nullptr, nullptr, 0), noErr);
+        SetPort(current);
+
         DialogOutcome outcome = {};
         const int64_t before = faults::BlocksInUse();
         faults::RefuseTemporaryMemory(refuseTemporaryMemory);
@@ -103,6 +108,10 @@ class DialogTest : public ScratchFolder {
         outcome.stored = values.radius;
         blocksKept += outcome.rebuilds;
         EXPECT_EQ(values.enabled, 1);
+        GrafPtr left;
+        GetPort(&left);
+        EXPECT_EQ(left, current);
+        DisposeGWorld(current);
         TossImage(image);
         return outcome;
     }

@@ -1,0 +1,91 @@
+// The filter's dialog on a display of its own, which nobody sees.
+#include <thread>
+
+#include "tests/host/program_fixture.h"
+
+namespace {
+
+constexpr std::chrono::seconds kPatience(60);
+
+class Display : public Program {
+  protected:
+    ~Display() override { StopServer(); }
+
+    // False where there is none to start.
+    bool StartServer() {
+        int ends[2];
+        EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
+        server = fork();
+        if (server == 0) {
+            const int nowhere = open("/dev/null", O_RDWR);
+            dup2(nowhere, STDERR_FILENO);
+            dup2(ends[1], STDOUT_FILENO);
+            execlp("Xvfb", "Xvfb", "-displayfd", "1", "-screen", "0", "640x480x24", "-fbdir", output.c_str(),
+                   nullptr);
+            _exit(127);
+        }
+        close(ends[1]);
+        display = ":";
+        char digit = 0;
+        // To the end of the line: whoever leaves before that kills the server.
+        while (digit != '\n' && read(ends[0], &digit, 1) == 1) {
+            display += digit == '\n' ? "" : std::string(1, digit);
+        }
+        close(ends[0]);
+        return digit == '\n';
+    }
+
+    void StopServer() {
+        if (server > 0) {
+            kill(server, SIGTERM);
+            waitpid(server, nullptr, 0);
+            server = -1;
+        }
+    }
+
+    // The screen is black until a window covers most of it.
+    bool WindowAppears() const {
+        const auto start = std::chrono::steady_clock::now();
+        while (std::chrono::steady_clock::now() < start + kPatience) {
+            const std::string screen = Contents(output / "Xvfb_screen0");
+            if (std::count(screen.begin(), screen.end(), '\0') < static_cast<int64_t>(screen.size()) / 2) {
+                return true;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+        return false;
+    }
+
+    pid_t server = -1;
+};
+
+TEST_F(Display, DialogsEndWithItAndByInterrupts) {
+    WriteNoise("in.png", 400, 300, 3);
+    const std::set<std::string> before = Names();
+    const struct {
+        bool serverEnds;  // else the program is interrupted
+        int status;
+        const char *sentence;
+    } cases[] = {
+        {false, 130, "hymedian: in.png: interrupted, nothing was written.\n"},
+        {true, 1,
+         "hymedian: in.png: the dialog's process ended with status 1, perhaps because the display went away, "
+         "nothing was written.\n"},
+    };
+    for (const auto &c : cases) {
+        if (!StartServer()) {
+            GTEST_SKIP() << "Xvfb is not installed";
+        }
+        const pid_t program = Start({"in.png", "-o", "new.png", "--dialog"});
+        EXPECT_TRUE(WindowAppears());
+        c.serverEnds ? StopServer() : static_cast<void>(kill(program, SIGINT));
+        const Ended ended = Wait(program);
+        EXPECT_EQ(ended.status, c.status);
+        EXPECT_EQ(ended.err, c.sentence);
+        EXPECT_EQ(Names(), before);
+        EXPECT_EQ(kill(-program, 0), -1) << "a process of the program's is left";
+        StopServer();
+    }
+}
+
+}  // namespace
