@@ -98,10 +98,11 @@ Figures MeasureRun(Module *module, const char *file, const char *output, float r
     FilterAlone(picture.document, radius, &figures);
     figures.reading = reading;
 
-    const FilterDialog dialog = {FilterDialog::Use::answered, static_cast<int32_t>(radius)};
+    const FilterOrders orders = {{}, DialogUser::script, static_cast<int32_t>(radius)};
+    ChooseDialogUser(orders);
     start = Clock::now();
-    const FilterOutcome outcome = FilterTiles({module, &picture.document, {}, true, {}, dialog},
-                                              CutIntoTiles(SelectedRect(picture.document), {}));
+    const FilterOutcome outcome = RunTiles({module, &picture.document, orders, true, {}},
+                                           CutIntoTiles(SelectedRect(picture.document), {}));
     figures.filtering = SecondsSince(start);
     if (outcome.result != noErr) {
         Give(FileFailure(file, "cannot be filtered"));

@@ -63,8 +63,9 @@ void Settle(Batch *batch, size_t index, const MaybeFailure &failure, const FileR
         ++batch->doneCount;
         const std::chrono::duration<double> elapsed = Clock::now() - start;
         if (!batch->options->quiet) {
-            std::printf("%s -> %s: %s, %.1f s%s\n", request.inputFile.c_str(), request.outputFile.c_str(),
-                        report.words.c_str(), elapsed.count(), report.lost.c_str());
+            std::printf("%s -> %s: %s, %.1f s%s\n", request.inputFile.c_str(),
+                        request.outputs[kPictureOutput].c_str(), report.words.c_str(), elapsed.count(),
+                        report.lost.c_str());
             std::fflush(stdout);
         }
     }
@@ -73,15 +74,14 @@ void Settle(Batch *batch, size_t index, const MaybeFailure &failure, const FileR
 
 MaybeFailure Filter(Batch *batch, Picture *picture, const Watcher &watcher, Action *recorded) {
     const Options &options = *batch->options;
-    const Action &action = batch->settings->action;
-    const FilterDialog &dialog = batch->settings->dialog;
+    const FilterOrders &orders = batch->settings->orders;
     const Document &document = picture->document;
     const std::vector<Tile> tiles =
         CutIntoTiles(SelectedRect(document), {.bands = BandsFor(document, options.jobs)});
     return document.sharing == Sharing::withWorkers && tiles.size() > 1
-               ? FilterInWorkers({options.pluginFolder, action, dialog, options.jobs, watcher}, tiles,
-                                 picture, recorded)
-               : FilterPicture({&batch->plugin->module, action, dialog, watcher}, picture, recorded);
+               ? FilterInWorkers({options.pluginFolder, orders, options.jobs, watcher}, tiles, picture,
+                                 recorded)
+               : FilterPicture({&batch->plugin->module, orders, watcher}, picture, recorded);
 }
 
 MaybeFailure DoHere(Batch *batch, size_t index, FileReport *report) {
@@ -156,7 +156,7 @@ bool TakeAnswer(Batch *batch, size_t job, const std::string &packed) {
 bool TakeDeath(Batch *batch, size_t job, const std::string &how) {
     const std::unique_ptr<Assigned> assigned = TakeBack(batch, job);
     const FileTask &task = assigned->planned.task;
-    const bool inDialog = task.settings.dialog.use == FilterDialog::Use::shown;
+    const bool inDialog = task.settings.orders.user == DialogUser::person;
     const Failure failure = FileFailure(
         task.inputFile, inDialog ? "the dialog's process " + how +
                                        ", perhaps because the display went away, nothing was written"
@@ -226,8 +226,11 @@ MaybeFailure PlanBatch(const Options &options, std::vector<FileRequest> *request
             sentence.append(", which is that of ").append(taken->second).append(" already.");
             return Failure{kExitUsage, sentence};
         }
-        requests->push_back({input, output, options.comparisonFile, options.recordFile, options.force,
-                             options.inPlace, options.maxMegapixels});
+        requests->push_back({input,
+                             {output, options.comparisonFile, options.recordFile},
+                             options.force,
+                             options.inPlace,
+                             options.maxMegapixels});
     }
     return std::nullopt;
 }

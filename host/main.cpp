@@ -8,7 +8,6 @@
 #include "host/batch.h"
 #include "host/filter/action_file.h"
 #include "host/filter/plugin.h"
-#include "host/filter/screen_dialogs.h"
 #include "host/interrupt.h"
 #include "host/options.h"
 #include "host/picture/vips_library.h"
@@ -23,15 +22,17 @@ Plugin plugin;
 
 MaybeFailure TakeSettings(const Options &options, FilterSettings *settings) {
     settings->selection = {options.selection, options.maskFile};
+    FilterOrders *orders = &settings->orders;
     if (options.dialog) {
-        settings->dialog.use = FilterDialog::Use::shown;
+        orders->user = DialogUser::person;
     } else if (options.radius && *options.radius > kMaxPlayedRadius) {
-        settings->dialog = {FilterDialog::Use::answered, *options.radius};
+        orders->user = DialogUser::script;
+        orders->radius = *options.radius;
     } else if (options.radius) {
-        settings->action.items.push_back(
+        orders->action.items.push_back(
             {.key = kRadiusKey, .type = typeFloat, .number = static_cast<double>(*options.radius)});
     }
-    return options.playFile.empty() ? std::nullopt : ReadAction(options.playFile, &settings->action);
+    return options.playFile.empty() ? std::nullopt : ReadAction(options.playFile, &orders->action);
 }
 
 MaybeFailure Prepare(const Options &options, FilterSettings *settings, std::vector<FileRequest> *requests) {
@@ -44,7 +45,7 @@ MaybeFailure Prepare(const Options &options, FilterSettings *settings, std::vect
     if (MaybeFailure failure = OpenPlugin(options.pluginFolder, &plugin)) {
         return failure;
     }
-    return options.dialog ? ShowDialogs() : std::nullopt;
+    return ChooseDialogUser(settings->orders);
 }
 
 int Run(const Options &options) {

@@ -4,7 +4,7 @@
 #include <iterator>
 #include <thread>
 
-#include "host/filter/module.h"
+#include "host/filter/plugin.h"
 #include "host/picture/selection.h"
 #include "hybridmedian/public.h"
 

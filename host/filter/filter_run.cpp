@@ -9,7 +9,6 @@
 #include "host/filter/memory_suites.h"
 #include "photoshop/filter_record.h"
 #include "platform/owned_block.h"
-#include "platform/scripted_dialogs.h"
 
 namespace {
 
@@ -46,8 +45,6 @@ struct Run {
 };
 
 Run *currentRun = nullptr;
-// In use from the run that sets it on.
-ScriptedSession answers;
 
 bool IsEmpty(const Rect &rect) {
     return rect.right <= rect.left || rect.bottom <= rect.top;
@@ -308,18 +305,13 @@ std::string MessageOf(const Run &run, OSErr result) {
 
 FilterOutcome RunFilter(const FilterRequest &request) {
     Run run = {};
-    if (request.dialog.use == FilterDialog::Use::answered) {
-        answers = {};
-        answers.actions = user::Answer(kRadiusFieldItem, std::to_string(request.dialog.radius));
-        UseScriptedDialogs(&answers);
-    }
     run.request = &request;
     run.document = request.document;
     run.tile = request.tile.value_or(WholeOf(*request.document));
-    const bool asks = request.dialog.use != FilterDialog::Use::none;
+    const bool asks = request.orders.user != DialogUser::nobody;
     run.descriptorParameters = {
         kDescriptorParametersVersion, asks ? plugInDialogDisplay : plugInDialogDontDisplay,
-        plugInDialogOptional,         EncodeAction(request.action),
+        plugInDialogOptional,         EncodeAction(request.orders.action),
         HostWriteDescriptorProcs(),   HostReadDescriptorProcs()};
     FillDocumentInfo(&run);
     FillRecord(&run);

@@ -5,9 +5,8 @@
 #include <string>
 
 #include "host/document/document.h"
-#include "host/filter/action.h"
-#include "host/filter/filter_dialog.h"
-#include "host/filter/module.h"
+#include "host/filter/orders.h"
+#include "host/filter/plugin.h"
 #include "host/report/watcher.h"
 #include "platform/types.h"
 
@@ -21,10 +20,9 @@ struct Tile {
 struct FilterRequest {
     Module *module;
     Document *document;
-    Action action;           // played back
+    FilterOrders orders;
     bool offerAdvanceState;  // else every request of the filter is answered by a Continue
     Watcher watcher;
-    FilterDialog dialog = {};
     std::optional<Tile> tile = {};  // without it, all that is selected
 };
 

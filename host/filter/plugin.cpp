@@ -1,5 +1,7 @@
 #include "host/filter/plugin.h"
 
+#include <dlfcn.h>
+
 #include <algorithm>
 #include <filesystem>
 
@@ -15,6 +17,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr char kPluginName[] = "HybridMedian.plugin";
+constexpr char kModuleName[] = "HybridMedian.so";
+constexpr char kInstalledFolder[] = "../lib/hymedian";  // from the program's folder
 constexpr char kResourceName[] = "HybridMedian.rsrc";
 
 MaybeFailure OpenResources(const std::string &path, int16_t *resources) {
@@ -36,10 +41,38 @@ MaybeFailure OpenResources(const std::string &path, int16_t *resources) {
 
 }  // namespace
 
+std::string DefaultPluginFolder() {
+    std::error_code error;
+    const fs::path here = fs::read_symlink("/proc/self/exe", error).parent_path();
+    const fs::path beside = here / kPluginName;
+    return fs::is_directory(beside, error)
+               ? beside.string()
+               : (here / kInstalledFolder / kPluginName).lexically_normal().string();
+}
+
 Plugin::~Plugin() {
     if (resources != -1) {
         CloseResFile(resources);
     }
+}
+
+MaybeFailure LoadModule(const std::string &folder, Module *module) {
+    const std::string path = (fs::path(folder) / kModuleName).string();
+    std::error_code error;
+    if (!fs::is_regular_file(path, error)) {
+        return FileFailure(path, "the plug-in's module is not there; name its folder with --plugin");
+    }
+    // With a slash in front of it the path is never searched for elsewhere.
+    void *library = dlopen(fs::absolute(path, error).c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (library == nullptr) {
+        return FileFailure(path, "the plug-in's module cannot be loaded");
+    }
+    module->entry = reinterpret_cast<FilterEntryProc>(dlsym(library, "main"));
+    if (module->entry == nullptr) {
+        dlclose(library);
+        return FileFailure(path, "the module has no entry point 'main'");
+    }
+    return std::nullopt;
 }
 
 MaybeFailure OpenPlugin(const std::string &folder, Plugin *plugin) {

@@ -4,9 +4,15 @@
 #include <string>
 
 #include "host/document/document.h"
-#include "host/filter/module.h"
 #include "host/filter/plugin_info.h"
 #include "host/report/failure.h"
+#include "photoshop/selectors.h"
+
+// The loadable module that holds the filter.
+struct Module {
+    FilterEntryProc entry = nullptr;
+    intptr_t data = 0;  // the filter's own, kept from run to run
+};
 
 struct Plugin {
     PluginInfo info;
@@ -18,6 +24,12 @@ struct Plugin {
     Plugin &operator=(const Plugin &) = delete;
     ~Plugin();
 };
+
+// HybridMedian.plugin beside the program; where that does not exist, where it is installed.
+std::string DefaultPluginFolder();
+
+// Loads HybridMedian.so of the folder. A module stays loaded to the end of the process.
+MaybeFailure LoadModule(const std::string &folder, Module *module);
 
 MaybeFailure OpenPlugin(const std::string &folder, Plugin *plugin);
 

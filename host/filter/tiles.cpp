@@ -74,7 +74,7 @@ std::vector<Tile> CutIntoTiles(const VRect &area, const TileLimits &limits) {
     return tiles;
 }
 
-FilterOutcome FilterTile(const FilterRequest &request, const Tile &tile) {
+FilterOutcome RunTile(const FilterRequest &request, const Tile &tile) {
     FilterRequest ofTile = request;
     if (!IsWhole(*request.document, tile)) {
         ofTile.tile = tile;
@@ -82,7 +82,7 @@ FilterOutcome FilterTile(const FilterRequest &request, const Tile &tile) {
     return RunFilter(ofTile);
 }
 
-FilterOutcome FilterTiles(const FilterRequest &request, const std::vector<Tile> &tiles) {
+FilterOutcome RunTiles(const FilterRequest &request, const std::vector<Tile> &tiles) {
     int64_t total = 0;
     for (const Tile &tile : tiles) {
         total += AreaOf(tile);
@@ -95,7 +95,7 @@ FilterOutcome FilterTiles(const FilterRequest &request, const std::vector<Tile> 
         done += AreaOf(tile);
         ofTile.watcher =
             PartOf(request.watcher, from, static_cast<double>(done) / static_cast<double>(total));
-        outcome = FilterTile(ofTile, tile);
+        outcome = RunTile(ofTile, tile);
         if (outcome.result != noErr) {
             ResetDestination(request.document, SelectedRect(*request.document));
             break;

@@ -18,8 +18,8 @@ std::vector<Tile> CutIntoTiles(const VRect &area, const TileLimits &limits);
 
 // Runs the filter over one tile, which it is shown as a document of its own unless it is all that is
 // selected.
-FilterOutcome FilterTile(const FilterRequest &request, const Tile &tile);
+FilterOutcome RunTile(const FilterRequest &request, const Tile &tile);
 
 // Filters the tiles one after the other. As with one run, the destination has to be a copy of the source, and
 // is one again after a failure.
-FilterOutcome FilterTiles(const FilterRequest &request, const std::vector<Tile> &tiles);
+FilterOutcome RunTiles(const FilterRequest &request, const std::vector<Tile> &tiles);

@@ -11,10 +11,9 @@
 #include <string_view>
 #include <vector>
 
-#include "host/picture/animated_png.h"
+#include "host/picture/file_probe.h"
 #include "host/picture/picture_mode.h"
 #include "host/picture/picture_samples.h"
-#include "host/picture/tiff_depth.h"
 #include "platform/posix_paths.h"
 
 namespace {
@@ -210,8 +209,7 @@ MaybeFailure ReadStrip(VipsRegion *region, const VipsRect &strip, Picture *pictu
     std::vector<uint8_t> row(static_cast<size_t>(RowBytes(*document)));
     const auto rowStep = static_cast<int64_t>(region->bpl);
     for (int64_t y = strip.top; y < strip.top + strip.height; ++y) {
-        TakeSamples(picture->delivered, region->data + (y - region->valid.top) * rowStep, *document,
-                    row.data());
+        TakeSamples(picture->form, region->data + (y - region->valid.top) * rowStep, *document, row.data());
         if (!FillRow(document, y, row.data())) {
             return TooLittleMemory(picture->file);
         }
@@ -234,7 +232,7 @@ MaybeFailure OpenPicture(const std::string &file, Picture *picture) {
     if (MaybeFailure failure = CheckShape(file, image, depth)) {
         return failure;
     }
-    picture->delivered = DeliveryOf(image, depth);
+    picture->form = FormOf(image, depth);
     VipsImage *metadata = vips_image_new();
     picture->metadata.reset(metadata);
     CopyMetadata(image, metadata);

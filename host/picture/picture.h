@@ -16,7 +16,7 @@ struct Picture {
     OwnedObject<VipsImage> metadata;
     // The file, until its pixels have been read.
     OwnedObject<VipsImage> unread;
-    Delivered delivered = Delivered::asInFile;
+    SampleForm form = SampleForm::asInFile;
 };
 
 // Opens the file and fills everything but the document's blocks. Refuses what cannot be filtered, and what

@@ -57,24 +57,24 @@ void Flip(const uint16_t *flips, const Document &document, uint8_t *row) {
 
 }  // namespace
 
-Delivered DeliveryOf(const VipsImage *image, int32_t depth) {
+SampleForm FormOf(const VipsImage *image, int32_t depth) {
     if (image->Coding == VIPS_CODING_LABQ) {
-        return Delivered::packedLab;
+        return SampleForm::packedLab;
     }
     if (image->Type != VIPS_INTERPRETATION_LABS) {
-        return Delivered::asInFile;
+        return SampleForm::asInFile;
     }
-    return depth == 8 ? Delivered::signedLabFrom8 : Delivered::signedLabFrom16;
+    return depth == 8 ? SampleForm::signedLabFrom8 : SampleForm::signedLabFrom16;
 }
 
 int32_t PlanesOf(VipsImage *image) {
     return image->Coding == VIPS_CODING_LABQ ? kLabPlanes : vips_image_get_bands(image);
 }
 
-void TakeSamples(Delivered delivered, const void *row, const Document &document, uint8_t *samples) {
+void TakeSamples(SampleForm form, const void *row, const Document &document, uint8_t *samples) {
     static constexpr void (*kTake[])(const void *, const Document &, uint8_t *) = {
         TakeAsInFile, TakePackedLab, TakeSignedLabFrom8, TakeSignedLabFrom16};
-    kTake[static_cast<int>(delivered)](row, document, samples);
+    kTake[static_cast<int>(form)](row, document, samples);
     const PictureMode &mode = ModeOfDocument(document.imageMode);
     // The last colour plane is flipped in every mode that has flips.
     if (mode.flips[document.colorPlanes - 1] != 0) {

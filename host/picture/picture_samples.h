@@ -6,7 +6,7 @@
 #include "host/document/document.h"
 
 // How the library delivers a picture's samples.
-enum class Delivered {
+enum class SampleForm {
     asInFile,
     packedLab,        // 8-bit Lab in four bytes, the last without meaning
     signedLabFrom8,   // 8-bit Lab with further channels, widened to 16 bits
@@ -14,9 +14,9 @@ enum class Delivered {
 };
 
 // `depth` is that of the file's samples.
-Delivered DeliveryOf(const VipsImage *image, int32_t depth);
+SampleForm FormOf(const VipsImage *image, int32_t depth);
 // Of a pixel, without what has no meaning.
 int32_t PlanesOf(VipsImage *image);
 
 // One row.
-void TakeSamples(Delivered delivered, const void *row, const Document &document, uint8_t *samples);
+void TakeSamples(SampleForm form, const void *row, const Document &document, uint8_t *samples);

@@ -55,8 +55,7 @@ bool NextBand(Bands *bands, std::string *job) {
     }
     const Tile &tile = (*bands->tiles)[bands->handedOut++];
     const BandRequest &request = *bands->request;
-    *job = PackTileJob(request.pluginFolder, bands->reader.picture->document, request.action, request.dialog,
-                       tile);
+    *job = PackTileJob(request.pluginFolder, bands->reader.picture->document, request.orders, tile);
     return ReadUntil(bands, tile.framed.bottom);
 }
 

@@ -4,8 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "host/filter/action.h"
-#include "host/filter/filter_dialog.h"
+#include "host/filter/orders.h"
 #include "host/filter/tiles.h"
 #include "host/picture/picture.h"
 #include "host/report/failure.h"
@@ -13,8 +12,7 @@
 
 struct BandRequest {
     std::string pluginFolder;
-    Action action;  // played back
-    FilterDialog dialog;
+    FilterOrders orders;
     int32_t workers;
     Watcher watcher;
 };

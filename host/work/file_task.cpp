@@ -17,23 +17,15 @@ namespace {
 // Of the bar; the rest is for writing.
 constexpr double kFilteredUntil = 0.95;
 
-struct PlannedOutput {
-    const std::string &file;  // empty for none
-    OutputFile *output;
-    std::string *written;
-    bool inPlace;
-};
-
 bool IsSamePlace(const std::string &a, const std::string &b) {
     std::error_code error;
     return !a.empty() && !b.empty() && fs::weakly_canonical(a, error) == fs::weakly_canonical(b, error);
 }
 
 MaybeFailure CheckPlaces(const FileRequest &request) {
-    const std::string *files[] = {&request.outputFile, &request.comparisonFile, &request.recordFile};
-    for (int i = 0; i < 3; ++i) {
-        const std::string &next = *files[(i + 1) % 3];
-        if (IsSamePlace(*files[i], next)) {
+    for (size_t i = 0; i < kOutputCount; ++i) {
+        const std::string &next = request.outputs[(i + 1) % kOutputCount];
+        if (IsSamePlace(request.outputs[i], next)) {
             return Failure{kExitUsage, next + ": two outputs cannot go to one file."};
         }
     }
@@ -57,17 +49,19 @@ std::string WordsOn(const Picture &picture, const Action &recorded) {
 
 MaybeFailure WriteResults(const FileTask &task, const Picture &picture, const PictureFormat &format,
                           const Action &recorded, const Watcher &watcher) {
-    if (!task.comparisonFile.empty()) {
-        if (MaybeFailure failure = WriteComparison(picture, task.writtenComparison, task.comparisonFile)) {
+    if (!task.outputs[kComparisonOutput].empty()) {
+        if (MaybeFailure failure =
+                WriteComparison(picture, task.written[kComparisonOutput], task.outputs[kComparisonOutput])) {
             return failure;
         }
     }
-    if (!task.recordFile.empty()) {
-        if (MaybeFailure failure = WriteAction(recorded, task.writtenRecord, task.recordFile)) {
+    if (!task.outputs[kActionOutput].empty()) {
+        if (MaybeFailure failure =
+                WriteAction(recorded, task.written[kActionOutput], task.outputs[kActionOutput])) {
             return failure;
         }
     }
-    return WritePicture(picture, format, task.writtenOutput, task.outputFile, watcher);
+    return WritePicture(picture, format, task.written[kPictureOutput], task.outputs[kPictureOutput], watcher);
 }
 
 }  // namespace
@@ -75,7 +69,7 @@ MaybeFailure WriteResults(const FileTask &task, const Picture &picture, const Pi
 MaybeFailure PlanFile(const FileRequest &request, const FilterSettings &settings, const PluginInfo &plugin,
                       PlannedFile *planned, Picture *picture) {
     const PictureFormat *format = nullptr;
-    if (MaybeFailure failure = FindFormat(request.outputFile, &format)) {
+    if (MaybeFailure failure = FindFormat(request.outputs[kPictureOutput], &format)) {
         return failure;
     }
     if (MaybeFailure failure = OpenPicture(request.inputFile, picture)) {
@@ -87,35 +81,30 @@ MaybeFailure PlanFile(const FileRequest &request, const FilterSettings &settings
     if (MaybeFailure failure = CheckMode(plugin, picture->document, request.inputFile)) {
         return failure;
     }
-    if (MaybeFailure failure =
-            CheckFormatHolds(*format, picture->document, request.inputFile, request.outputFile)) {
+    if (MaybeFailure failure = CheckFormatHolds(*format, picture->document, request.inputFile,
+                                                request.outputs[kPictureOutput])) {
         return failure;
     }
     if (MaybeFailure failure = CheckPlaces(request)) {
         return failure;
     }
     FileTask *task = &planned->task;
-    *task = {request.inputFile, request.outputFile, request.comparisonFile, request.recordFile, {}, {}, {},
-             settings};
-    const PlannedOutput outputs[] = {
-        {request.outputFile, &planned->output, &task->writtenOutput, request.inPlace},
-        {request.comparisonFile, &planned->comparison, &task->writtenComparison, false},
-        {request.recordFile, &planned->record, &task->writtenRecord, false},
-    };
-    for (const auto &[file, output, written, inPlace] : outputs) {
-        if (!file.empty()) {
-            if (MaybeFailure failure =
-                    PlanOutput({request.inputFile, file, request.force, inPlace}, output)) {
+    *task = {request.inputFile, request.outputs, {}, settings};
+    for (size_t i = 0; i < kOutputCount; ++i) {
+        const bool inPlace = request.inPlace && i == kPictureOutput;
+        if (!request.outputs[i].empty()) {
+            if (MaybeFailure failure = PlanOutput(
+                    {request.inputFile, request.outputs[i], request.force, inPlace}, &planned->outputs[i])) {
                 return failure;
             }
         }
     }
-    for (const auto &[file, output, written, inPlace] : outputs) {
-        if (!file.empty()) {
-            if (MaybeFailure failure = CreateTemporary(output)) {
+    for (size_t i = 0; i < kOutputCount; ++i) {
+        if (!request.outputs[i].empty()) {
+            if (MaybeFailure failure = CreateTemporary(&planned->outputs[i])) {
                 return failure;
             }
-            *written = output->temporary;
+            task->written[i] = planned->outputs[i].temporary;
         }
     }
     return std::nullopt;
@@ -124,7 +113,7 @@ MaybeFailure PlanFile(const FileRequest &request, const FilterSettings &settings
 MaybeFailure DoFileTask(const FileTask &task, Picture *picture, const FilterCall &filter,
                         const Watcher &watcher, FileReport *report) {
     const PictureFormat *format = nullptr;
-    if (MaybeFailure failure = FindFormat(task.outputFile, &format)) {
+    if (MaybeFailure failure = FindFormat(task.outputs[kPictureOutput], &format)) {
         return failure;
     }
     Document *document = &picture->document;
@@ -148,9 +137,9 @@ MaybeFailure DoFileTask(const FileTask &task, Picture *picture, const FilterCall
 }
 
 MaybeFailure PublishFile(PlannedFile *planned) {
-    for (OutputFile *output : {&planned->output, &planned->comparison, &planned->record}) {
-        if (!output->temporary.empty()) {
-            if (MaybeFailure failure = Publish(output)) {
+    for (OutputFile &output : planned->outputs) {
+        if (!output.temporary.empty()) {
+            if (MaybeFailure failure = Publish(&output)) {
                 return failure;
             }
         }

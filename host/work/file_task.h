@@ -4,8 +4,7 @@
 #include <functional>
 #include <string>
 
-#include "host/filter/action.h"
-#include "host/filter/filter_dialog.h"
+#include "host/filter/orders.h"
 #include "host/filter/plugin_info.h"
 #include "host/picture/picture.h"
 #include "host/picture/selection.h"
@@ -14,16 +13,13 @@
 #include "host/work/output_file.h"
 
 struct FilterSettings {
-    Action action;
-    FilterDialog dialog;
+    FilterOrders orders;
     Selection selection;
 };
 
 struct FileRequest {
     std::string inputFile;
-    std::string outputFile;
-    std::string comparisonFile;  // empty for none
-    std::string recordFile;      // empty for none
+    OutputNames outputs;
     bool force;
     bool inPlace;
     int32_t maxMegapixels;
@@ -32,12 +28,8 @@ struct FileRequest {
 // Whoever does the task writes to files that another may move to their places: it may die in between.
 struct FileTask {
     std::string inputFile;
-    std::string outputFile;
-    std::string comparisonFile;
-    std::string recordFile;
-    std::string writtenOutput;
-    std::string writtenComparison;
-    std::string writtenRecord;
+    OutputNames outputs;
+    OutputNames written;
     FilterSettings settings;
 };
 
@@ -49,9 +41,7 @@ struct FileReport {
 
 struct PlannedFile {
     FileTask task;
-    OutputFile output;
-    OutputFile comparison;
-    OutputFile record;
+    std::array<OutputFile, kOutputCount> outputs;
 };
 
 // Refuses all that can be refused without reading a pixel, and opens the picture.

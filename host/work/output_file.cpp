@@ -1,6 +1,7 @@
 #include "host/work/output_file.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,13 +10,14 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-
-#include "host/work/dead_temporaries.h"
+#include <set>
 
 namespace fs = std::filesystem;
 
 namespace {
 
+// What the names of temporary files begin with.
+constexpr char kTemporaryPrefix[] = ".hymedian-";
 constexpr mode_t kPermissionBits = 0777;
 constexpr mode_t kWriteBits = 0222;
 constexpr char kExistsAlready[] = "exists already; --force replaces it";
@@ -89,6 +91,44 @@ int MoveToFreeName(const char *from, const char *to) {
         return -1;
     }
     return link(from, to) == 0 ? unlink(from) : -1;
+}
+
+// Temporary files beside outputs, and those that runs left which died. A living run holds a lock on each of
+// its own.
+bool Locks(int descriptor) {
+    return flock(descriptor, LOCK_EX | LOCK_NB) == 0;
+}
+
+void RemoveIfDead(const fs::path &file) {
+    const int descriptor = open(file.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0) {
+        return;
+    }
+    struct stat info;
+    if (fstat(descriptor, &info) == 0 && S_ISREG(info.st_mode) && Locks(descriptor)) {
+        unlink(file.c_str());
+    }
+    close(descriptor);
+}
+
+// For as long as the descriptor is open. False when another run took the file for dead in between.
+bool LockTemporary(int descriptor) {
+    struct stat info;
+    return Locks(descriptor) && fstat(descriptor, &info) == 0 && info.st_nlink > 0;
+}
+
+// Removes those of dead runs, once per folder and process.
+void ClearDeadTemporaries(const fs::path &folder) {
+    static std::set<fs::path> cleared;
+    std::error_code error;
+    if (!cleared.insert(fs::absolute(folder, error)).second) {
+        return;
+    }
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+        if (entry->path().filename().string().rfind(kTemporaryPrefix, 0) == 0) {
+            RemoveIfDead(entry->path());
+        }
+    }
 }
 
 }  // namespace

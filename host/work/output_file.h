@@ -4,10 +4,18 @@
 
 #include <sys/types.h>
 
+#include <array>
+#include <cstddef>
 #include <optional>
 #include <string>
 
 #include "host/report/failure.h"
+
+// What the work on a picture leaves: the picture itself and, where they are wanted, before and after side by
+// side, and the action that the filter recorded.
+enum Output : size_t { kPictureOutput, kComparisonOutput, kActionOutput, kOutputCount };
+
+using OutputNames = std::array<std::string, kOutputCount>;  // empty where one is not wanted
 
 struct OutputRequest {
     std::string inputFile;

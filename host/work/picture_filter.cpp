@@ -6,15 +6,14 @@
 MaybeFailure FilterPicture(const PictureRequest &request, Picture *picture, Action *recorded) {
     Document *document = &picture->document;
     const std::vector<Tile> tiles = CutIntoTiles(SelectedRect(*document), {});
-    if (request.dialog.use == FilterDialog::Use::shown && tiles.size() > 1) {
+    if (request.orders.user == DialogUser::person && tiles.size() > 1) {
         return FileFailure(picture->file, "the picture is too large to be shown in the dialog whole");
     }
     if (MaybeFailure failure = ReadPixels(picture, PartOf(request.watcher, 0, kReadingShare))) {
         return failure;
     }
-    const FilterOutcome outcome = FilterTiles({request.module, document, request.action, true,
-                                               PartOf(request.watcher, kReadingShare, 1), request.dialog},
-                                              tiles);
+    const FilterOutcome outcome = RunTiles(
+        {request.module, document, request.orders, true, PartOf(request.watcher, kReadingShare, 1)}, tiles);
     *recorded = outcome.recorded;
     return FailureOfFilter(outcome, picture->file);
 }

@@ -1,9 +1,8 @@
 // A picture read and filtered, by this process alone.
 #pragma once
 
-#include "host/filter/action.h"
-#include "host/filter/filter_dialog.h"
-#include "host/filter/module.h"
+#include "host/filter/orders.h"
+#include "host/filter/plugin.h"
 #include "host/picture/picture.h"
 #include "host/report/failure.h"
 #include "host/report/watcher.h"
@@ -13,8 +12,7 @@ constexpr double kReadingShare = 0.05;
 
 struct PictureRequest {
     Module *module;
-    Action action;  // played back
-    FilterDialog dialog;
+    FilterOrders orders;
     Watcher watcher;
 };
 

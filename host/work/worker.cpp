@@ -11,7 +11,6 @@
 
 #include "host/filter/packing.h"
 #include "host/filter/plugin.h"
-#include "host/filter/screen_dialogs.h"
 #include "host/picture/vips_library.h"
 #include "host/work/picture_filter.h"
 #include "host/work/worker_job.h"
@@ -83,11 +82,11 @@ FilterOutcome DoTile(TileJob *job, Workplace *workplace) {
     if (workplace->pluginFailure) {
         return {errReportString, "the plug-in could not be opened once more", {}};
     }
+    ChooseDialogUser(job->orders);
     FilterOutcome outcome = {memFullErr, {}, {}};
     if (Attach(job->masked, workplace, &job->document)) {
-        outcome = FilterTile(
-            {&workplace->plugin.module, &job->document, job->action, true, ReportingWatcher(), job->dialog},
-            job->tile);
+        outcome = RunTile({&workplace->plugin.module, &job->document, job->orders, true, ReportingWatcher()},
+                          job->tile);
     }
     Detach(workplace, &job->document);
     return outcome;
@@ -97,10 +96,8 @@ FileAnswer DoFile(const FileTask &task, Workplace *workplace) {
     if (workplace->pluginFailure) {
         return {workplace->pluginFailure, {}};
     }
-    if (task.settings.dialog.use == FilterDialog::Use::shown) {
-        if (MaybeFailure failure = ShowDialogs()) {
-            return {failure, {}};
-        }
+    if (MaybeFailure failure = ChooseDialogUser(task.settings.orders)) {
+        return {failure, {}};
     }
     if (!workplace->vipsStarted) {
         workplace->vipsStarted = StartVips("hymedian");
@@ -112,9 +109,8 @@ FileAnswer DoFile(const FileTask &task, Workplace *workplace) {
     answer.failure = OpenPicture(task.inputFile, &picture);
     if (!answer.failure) {
         const auto filter = [&](Picture *opened, const Watcher &watcher, Action *recorded) {
-            return FilterPicture(
-                {&workplace->plugin.module, task.settings.action, task.settings.dialog, watcher}, opened,
-                recorded);
+            return FilterPicture({&workplace->plugin.module, task.settings.orders, watcher}, opened,
+                                 recorded);
         };
         answer.failure = DoFileTask(task, &picture, filter, ReportingWatcher(), &answer.report);
     }

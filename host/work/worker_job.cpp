@@ -1,5 +1,7 @@
 #include "host/work/worker_job.h"
 
+#include <algorithm>
+
 #include "host/filter/packing.h"
 
 namespace {
@@ -65,21 +67,22 @@ std::string JobHead(const std::string &pluginFolder, char mark) {
     return packed;
 }
 
-// A task's texts, in the order in which they are packed.
-constexpr std::string FileTask::*kTaskTexts[] = {
-    &FileTask::inputFile,     &FileTask::outputFile,        &FileTask::comparisonFile, &FileTask::recordFile,
-    &FileTask::writtenOutput, &FileTask::writtenComparison, &FileTask::writtenRecord,
-};
+bool TakeNames(std::string_view *packed, OutputNames *names) {
+    return std::all_of(names->begin(), names->end(),
+                       [=](std::string &name) { return TakeText(packed, &name); });
+}
+
+void AppendNames(std::string *packed, const OutputNames &names) {
+    for (const std::string &name : names) {
+        AppendText(packed, name);
+    }
+}
 
 bool TakeTask(std::string_view *packed, FileTask *task) {
-    for (std::string FileTask::*text : kTaskTexts) {
-        if (!TakeText(packed, &(task->*text))) {
-            return false;
-        }
-    }
     RectRecord rect;
     Selection *selection = &task->settings.selection;
-    if (!TakeActionText(packed, &task->settings.action) || !TakeRecord(packed, &task->settings.dialog) ||
+    if (!TakeText(packed, &task->inputFile) || !TakeNames(packed, &task->outputs) ||
+        !TakeNames(packed, &task->written) || !TakeOrders(packed, &task->settings.orders) ||
         !TakeText(packed, &selection->maskFile) || !TakeRecord(packed, &rect)) {
         return false;
     }
@@ -89,8 +92,7 @@ bool TakeTask(std::string_view *packed, FileTask *task) {
 
 bool TakeTile(std::string_view *packed, TileJob *job) {
     Shape shape;
-    if (!TakeRecord(packed, &shape) || !TakeActionText(packed, &job->action) ||
-        !TakeRecord(packed, &job->dialog)) {
+    if (!TakeRecord(packed, &shape) || !TakeOrders(packed, &job->orders)) {
         return false;
     }
     TakeShape(shape, job);
@@ -99,23 +101,21 @@ bool TakeTile(std::string_view *packed, TileJob *job) {
 
 }  // namespace
 
-std::string PackTileJob(const std::string &pluginFolder, const Document &document, const Action &action,
-                        const FilterDialog &dialog, const Tile &tile) {
+std::string PackTileJob(const std::string &pluginFolder, const Document &document, const FilterOrders &orders,
+                        const Tile &tile) {
     std::string packed = JobHead(pluginFolder, kTileMark);
     AppendRecord(&packed, ShapeOf(document, tile));
-    AppendText(&packed, PackAction(action));
-    AppendRecord(&packed, dialog);
+    AppendOrders(&packed, orders);
     return packed;
 }
 
 std::string PackFileJob(const std::string &pluginFolder, const FileTask &task) {
     std::string packed = JobHead(pluginFolder, kFileMark);
-    for (const std::string FileTask::*text : kTaskTexts) {
-        AppendText(&packed, task.*text);
-    }
+    AppendText(&packed, task.inputFile);
+    AppendNames(&packed, task.outputs);
+    AppendNames(&packed, task.written);
     const Selection &selection = task.settings.selection;
-    AppendText(&packed, PackAction(task.settings.action));
-    AppendRecord(&packed, task.settings.dialog);
+    AppendOrders(&packed, task.settings.orders);
     AppendText(&packed, selection.maskFile);
     AppendRecord(&packed, RectRecord{selection.rect.has_value(), selection.rect.value_or(VRect{})});
     return packed;

@@ -15,8 +15,7 @@ struct TileJob {
     Document document;  // without its blocks
     bool masked = false;
     Tile tile = {};
-    Action action;
-    FilterDialog dialog;
+    FilterOrders orders;
 };
 
 struct WorkerJob {
@@ -30,8 +29,8 @@ struct FileAnswer {
     FileReport report;
 };
 
-std::string PackTileJob(const std::string &pluginFolder, const Document &document, const Action &action,
-                        const FilterDialog &dialog, const Tile &tile);
+std::string PackTileJob(const std::string &pluginFolder, const Document &document, const FilterOrders &orders,
+                        const Tile &tile);
 std::string PackFileJob(const std::string &pluginFolder, const FileTask &task);
 bool UnpackJob(std::string_view packed, WorkerJob *job);
 

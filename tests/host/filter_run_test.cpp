@@ -237,7 +237,7 @@ TEST_F(FilterRun, BothWaysOfDrivingGiveTheSame) {
         std::vector<uint8_t> results[2];
         for (const bool advance : {false, true}) {
             Document document = RandomDocument(kind.mode, kind.depth, kind.colorPlanes, kind.planes, 23, 17);
-            const FilterOutcome outcome = RunFilter({&realFilter, &document, action, advance, {}});
+            const FilterOutcome outcome = RunFilter({&realFilter, &document, {action}, advance, {}});
             ASSERT_EQ(outcome.result, noErr);
             const ActionItem *recorded = FindItem(outcome.recorded, kRadiusKey);
             ASSERT_NE(recorded, nullptr);

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "host/document/document.h"
-#include "host/filter/module.h"
+#include "host/filter/plugin.h"
 #include "host/picture/vips_library.h"
 #include "photoshop/filter_record.h"
 #include "photoshop/image_modes.h"

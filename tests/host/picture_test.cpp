@@ -1,12 +1,12 @@
 // Picture files in and out: samples, metadata, and what a format cannot hold.
 #include "host/picture/picture.h"
+#include "host/picture/file_probe.h"
 
 #include <fstream>
 
 #include "host/picture/picture_format.h"
 #include "host/picture/picture_mode.h"
 #include "host/picture/picture_writer.h"
-#include "host/picture/tiff_depth.h"
 #include "platform/posix_paths.h"
 #include "tests/host/host_fixture.h"
 

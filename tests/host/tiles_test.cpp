@@ -58,12 +58,12 @@ TEST_F(Tiles, GiveTheResultOfOneRun) {
                     document.mask = MapBlock(MaskBytes(document), Sharing::none);
                     document.mask[700] = 255;
                 }
-                const FilterRequest request = {&realFilter, &document, action, true, {}};
+                const FilterRequest request = {&realFilter, &document, {action}, true, {}};
                 ASSERT_EQ(RunFilter(request).result, noErr);
                 const std::vector<uint8_t> whole = BytesOf(document, document.destination);
                 for (const TileLimits &limits : {TileLimits{1, 30}, TileLimits{5, 1000}}) {
                     const FilterOutcome outcome =
-                        FilterTiles(request, CutIntoTiles(SelectedRect(document), limits));
+                        RunTiles(request, CutIntoTiles(SelectedRect(document), limits));
                     ASSERT_EQ(outcome.result, noErr);
                     ASSERT_EQ(BytesOf(document, document.destination), whole);
                     EXPECT_EQ(FindItem(outcome.recorded, kRadiusKey)->number, 4);

@@ -45,8 +45,8 @@ class Worker : public Program {
 TEST_F(Worker, DoesFilesAndTilesUntilTheLineEnds) {
     WriteNoise("in.png", 90, 70, 3);
     const std::string plugin = DefaultPluginFolder();
-    FileTask task = {Path("in.png"), "out.png", "", "", Path("out.png"), "", "", {}};
-    task.settings.action.items.push_back({.key = kRadiusKey, .type = typeFloat, .number = 2});
+    FileTask task = {Path("in.png"), {"out.png"}, {Path("out.png")}, {}};
+    task.settings.orders.action.items.push_back({.key = kRadiusKey, .type = typeFloat, .number = 2});
     Picture noise;
     noise.document.sharing = Sharing::withWorkers;
     ASSERT_FALSE(OpenPicture(task.inputFile, &noise) || ReadPixels(&noise, {}));
@@ -61,7 +61,7 @@ TEST_F(Worker, DoesFilesAndTilesUntilTheLineEnds) {
     const std::vector<Tile> tiles = CutIntoTiles(SelectedRect(document), {.bands = 3});
     for (const Tile &tile : tiles) {
         FilterOutcome outcome;
-        const std::string job = PackTileJob(plugin, document, task.settings.action, {}, tile);
+        const std::string job = PackTileJob(plugin, document, task.settings.orders, tile);
         ASSERT_TRUE(UnpackOutcome(Do(job), &outcome));
         EXPECT_EQ(outcome.result, noErr);
     }
@@ -81,18 +81,18 @@ TEST_F(Worker, DoesFilesAndTilesUntilTheLineEnds) {
 TEST_F(Worker, WithoutThePluginSaysSo) {
     const pid_t worker = StartWorker({});
     FileAnswer answer;
-    ASSERT_TRUE(
-        UnpackAnswer(Do(PackFileJob("nowhere", {"in.png", "out.png", "", "", "", "", "", {}})), &answer));
+    ASSERT_TRUE(UnpackAnswer(Do(PackFileJob("nowhere", {"in.png", {"out.png"}, {}, {}})), &answer));
     EXPECT_NE(answer.failure->sentence.find("nowhere"), std::string::npos);
     shutdown(line[0], SHUT_RDWR);
     Wait(worker);
 }
 
 TEST_F(Worker, NonsenseEndsIt) {
-    const Action action = {kHybridMedianEvent, {{.key = kRadiusKey, .type = typeFloat, .number = 2}}};
+    const FilterOrders orders = {
+        {kHybridMedianEvent, {{.key = kRadiusKey, .type = typeFloat, .number = 2}}}, DialogUser::script, 5};
     FileTask task;
-    task.settings.action = action;
-    for (const std::string &job : {PackFileJob("plugin", task), PackTileJob("plugin", {}, action, {}, {})}) {
+    task.settings.orders = orders;
+    for (const std::string &job : {PackFileJob("plugin", task), PackTileJob("plugin", {}, orders, {})}) {
         WorkerJob unpacked;
         EXPECT_TRUE(UnpackJob(job, &unpacked));
         for (size_t size = 0; size < job.size(); ++size) {
@@ -108,7 +108,7 @@ TEST_F(Worker, NonsenseEndsIt) {
 TEST_F(Worker, DoesNothingForADeadParent) {
     WriteNoise("in.png", 90, 70, 3);
     const std::string job =
-        PackFileJob(DefaultPluginFolder(), {Path("in.png"), "out.png", "", "", Path("out.png"), "", "", {}});
+        PackFileJob(DefaultPluginFolder(), {Path("in.png"), {"out.png"}, {Path("out.png")}, {}});
     send(line[0], job.data(), job.size(), 0);
     close(std::exchange(line[0], -1));
     EXPECT_EQ(Wait(StartWorker({})).status, 0);
