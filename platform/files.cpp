@@ -117,6 +117,7 @@ OSErr FindFolder(int16_t vRefNum, OSType folderType, Boolean, int16_t *foundVRef
 }
 
 OSErr FSMakeFSSpec(int16_t vRefNum, int32_t dirID, ConstStringPtr path, FSSpec *spec) {
+    *spec = {};
     if (const OSErr injected = faults::FileCallError(); injected != noErr) {
         return injected;
     }
