@@ -4,6 +4,7 @@
 
 #include "imagestore/kept_images.h"
 #include "platform/files.h"
+#include "platform/memory.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/test_images.h"
 
@@ -45,6 +46,14 @@ TEST_F(NamedImages, BackingFileIsHeaderAndRows) {
     EXPECT_EQ(File("TempImage"), expected);
     TossTempImage(image);
     EXPECT_EQ(FileCount(), 0u);
+
+    // More than two of the blocks that files are cleared with.
+    faults::SetMemoryLimit(-1);
+    faults::RefuseTemporaryMemory(true);
+    ASSERT_EQ(MakeTempImage(1000, 600, 2, &image), noErr);
+    EXPECT_TRUE(File("TempImage") == std::string("\2\0\350\3\130\2", 6) + std::string(1200000, '\0'));
+    EXPECT_EQ(CloseNamedImage(image), noErr);
+    EXPECT_EQ(FileCount(), 0u) << "it was not to be kept";
 }
 
 TEST_F(NamedImages, LineAccessStaysInsideTheImage) {
@@ -141,6 +150,11 @@ TEST_F(NamedImages, KeptImagesComeBackUnderTheirNames) {
                 EXPECT_EQ(kind.open(&image), err);
                 EXPECT_EQ(image, nullptr);
             }
+            std::filesystem::remove(folder / kind.name);
+            std::filesystem::create_symlink("elsewhere", folder / kind.name);
+            EXPECT_EQ(kind.open(&image), ioErr);
+            EXPECT_EQ(FileCount(), 0u) << "what cannot be opened goes";
+            std::ofstream(folder / kind.name) << "old";
             EXPECT_EQ(kind.toss(nullptr), noErr);
             EXPECT_EQ(FileCount(), 0u);
             EXPECT_EQ(kind.open(&image), fnfErr);
@@ -150,18 +164,41 @@ TEST_F(NamedImages, KeptImagesComeBackUnderTheirNames) {
 }
 
 TEST_F(NamedImages, ImagesTooLargeForMemoryGoToDisk) {
-    // One row more than 512 MiB and 8 allow. The file is sparse only where the file system says so, so stop
-    // short of making it: without a folder the file cannot be created.
+    // 512 MiB and 8 bytes are the limit; these sizes are the nearest to it that three dimensions can make.
+    // The second allocation, for the contents, fails where it is tried, and without a folder no file is made.
     setenv("HYMEDIAN_PREFERENCES", (folder / "missing").c_str(), 1);
+    const struct {
+        int16_t width, height, bytesPerPixel;
+        bool tried;
+    } cases[] = {{16384, 16384, 2, true}, {13307, 8069, 5, false}, {32767, 32767, 6, false}};
     NamedImage *image;
-    EXPECT_NE(MakeImage(32767, 16385, 1, &image), noErr);
-    ASSERT_NE(image, nullptr);
-    EXPECT_TRUE(image->onDisk);
-    EXPECT_EQ(image->memory, nullptr);
-    TossImage(image);
+    for (const auto &c : cases) {
+        faults::FailAllocation(2);
+        EXPECT_NE(MakeImage(c.width, c.height, c.bytesPerPixel, &image), noErr);
+        EXPECT_EQ(faults::FaultStruck(), c.tried) << c.width;
+        ASSERT_NE(image, nullptr);
+        EXPECT_TRUE(image->onDisk);
+        EXPECT_EQ(image->memory, nullptr);
+        TossImage(image);
+    }
+    faults::FailAllocation(0);
     // Negative sides are none.
     EXPECT_EQ(MakeImage(-5, 7, 3, &image), noErr);
     EXPECT_EQ(image->data.width, 0);
+    TossImage(image);
+}
+
+// With room for record and contents alone, nothing is there to clear with.
+TEST_F(NamedImages, MemoryHoldsNothingOldEvenUncleared) {
+    constexpr int64_t kContentsSize = 6 + 100 * 30;
+    Ptr old = NewPtr(kContentsSize);
+    std::fill_n(old, kContentsSize, 'x');
+    DisposePtr(old);
+    faults::SetMemoryLimit(faults::BytesInUse() + int64_t{sizeof(NamedImage)} + kContentsSize);
+    NamedImage *image;
+    ASSERT_EQ(MakeImage(100, 30, 1, &image), noErr);
+    EXPECT_FALSE(image->onDisk);
+    EXPECT_EQ(BytesOf(image), std::vector<uint8_t>(100 * 30, 0));
     TossImage(image);
 }
 
