@@ -1,6 +1,7 @@
-// What the program finds around it: folders that are gone or new.
+// What the program finds around it: folders that are gone or new, and locks of others.
 #include "host/preferences_folder.h"
 #include "tests/host/program_fixture.h"
+#include "tests/support/held_lock.h"
 
 namespace {
 
@@ -25,6 +26,27 @@ TEST_F(Surroundings, PreferencesFolderIsTheOwnersHoweverItIsWritten) {
         MakePreferencesFolder();
         EXPECT_EQ(fs::status(folder / name).permissions(), fs::perms::owner_all) << name;
     }
+}
+
+// The one test that waits: two seconds, once for all pictures.
+TEST_F(Surroundings, LockedPreferencesAreDoneWithout) {
+    const fs::path preferences = output / "preferences/WEMBpref";
+    WriteNoise("a.png", 40, 30, 3);
+    WriteNoise("b.png", 40, 30, 3);
+    fs::create_directory(folder / "out");
+    const std::vector<std::string> command = {"a.png", "b.png", "-o", "out", "-f", "-j", "1"};
+    std::vector<std::string> withRadius = command;
+    withRadius.insert(withRadius.end(), {"-r", "3"});
+    ASSERT_EQ(Wait(Start(withRadius)).status, 0);
+    const std::string remembered = Contents(preferences);
+
+    const HeldLock other(preferences, std::chrono::seconds(10));
+    const Ended ended = Wait(Start(command));
+    EXPECT_TRUE(IsLocked(preferences)) << "it was waited for until it was let go";
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_EQ(ended.err, "");
+    EXPECT_NE(ended.out.find("radius 1"), std::string::npos) << ended.out;
+    EXPECT_EQ(Contents(preferences), remembered);
 }
 
 }  // namespace

@@ -1,10 +1,15 @@
 #include "imagestore/named_images.h"
 
+#include <sys/resource.h>
+
+#include <csignal>
 #include <fstream>
+#include <optional>
 
 #include "imagestore/kept_images.h"
 #include "platform/files.h"
 #include "platform/memory.h"
+#include "tests/support/held_lock.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/test_images.h"
 
@@ -200,6 +205,50 @@ TEST_F(NamedImages, MemoryHoldsNothingOldEvenUncleared) {
     EXPECT_FALSE(image->onDisk);
     EXPECT_EQ(BytesOf(image), std::vector<uint8_t>(100 * 30, 0));
     TossImage(image);
+}
+
+std::filesystem::path folderToLock;
+std::optional<HeldLock> another;
+
+// Clearing fails on a file that may not grow, and just then another process takes the folder's lock.
+TEST_F(NamedImages, FailedClearingDeletesBackingStoreUnderTheFoldersLock) {
+    folderToLock = folder;
+    faults::RefuseTemporaryMemory(true);
+    rlimit before;
+    getrlimit(RLIMIT_FSIZE, &before);
+    for (const bool locked : {true, false}) {
+        std::ofstream(folder / "BackingStore") << "of another process";
+        std::signal(SIGXFSZ, locked ? [](int) { another.emplace(folderToLock); } : SIG_IGN);
+        const rlimit small = {10, before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &small);
+        NamedImage *image;
+        const OSErr err = MakeTempImage(100, 30, 1, &image);
+        setrlimit(RLIMIT_FSIZE, &before);
+        EXPECT_EQ(err, dskFulErr);
+        EXPECT_EQ(image->fileRef, -1);
+        EXPECT_EQ(another.has_value(), locked);
+        EXPECT_EQ(std::filesystem::exists(folder / "BackingStore"), locked);
+        another.reset();
+        TossTempImage(image);
+    }
+    std::signal(SIGXFSZ, SIG_DFL);
+    EXPECT_EQ(FileCount(), 0u);
+}
+
+// The folder is not touched then: an image in memory needs none of it, one on disk cannot be made.
+TEST_F(NamedImages, FoldersThatOthersKeepLockedAreDoneWithout) {
+    std::ofstream(folder / "BackingStore") << "of another process";
+    for (const bool onDisk : {false, true}) {
+        const HeldLock other(folder);
+        faults::RefuseTemporaryMemory(onDisk);
+        NamedImage *image;
+        EXPECT_EQ(MakeImage(5, 3, 4, &image), onDisk ? fBsyErr : noErr);
+        EXPECT_EQ(image->onDisk, onDisk);
+        TossImage(image);
+        EXPECT_EQ(File("BackingStore"), "of another process");
+    }
+    TossTempImage(nullptr);
+    EXPECT_EQ(FileCount(), 1u);
 }
 
 TEST_F(NamedImages, EveryFailingAllocationIsAnswered) {

@@ -6,13 +6,16 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 
 #include "platform/date_time.h"
 #include "platform/files.h"
+#include "platform/locks.h"
 #include "platform/mac_roman.h"
 #include "platform/memory.h"
 #include "platform/posix_paths.h"
 #include "platform/volume.h"
+#include "tests/support/held_lock.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/test_images.h"
 
@@ -260,6 +263,38 @@ TEST_F(Platform, DatesAndTimesHaveTheSystemsForm) {
     tm local;
     localtime_r(&before, &local);
     EXPECT_LE(seconds - 2082844800U - static_cast<uint32_t>(before + local.tm_gmtoff), 1U);
+}
+
+TEST_F(Platform, LocksOfOthersAreNotWaitedForLong) {
+    ASSERT_EQ(HCreate(volume, directory, Name("file"), kCode, kCode), noErr);
+    int16_t ref;
+    ASSERT_EQ(HOpen(volume, directory, Name("file"), fsRdWrPerm, &ref), noErr);
+    int lock = -1;
+    const struct {
+        std::filesystem::path path;
+        std::function<OSErr()> take;
+        std::function<void()> release;
+    } kinds[] = {
+        {folder / "file", [&] { return LockFile(ref); }, [&] { UnlockFile(ref); }},
+        {folder, [&] { return LockFolder(volume, directory, &lock); }, [&] { UnlockFolder(lock); }},
+    };
+    for (const auto &kind : kinds) {
+        for (int round = 0; round < 2; ++round) {
+            {
+                const HeldLock other(kind.path);
+                ASSERT_EQ(kind.take(), userCanceledErr) << "a signal ends the wait";
+                ASSERT_EQ(kind.take(), fBsyErr) << "only tried after a wait in vain";
+            }
+            EXPECT_EQ(kind.take(), noErr);
+            EXPECT_TRUE(IsLocked(kind.path));
+            kind.release();
+            EXPECT_FALSE(IsLocked(kind.path));
+        }
+    }
+    FSClose(ref);
+    EXPECT_EQ(LockFile(ref), rfNumErr);
+    EXPECT_EQ(LockFolder(volume, 9999, &lock), noErr);
+    EXPECT_EQ(lock, -1);
 }
 
 }  // namespace
