@@ -27,7 +27,11 @@ fs::path PreferencesPath() {
 }  // namespace
 
 void MakePreferencesFolder() {
-    const fs::path folder = PreferencesPath();
+    fs::path folder = PreferencesPath();
+    // The folder before a trailing slash is not its own parent.
+    while (!folder.has_filename() && folder.has_relative_path()) {
+        folder = folder.parent_path();
+    }
     std::error_code error;
     fs::create_directories(folder.parent_path(), error);
     mkdir(folder.c_str(), S_IRWXU);

@@ -56,8 +56,11 @@ OSErr ReadAt(int16_t fileRef, int64_t offset, int64_t count, void *bytes) {
 
 OSErr DeleteImageFile(ConstStringPtr name) {
     const Folder folder = PreferencesFolder();
-    const int lock = LockFolder(folder.vRefNum, folder.dirID);
-    const OSErr err = HDelete(folder.vRefNum, folder.dirID, name);
+    int lock;
+    OSErr err = LockFolder(folder.vRefNum, folder.dirID, &lock);
+    if (err == noErr) {
+        err = HDelete(folder.vRefNum, folder.dirID, name);
+    }
     UnlockFolder(lock);
     return err;
 }

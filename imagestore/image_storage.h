@@ -12,7 +12,7 @@ int64_t ImageRowOffset(const NamedImage *image, int64_t y);
 // Header place and all rows.
 int64_t ImageContentsSize(const NamedImage *image);
 
-// Takes memory for the contents where it is there and the image not too large for it.
+// Takes memory, all zeros, for the contents where it is there and the image not too large for it.
 OSErr TakeImageMemory(NamedImage *image);
 void ReleaseImageMemory(NamedImage *image);
 

@@ -1,7 +1,5 @@
 #include "imagestore/kept_images.h"
 
-#include <cstring>
-
 #include "imagestore/image_storage.h"
 #include "imagestore/strings.h"
 #include "platform/files.h"
@@ -27,9 +25,8 @@ OSErr ReadHeader(NamedImage *image) {
 // The image stays in its file where there is no memory for it.
 void CopyIntoMemory(NamedImage *image) {
     if (TakeImageMemory(image) == noErr) {
-        const int64_t size = ImageContentsSize(image);
-        std::memset(image->contents, 0, static_cast<size_t>(size));
-        ReadAt(image->fileRef, kImageHeaderSize, size - kImageHeaderSize, image->contents + kImageHeaderSize);
+        ReadAt(image->fileRef, kImageHeaderSize, ImageContentsSize(image) - kImageHeaderSize,
+               image->contents + kImageHeaderSize);
     }
 }
 

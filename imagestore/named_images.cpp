@@ -79,7 +79,7 @@ OSErr OpenBackingFile(Folder folder, ConstStringPtr name, NamedImage *image) {
 }
 
 // Space in one piece, so that row seeks stay cheap. Where it cannot be had, clearing tells.
-OSErr FillBackingFile(Folder folder, NamedImage *image) {
+OSErr FillBackingFile(NamedImage *image) {
     WriteHeader(image);
     int64_t size = ImageContentsSize(image);
     AllocContig(image->fileRef, &size);
@@ -89,7 +89,7 @@ OSErr FillBackingFile(Folder folder, NamedImage *image) {
     FSClose(image->fileRef);
     image->fileRef = kNoImageFile;
     // Always this name, whichever image is being made.
-    HDelete(folder.vRefNum, folder.dirID, kBackingStoreName);
+    DeleteImageFile(kBackingStoreName);
     return dskFulErr;
 }
 
@@ -123,20 +123,22 @@ OSErr MakeNamedImage(ConstStringPtr name, Boolean keep, int16_t width, int16_t h
 
     const Folder folder = PreferencesFolder();
     // Another process may be making an image of this name in the same folder.
-    const int lock = LockFolder(folder.vRefNum, folder.dirID);
-    HDelete(folder.vRefNum, folder.dirID, name);
+    int lock;
+    OSErr err = LockFolder(folder.vRefNum, folder.dirID, &lock);
+    if (err == noErr) {
+        HDelete(folder.vRefNum, folder.dirID, name);
+    }
     made->onDisk = TakeImageMemory(made) != noErr || keep != 0;
-    const OSErr err = made->onDisk ? OpenBackingFile(folder, name, made) : noErr;
+    if (err == noErr && made->onDisk) {
+        err = OpenBackingFile(folder, name, made);
+    }
     UnlockFolder(lock);
 
-    if (err != noErr) {
-        return err;
-    }
     if (!made->onDisk) {
         _ClearFile(made);
         return noErr;
     }
-    return FillBackingFile(folder, made);
+    return err != noErr ? err : FillBackingFile(made);
 }
 
 OSErr TossNamedImage(ConstStringPtr name, NamedImage *image) {

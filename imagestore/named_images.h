@@ -27,7 +27,7 @@ struct NamedImage {
 
 // `*image` receives the image also on most failures; whoever called makes exactly one toss of it. Negative
 // dimensions count as 0. Returns noErr, memFullErr or a File Manager error; dskFulErr when the file could not
-// be filled.
+// be filled, and what LockFolder gives (platform/locks.h) when the folder could not be locked for it.
 OSErr MakeNamedImage(ConstStringPtr name, Boolean keep, int16_t width, int16_t height, int16_t bytesPerPixel,
                      NamedImage **image);
 // Releases the image and deletes the file `name` if the image had one, or if `image` is null.

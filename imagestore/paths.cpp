@@ -10,6 +10,8 @@ namespace {
 
 constexpr int32_t kRootDirectory = 2;
 constexpr int32_t kMaxLevels = 64;
+// The volume, its folders and a name, each with a colon or the zero behind it.
+constexpr size_t kMaxPathSize = (kMaxLevels + 2) * sizeof(Str63);
 constexpr int64_t kReadingBlockSize = 32768;
 constexpr char kCarriageReturn = 13;
 constexpr char kEllipsis = static_cast<char>(201);
@@ -126,16 +128,20 @@ void FSSpecToCString(const FSSpec *spec, char *path, int32_t size) {
     if (size <= 0) {
         return;
     }
-    PathFromDirID(spec->parID, spec->vRefNum, path, size);
-    const int32_t folderLength = Length(path);
-    const int32_t nameLength = spec->name[0];
-    if (folderLength + nameLength < size) {
-        BlockMoveData(spec->name + 1, path + folderLength, nameLength);
-        path[folderLength + nameLength] = 0;
+    // Joined whole first, so that the cut falls where the room ends and not between folders.
+    char whole[kMaxPathSize];
+    PathFromDirID(spec->parID, spec->vRefNum, whole, sizeof whole);
+    const int32_t folderLength = Length(whole);
+    const int32_t nameLength = std::min<int32_t>(spec->name[0], sizeof spec->name - 1);
+    BlockMoveData(spec->name + 1, whole + folderLength, nameLength);
+    const int32_t length = folderLength + nameLength;
+    if (length < size) {
+        BlockMoveData(whole, path, length);
+        path[length] = 0;
         return;
     }
     const int32_t kept = std::max(size - 2, 0);
-    BlockMoveData(spec->name + 1, path + folderLength, kept - folderLength);
+    BlockMoveData(whole, path, kept);
     path[kept] = size > 1 ? kEllipsis : 0;
     path[size - 1] = 0;
 }

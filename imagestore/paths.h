@@ -16,7 +16,8 @@ OSErr FSOpenAndAppendPath(const char *path, int16_t *refNum, int32_t *lineCount)
 // Has no lasting effect.
 void SetDefaultPath(const char *path);
 
-// The full path, in at most `size` bytes.
+// The full path, in at most `size` bytes; a longer one is cut to size - 2 characters and an ellipsis. Without
+// a folder that can be found, the name alone.
 void FSSpecToCString(const FSSpec *spec, char *path, int32_t size);
 // The folder's full path, each component followed by a colon; as many components as `size` has room for. An
 // error leaves an empty text: the catalogue's, or fnfErr for a chain of more than 64 folders.

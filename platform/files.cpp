@@ -2,7 +2,6 @@
 #include "platform/files.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -12,13 +11,12 @@
 #include <vector>
 
 #include "platform/fault_queries.h"
-#include "platform/locks.h"
+#include "platform/open_files.h"
 #include "platform/posix_paths.h"
 #include "platform/volume.h"
 
 namespace {
 
-constexpr int kClosed = -1;
 constexpr int16_t kFirstReference = 256;
 constexpr size_t kMaxOpenFiles = 4096;
 
@@ -26,11 +24,6 @@ std::vector<int> openFiles;  // descriptors; reference kFirstReference + i is en
 
 OSErr LastError() {
     return volume::ErrorFromErrno(errno);
-}
-
-int DescriptorOf(int16_t refNum) {
-    const auto index = static_cast<size_t>(refNum - kFirstReference);
-    return refNum >= kFirstReference && index < openFiles.size() ? openFiles[index] : kClosed;
 }
 
 OSErr AddReference(int descriptor, int16_t *refNum) {
@@ -75,14 +68,6 @@ OSErr ErrorForItem(int error, int16_t vRefNum, int32_t dirID) {
     return volume::ErrorFromErrno(error);
 }
 
-bool Lock(int descriptor) {
-    int result;
-    do {
-        result = flock(descriptor, LOCK_EX);
-    } while (result != 0 && errno == EINTR);
-    return result == 0;
-}
-
 std::string PreferencesPath() {
     const auto variable = [](const char *name) -> std::string {
         const char *value = getenv(name);
@@ -96,6 +81,11 @@ std::string PreferencesPath() {
 }
 
 }  // namespace
+
+int DescriptorOf(int16_t refNum) {
+    const auto index = static_cast<size_t>(refNum - kFirstReference);
+    return refNum >= kFirstReference && index < openFiles.size() ? openFiles[index] : kClosed;
+}
 
 OSErr FindFolder(int16_t vRefNum, OSType folderType, Boolean, int16_t *foundVRefNum, int32_t *foundDirID) {
     *foundVRefNum = 0;
@@ -117,6 +107,7 @@ OSErr FindFolder(int16_t vRefNum, OSType folderType, Boolean, int16_t *foundVRef
 }
 
 OSErr FSMakeFSSpec(int16_t vRefNum, int32_t dirID, ConstStringPtr path, FSSpec *spec) {
+    *spec = {};
     if (const OSErr injected = faults::FileCallError(); injected != noErr) {
         return injected;
     }
@@ -338,34 +329,4 @@ OSErr SpecFromPosixPath(const std::string &path, FSSpec *spec) {
 
 OSErr PosixPathFromSpec(const FSSpec &spec, std::string *path) {
     return volume::ItemPath(spec.vRefNum, spec.parID, spec.name, path);
-}
-
-int LockFolder(int16_t vRefNum, int32_t dirID) {
-    std::string path;
-    if (volume::DirectoryPath(vRefNum, dirID, &path) != noErr) {
-        return -1;
-    }
-    const int lock = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (lock < 0) {
-        return -1;
-    }
-    if (!Lock(lock)) {
-        close(lock);
-        return -1;
-    }
-    return lock;
-}
-
-void UnlockFolder(int lock) {
-    if (lock >= 0) {
-        close(lock);
-    }
-}
-
-void LockFile(int16_t refNum) {
-    Lock(DescriptorOf(refNum));
-}
-
-void UnlockFile(int16_t refNum) {
-    flock(DescriptorOf(refNum), LOCK_UN);
 }

@@ -52,7 +52,8 @@ OSErr FindFolder(int16_t vRefNum, OSType folderType, Boolean createFolder, int16
 
 // Makes an FSSpec from a colon path: "Volume:Folder:Name", or, with a leading colon or none at all,
 // relative to the folder the process was started in (volume and directory 0 are the only ones taken). One
-// colon may follow a folder's name. fnfErr: the FSSpec is sound, but nothing has its name.
+// colon may follow a folder's name. fnfErr: the FSSpec is sound, but nothing has its name. After any other
+// error every call on it fails.
 OSErr FSMakeFSSpec(int16_t vRefNum, int32_t dirID, ConstStringPtr path, FSSpec *spec);
 
 // The calls on an FSSpec, like those on volume, directory and name below.

@@ -27,7 +27,8 @@ void AppendUTF8(char16_t character, std::string *out) {
     }
 }
 
-// Takes one character off the front; malformed bytes come out as U+FFFD, one at a time.
+// Takes one character off the front; malformed bytes come out as U+FFFD, one at a time. A character written
+// with more bytes than it needs is malformed: a name could else hide a separator.
 char32_t TakeCharacter(std::string_view *text) {
     const auto first = static_cast<uint8_t>(text->front());
     const size_t length = first < 0x80       ? 1
@@ -42,6 +43,8 @@ char32_t TakeCharacter(std::string_view *text) {
         sound = byte >> 6 == 2;
         character = (character << 6) | (byte & 0x3F);
     }
+    static constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
+    sound = sound && character >= kSmallest[length];
     text->remove_prefix(sound ? length : 1);
     return sound ? character : 0xFFFD;
 }

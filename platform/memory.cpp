@@ -140,7 +140,7 @@ void HLock(Handle) {}
 void HUnlock(Handle) {}
 
 Handle TempNewHandle(int64_t size, OSErr *result) {
-    Handle handle = faults::TemporaryMemoryRefused() ? nullptr : NewHandle(size);
+    Handle handle = faults::TemporaryMemoryRefused() ? nullptr : NewHandleClear(size);
     *result = handle == nullptr ? memFullErr : noErr;
     return handle;
 }

@@ -1,7 +1,7 @@
 // The Memory Manager: pointer blocks, relocatable blocks behind handles, and temporary memory.
 //
-// A block has exactly the size asked for. Null or an unknown pointer is never touched. Requests of a negative
-// size fail. Whoever makes a block releases it.
+// A block has exactly the size asked for. Null is taken everywhere and never touched; every other pointer
+// must be one that these calls gave out. Requests of a negative size fail. Whoever makes a block releases it.
 #pragma once
 
 #include "platform/types.h"
@@ -23,7 +23,7 @@ OSErr SetHandleSize(Handle handle, int64_t size);
 void HLock(Handle handle);
 void HUnlock(Handle handle);
 
-// Memory outside the host's heap; `result` receives noErr or memFullErr.
+// Zeroed memory outside the host's heap; `result` receives noErr or memFullErr.
 Handle TempNewHandle(int64_t size, OSErr *result);
 
 // Copies also between overlapping blocks.

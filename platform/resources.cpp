@@ -2,7 +2,8 @@
 #include "platform/resources.h"
 
 #include <algorithm>
-#include <cstring>
+#include <limits>
+#include <set>
 #include <vector>
 
 #include "platform/dialog_resources.h"
@@ -25,7 +26,7 @@ struct Resource {
 
 // The file opened last comes first.
 std::vector<Resource> resources;
-int16_t lastFile = kTestFile;
+std::set<int16_t> openFiles;
 OSErr lastError = noErr;
 
 OSErr ReadWholeFile(const FSSpec *spec, int8_t permission, std::vector<uint8_t> *bytes) {
@@ -61,7 +62,21 @@ OSErr Add(int16_t file, OSType type, int16_t id, const uint8_t *bytes, size_t si
     return noErr;
 }
 
+// The lowest one that no open file has.
+OSErr TakeNumber(int16_t *file) {
+    if (openFiles.size() == std::numeric_limits<int16_t>::max()) {
+        return tmfoErr;
+    }
+    *file = kTestFile + 1;
+    for (auto taken = openFiles.begin(); taken != openFiles.end() && *taken == *file; ++taken) {
+        ++*file;
+    }
+    openFiles.insert(*file);
+    return noErr;
+}
+
 void RemoveFile(int16_t file) {
+    openFiles.erase(file);
     std::erase_if(resources, [file](const Resource &resource) {
         if (resource.file == file) {
             DisposeHandle(resource.data);
@@ -79,7 +94,13 @@ int16_t FSpOpenResFile(const FSSpec *spec, int8_t permission) {
     if (lastError == noErr && !ParseResourceFile(bytes, &entries)) {
         lastError = mapReadErr;
     }
-    const auto file = static_cast<int16_t>(lastFile + 1);
+    int16_t file = kTestFile;
+    if (lastError == noErr) {
+        lastError = TakeNumber(&file);
+    }
+    if (lastError != noErr) {
+        return -1;
+    }
     for (auto entry = entries.begin(); lastError == noErr && entry != entries.end(); ++entry) {
         lastError = Add(file, entry->type, entry->id, entry->data, entry->size);
     }
@@ -87,7 +108,6 @@ int16_t FSpOpenResFile(const FSSpec *spec, int8_t permission) {
         RemoveFile(file);
         return -1;
     }
-    lastFile = file;
     return file;
 }
 

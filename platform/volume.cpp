@@ -16,6 +16,8 @@
 namespace {
 
 constexpr size_t kMaxNameLength = 63;
+// A colon would come out as POSIX's separator.
+constexpr std::string_view kNotInNames("\0:", 2);
 constexpr int32_t kNoDirectory = 0;
 constexpr int32_t kFirstFreeDirectory = 16;
 
@@ -30,7 +32,15 @@ using FileIdentity = std::pair<dev_t, ino_t>;
 std::vector<Volume> volumes = {{"Macintosh HD", "/"}};
 std::map<FileIdentity, int32_t> directoryIDs;
 std::map<int32_t, std::string> directoryPaths;
-const std::string startupFolder = std::filesystem::current_path();
+
+// The folder that the process was started in may be gone.
+std::string StartupFolder() {
+    std::error_code error;
+    const std::filesystem::path folder = std::filesystem::current_path(error);
+    return error ? "/" : folder.string();
+}
+
+const std::string startupFolder = StartupFolder();
 
 const Volume *FindVolume(int16_t vRefNum) {
     const auto index = static_cast<size_t>(-vRefNum - 1);
@@ -52,7 +62,7 @@ void SwapSeparators(std::string *name) {
 
 OSErr CheckName(std::string_view name) {
     const bool sound = !name.empty() && name.size() <= kMaxNameLength && name != "." && name != ".." &&
-                       name.find('\0') == std::string_view::npos;
+                       name.find_first_of(kNotInNames) == std::string_view::npos;
     return sound ? noErr : bdNamErr;
 }
 
@@ -177,7 +187,6 @@ OSErr volume::CatalogueEntry(int16_t vRefNum, int32_t dirID, StringPtr name, int
 }
 
 OSErr volume::ResolvePath(std::string_view path, FSSpec *spec) {
-    *spec = {};
     int16_t vRefNum = kStartup;
     std::string folder = startupFolder;
     if (path.find(':') != std::string_view::npos) {

@@ -23,7 +23,7 @@ OSErr ItemPath(int16_t vRefNum, int32_t dirID, ConstStringPtr name, std::string 
 // Name and parent of a directory.
 OSErr CatalogueEntry(int16_t vRefNum, int32_t dirID, StringPtr name, int32_t *parentID);
 
-// The FSSpec of a colon path, whether or not its last component exists.
+// The FSSpec of a colon path, whether or not its last component exists. `spec` comes zeroed.
 OSErr ResolvePath(std::string_view path, FSSpec *spec);
 
 // The FSSpec of a POSIX path on the startup volume.

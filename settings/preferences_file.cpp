@@ -61,6 +61,16 @@ void PutSlotText(const char *text, uint8_t *buffer) {
     buffer[kTextSize - 1] = 0;
 }
 
+void WriteContents(const RunContext *context, int16_t refNum) {
+    uint8_t buffer[kSlotSize] = {};
+    WriteHeader(context, refNum, buffer);
+    for (const char *text : context->preferenceStrings) {
+        PutSlotText(text, buffer);
+        WriteBlock(refNum, kSlotSize, buffer);
+    }
+    WriteBlock(refNum, kPreferenceTailSize, context->preferencesTail);
+}
+
 void DisposeStrings(RunContext *context) {
     for (char *&text : context->preferenceStrings) {
         DisposeCString(text);
@@ -76,7 +86,10 @@ int16_t ReadPreferences(RunContext *context) {
     if (HOpenDF(folder.vRefNum, folder.dirID, kFileName, fsRdWrPerm, &refNum) != noErr) {
         return 0;
     }
-    LockFile(refNum);
+    if (LockFile(refNum) != noErr) {
+        FSClose(refNum);
+        return kPreferencesLocked;
+    }
     int64_t count = kPreferenceHeaderSize;
     if (FSRead(refNum, &count, context->preferencesHeader) == noErr) {
         ReadStrings(context, refNum);
@@ -92,16 +105,9 @@ void WritePreferences(RunContext *context, int16_t refNum) {
     if (refNum == 0) {
         refNum = OpenNewFile();
     }
-    if (refNum != 0) {
-        LockFile(refNum);
-        uint8_t buffer[kSlotSize] = {};
-        WriteHeader(context, refNum, buffer);
-        for (const char *text : context->preferenceStrings) {
-            PutSlotText(text, buffer);
-            WriteBlock(refNum, kSlotSize, buffer);
-        }
-        WriteBlock(refNum, kPreferenceTailSize, context->preferencesTail);
-        FSClose(refNum);
+    if (LockFile(refNum) == noErr) {
+        WriteContents(context, refNum);
     }
+    FSClose(refNum);
     DisposeStrings(context);
 }

@@ -6,7 +6,10 @@
 
 #include "toolkit/run_context.h"
 
-// Returns the open file for WritePreferences, or 0 when there is none.
+// Another process keeps the file. What was not read must not be written over, so that it is then left alone.
+constexpr int16_t kPreferencesLocked = -1;
+
+// Returns the open file for WritePreferences, 0 when there is none, or kPreferencesLocked.
 int16_t ReadPreferences(RunContext *context);
 
 // Closes the file, and disposes of the context's preference strings.

@@ -1,9 +1,15 @@
 #include "imagestore/named_images.h"
 
+#include <sys/resource.h>
+
+#include <csignal>
 #include <fstream>
+#include <optional>
 
 #include "imagestore/kept_images.h"
 #include "platform/files.h"
+#include "platform/memory.h"
+#include "tests/support/held_lock.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/test_images.h"
 
@@ -45,6 +51,14 @@ TEST_F(NamedImages, BackingFileIsHeaderAndRows) {
     EXPECT_EQ(File("TempImage"), expected);
     TossTempImage(image);
     EXPECT_EQ(FileCount(), 0u);
+
+    // More than two of the blocks that files are cleared with.
+    faults::SetMemoryLimit(-1);
+    faults::RefuseTemporaryMemory(true);
+    ASSERT_EQ(MakeTempImage(1000, 600, 2, &image), noErr);
+    EXPECT_TRUE(File("TempImage") == std::string("\2\0\350\3\130\2", 6) + std::string(1200000, '\0'));
+    EXPECT_EQ(CloseNamedImage(image), noErr);
+    EXPECT_EQ(FileCount(), 0u) << "it was not to be kept";
 }
 
 TEST_F(NamedImages, LineAccessStaysInsideTheImage) {
@@ -141,6 +155,11 @@ TEST_F(NamedImages, KeptImagesComeBackUnderTheirNames) {
                 EXPECT_EQ(kind.open(&image), err);
                 EXPECT_EQ(image, nullptr);
             }
+            std::filesystem::remove(folder / kind.name);
+            std::filesystem::create_symlink("elsewhere", folder / kind.name);
+            EXPECT_EQ(kind.open(&image), ioErr);
+            EXPECT_EQ(FileCount(), 0u) << "what cannot be opened goes";
+            std::ofstream(folder / kind.name) << "old";
             EXPECT_EQ(kind.toss(nullptr), noErr);
             EXPECT_EQ(FileCount(), 0u);
             EXPECT_EQ(kind.open(&image), fnfErr);
@@ -150,19 +169,86 @@ TEST_F(NamedImages, KeptImagesComeBackUnderTheirNames) {
 }
 
 TEST_F(NamedImages, ImagesTooLargeForMemoryGoToDisk) {
-    // One row more than 512 MiB and 8 allow. The file is sparse only where the file system says so, so stop
-    // short of making it: without a folder the file cannot be created.
+    // 512 MiB and 8 bytes are the limit; these sizes are the nearest to it that three dimensions can make.
+    // The second allocation, for the contents, fails where it is tried, and without a folder no file is made.
     setenv("HYMEDIAN_PREFERENCES", (folder / "missing").c_str(), 1);
+    const struct {
+        int16_t width, height, bytesPerPixel;
+        bool tried;
+    } cases[] = {{16384, 16384, 2, true}, {13307, 8069, 5, false}, {32767, 32767, 6, false}};
     NamedImage *image;
-    EXPECT_NE(MakeImage(32767, 16385, 1, &image), noErr);
-    ASSERT_NE(image, nullptr);
-    EXPECT_TRUE(image->onDisk);
-    EXPECT_EQ(image->memory, nullptr);
-    TossImage(image);
+    for (const auto &c : cases) {
+        faults::FailAllocation(2);
+        EXPECT_NE(MakeImage(c.width, c.height, c.bytesPerPixel, &image), noErr);
+        EXPECT_EQ(faults::FaultStruck(), c.tried) << c.width;
+        ASSERT_NE(image, nullptr);
+        EXPECT_TRUE(image->onDisk);
+        EXPECT_EQ(image->memory, nullptr);
+        TossImage(image);
+    }
+    faults::FailAllocation(0);
     // Negative sides are none.
     EXPECT_EQ(MakeImage(-5, 7, 3, &image), noErr);
     EXPECT_EQ(image->data.width, 0);
     TossImage(image);
+}
+
+// With room for record and contents alone, nothing is there to clear with.
+TEST_F(NamedImages, MemoryHoldsNothingOldEvenUncleared) {
+    constexpr int64_t kContentsSize = 6 + 100 * 30;
+    Ptr old = NewPtr(kContentsSize);
+    std::fill_n(old, kContentsSize, 'x');
+    DisposePtr(old);
+    faults::SetMemoryLimit(faults::BytesInUse() + int64_t{sizeof(NamedImage)} + kContentsSize);
+    NamedImage *image;
+    ASSERT_EQ(MakeImage(100, 30, 1, &image), noErr);
+    EXPECT_FALSE(image->onDisk);
+    EXPECT_EQ(BytesOf(image), std::vector<uint8_t>(100 * 30, 0));
+    TossImage(image);
+}
+
+std::filesystem::path folderToLock;
+std::optional<HeldLock> another;
+
+// Clearing fails on a file that may not grow, and just then another process takes the folder's lock.
+TEST_F(NamedImages, FailedClearingDeletesBackingStoreUnderTheFoldersLock) {
+    folderToLock = folder;
+    faults::RefuseTemporaryMemory(true);
+    rlimit before;
+    getrlimit(RLIMIT_FSIZE, &before);
+    for (const bool locked : {true, false}) {
+        std::ofstream(folder / "BackingStore") << "of another process";
+        std::signal(SIGXFSZ, locked ? [](int) { another.emplace(folderToLock); } : SIG_IGN);
+        const rlimit small = {10, before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &small);
+        NamedImage *image;
+        const OSErr err = MakeTempImage(100, 30, 1, &image);
+        setrlimit(RLIMIT_FSIZE, &before);
+        EXPECT_EQ(err, dskFulErr);
+        EXPECT_EQ(image->fileRef, -1);
+        EXPECT_EQ(another.has_value(), locked);
+        EXPECT_EQ(std::filesystem::exists(folder / "BackingStore"), locked);
+        another.reset();
+        TossTempImage(image);
+    }
+    std::signal(SIGXFSZ, SIG_DFL);
+    EXPECT_EQ(FileCount(), 0u);
+}
+
+// The folder is not touched then: an image in memory needs none of it, one on disk cannot be made.
+TEST_F(NamedImages, FoldersThatOthersKeepLockedAreDoneWithout) {
+    std::ofstream(folder / "BackingStore") << "of another process";
+    for (const bool onDisk : {false, true}) {
+        const HeldLock other(folder);
+        faults::RefuseTemporaryMemory(onDisk);
+        NamedImage *image;
+        EXPECT_EQ(MakeImage(5, 3, 4, &image), onDisk ? fBsyErr : noErr);
+        EXPECT_EQ(image->onDisk, onDisk);
+        TossImage(image);
+        EXPECT_EQ(File("BackingStore"), "of another process");
+    }
+    TossTempImage(nullptr);
+    EXPECT_EQ(FileCount(), 1u);
 }
 
 TEST_F(NamedImages, EveryFailingAllocationIsAnswered) {

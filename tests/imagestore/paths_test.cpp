@@ -100,22 +100,30 @@ TEST_F(Paths, SplitAtTheLastColonAndCutToSize) {
 }
 
 TEST_F(Paths, SpecificationsBecomeFullPaths) {
-    std::filesystem::create_directory(folder / "Logs");
+    std::filesystem::create_directories(folder / "Logs");
+    std::filesystem::create_directory(folder / "LongFolderName");
     FSSpec spec;
-    CStringToFSSpec("Disk:Logs:run.txt", &spec);
-    const std::pair<int32_t, const char *> cases[] = {{18, "Disk:Logs:run.txt"},
-                                                      {17, "Disk:Logs:run.t\xC9"},
-                                                      {11, "Disk:\xC9"},
-                                                      {6, "Disk\xC9"},
-                                                      {2, "\xC9"}};
-    for (const auto &[size, expected] : cases) {
-        char path[32];
-        FSSpecToCString(&spec, path, size);
-        if (size >= 17) {
-            EXPECT_STREQ(path, expected);
-        }
-        EXPECT_LT(std::strlen(path), static_cast<size_t>(size));
+    const struct {
+        const char *path;
+        int32_t size;
+        const char *cut;
+    } cases[] = {{"Disk:Logs:run.txt", 18, "Disk:Logs:run.txt"},
+                 {"Disk:Logs:run.txt", 17, "Disk:Logs:run.t\xC9"},
+                 {"Disk:Logs:run.txt", 11, "Disk:Logs\xC9"},
+                 {"Disk:Logs:run.txt", 6, "Disk\xC9"},
+                 {"Disk:Logs:run.txt", 2, "\xC9"},
+                 {"Disk:Logs:run.txt", 1, ""},
+                 {"Disk:Logs:run.txt", 0, "?"},
+                 {"Disk:LongFolderName:a", 20, "Disk:LongFolderNam\xC9"}};
+    for (const auto &c : cases) {
+        char path[32] = "?";
+        path[c.size] = c.size == 0 ? '?' : '#';
+        CStringToFSSpec(c.path, &spec);
+        FSSpecToCString(&spec, path, c.size);
+        EXPECT_STREQ(path, c.cut) << c.size;
+        EXPECT_EQ(path[c.size], c.size == 0 ? '?' : '#') << c.size;
     }
+    CStringToFSSpec("Disk:Logs:run.txt", &spec);
     std::string posix;
     EXPECT_EQ(PosixPathFromSpec(spec, &posix), noErr);
     EXPECT_EQ(posix, folder / "Logs/run.txt");
@@ -124,6 +132,30 @@ TEST_F(Paths, SpecificationsBecomeFullPaths) {
     char path[514];
     FSSpecToCString(&spec, path, sizeof path);
     EXPECT_EQ(std::string(path).substr(0, 13), "Macintosh HD:");
+
+    // Longer than the texts that a run keeps paths in, and cut at every place.
+    std::filesystem::path longPath = folder;
+    std::string whole = "Disk:";
+    for (int level = 0; level < 10; ++level) {
+        longPath /= std::string(60, static_cast<char>('a' + level));
+        whole += longPath.filename().string() + ":";
+    }
+    std::filesystem::create_directories(longPath);
+    FSSpec onDisk;
+    CStringToFSSpec("Disk:any", &onDisk);
+    ASSERT_EQ(SpecFromPosixPath(longPath / "name", &spec), fnfErr);
+    spec.vRefNum = onDisk.vRefNum;
+    const std::string withName = whole + "name";
+    for (size_t size = 2; size < withName.size() + 5; ++size) {
+        std::vector<char> text(size + 1, '#');
+        FSSpecToCString(&spec, text.data(), static_cast<int32_t>(size));
+        EXPECT_EQ(text.data(), withName.size() < size ? withName : withName.substr(0, size - 2) + "\xC9");
+        EXPECT_EQ(text[size], '#') << size;
+        // As many whole components as there is room for.
+        PathFromDirID(spec.parID, spec.vRefNum, text.data(), static_cast<int32_t>(size));
+        EXPECT_EQ(text.data(), whole.substr(0, whole.substr(0, size - 1).rfind(':') + 1)) << size;
+        EXPECT_EQ(text[size], '#') << size;
+    }
 
     // Folders of exactly as many levels as are climbed, and one more.
     std::filesystem::path deep = folder;

@@ -101,4 +101,27 @@ TEST(Strings, AllocatedTextsAreZeroedAndNeverEmpty) {
     DisposeCString(nullptr);
 }
 
+// What the next block of the size finds, where memory is handed out again at once.
+TEST(Strings, DisposedTextsCannotBeRead) {
+    const std::pair<int32_t, std::string> cases[] = {{9, std::string("\0ecret99", 9)},
+                                                     {10, std::string("<deleted>\0", 10)},
+                                                     {40, std::string("<deleted>\0XXXX", 14)}};
+    for (const auto &[size, left] : cases) {
+        char *text = NewPtr(size);
+        std::memset(text, 'X', static_cast<size_t>(size));
+        std::memcpy(text, "secret99", 8);
+        text[8] = 0;
+        const auto place = reinterpret_cast<uintptr_t>(text);
+        DisposeCString(text);
+        Ptr next = NewPtr(size);
+        const bool reused = reinterpret_cast<uintptr_t>(next) == place;
+        const std::string found(next, reused ? left.size() : 0);
+        DisposePtr(next);
+        if (!reused) {
+            GTEST_SKIP() << "released memory is kept away here";
+        }
+        EXPECT_EQ(found, left);
+    }
+}
+
 }  // namespace

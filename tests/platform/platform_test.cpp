@@ -1,12 +1,23 @@
 #include <sys/stat.h>
-#include <sys/xattr.h>
+#include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 
+#include "platform/date_time.h"
 #include "platform/files.h"
+#include "platform/locks.h"
+#include "platform/mac_roman.h"
 #include "platform/memory.h"
+#include "platform/posix_paths.h"
+#include "platform/volume.h"
+#include "tests/support/held_lock.h"
 #include "tests/support/scratch_folder.h"
+#include "tests/support/test_images.h"
 
 namespace {
 
@@ -105,12 +116,19 @@ TEST_F(Platform, NamesAndFoldersAreChecked) {
     } cases[] = {{"", bdNamErr},
                  {".", bdNamErr},
                  {"..", bdNamErr},
+                 {"..:escape", bdNamErr},
+                 {"sub:inside", bdNamErr},
+                 {":escape", bdNamErr},
                  {std::string(64, 'n'), bdNamErr},
                  {std::string(63, 'n'), fnfErr},
                  {"sub", notAFileErr},
                  {"link", ioErr}};
     for (const auto &c : cases) {
         EXPECT_EQ(HOpen(volume, directory, Name(c.name), fsRdWrPerm, &ref), c.err) << c.name;
+        if (c.err == bdNamErr) {
+            EXPECT_EQ(HCreate(volume, directory, Name(c.name), kCode, kCode), bdNamErr) << c.name;
+            EXPECT_EQ(HDelete(volume, directory, Name(c.name)), bdNamErr) << c.name;
+        }
     }
     std::filesystem::create_symlink("elsewhere", folder / "dangling");
     EXPECT_EQ(HCreate(volume, directory, Name("dangling"), kCode, kCode), dupFNErr);
@@ -121,6 +139,162 @@ TEST_F(Platform, NamesAndFoldersAreChecked) {
     EXPECT_EQ(HCreate(volume, directory, Name("x"), kCode, kCode), dirNFErr);
     EXPECT_EQ(FindFolder(kOnSystemDisk, kPreferencesFolderType, true, &volume, &directory), fnfErr);
     EXPECT_FALSE(std::filesystem::exists(folder)) << "the folder is the host's to make";
+}
+
+TEST_F(Platform, PreferencesFolderIsFoundThroughItsVariables) {
+    const std::string home = folder / "home", configHome = folder / "config", own = folder / "own";
+    const struct {
+        const char *own, *configHome;
+        std::string found;
+    } cases[] = {{own.c_str(), configHome.c_str(), own},
+                 {nullptr, configHome.c_str(), configHome + "/hymedian/Preferences"},
+                 {"", "", home + "/.config/hymedian/Preferences"},
+                 {nullptr, nullptr, home + "/.config/hymedian/Preferences"}};
+    const auto set = [](const char *name, const char *value) {
+        value == nullptr ? unsetenv(name) : setenv(name, value, 1);
+    };
+    const std::string homeBefore = getenv("HOME") == nullptr ? "" : getenv("HOME");
+    setenv("HOME", home.c_str(), 1);
+    for (const auto &c : cases) {
+        set("HYMEDIAN_PREFERENCES", c.own);
+        set("XDG_CONFIG_HOME", c.configHome);
+        std::filesystem::remove_all(c.found);
+        EXPECT_EQ(FindFolder(kOnSystemDisk, kPreferencesFolderType, false, &volume, &directory), fnfErr);
+        std::filesystem::create_directories(c.found);
+        EXPECT_EQ(FindFolder(kOnSystemDisk, kPreferencesFolderType, false, &volume, &directory), noErr);
+        EXPECT_EQ(HCreate(volume, directory, Name("x"), kCode, kCode), noErr);
+        EXPECT_TRUE(std::filesystem::exists(c.found + "/x")) << c.found;
+    }
+    setenv("HOME", homeBefore.c_str(), 1);
+    unsetenv("XDG_CONFIG_HOME");
+}
+
+// A file that may only be read, opened by somebody who is not root.
+TEST_F(Platform, CurrentPermissionIsWhateverIsAllowed) {
+    std::ofstream(folder / "shown") << "text";
+    std::filesystem::permissions(folder / "shown", std::filesystem::perms(0444));
+    std::filesystem::permissions(folder, std::filesystem::perms(0755));
+    const uid_t user = geteuid();
+    ASSERT_EQ(user == 0 ? seteuid(65534) : 0, 0);
+    int16_t ref = 0;
+    EXPECT_EQ(HOpen(volume, directory, Name("shown"), fsRdWrPerm, &ref), permErr);
+    const OSErr err = HOpen(volume, directory, Name("shown"), fsCurPerm, &ref);
+    ASSERT_EQ(seteuid(user), 0);
+    ASSERT_EQ(err, noErr);
+    int64_t count = 4;
+    char read[4];
+    EXPECT_EQ(FSRead(ref, &count, read), noErr);
+    EXPECT_NE(FSWrite(ref, &count, read), noErr);
+    FSClose(ref);
+}
+
+TEST_F(Platform, SystemErrorsHaveTheirCodes) {
+    const std::pair<int, OSErr> codes[] = {
+        {ENOENT, -43},   {ENOTDIR, -120},     {EEXIST, -48}, {EACCES, -54}, {EPERM, -54},
+        {EROFS, -44},    {ENOSPC, -34},       {EDQUOT, -34}, {EMFILE, -42}, {EBADF, -51},
+        {EISDIR, -1302}, {ENAMETOOLONG, -37}, {EIO, -36},    {ELOOP, -36}};
+    for (const auto &[error, code] : codes) {
+        EXPECT_EQ(volume::ErrorFromErrno(error), code) << std::strerror(error);
+    }
+}
+
+TEST_F(Platform, SpecificationsThatCannotBeMadeNameNothing) {
+    FSSpec spec;
+    const FSSpec nothing = {};
+    for (const bool fails : {true, false}) {
+        std::memset(&spec, 0xFF, sizeof spec);
+        faults::FailFileCall(fails ? 1 : 0, ioErr);
+        EXPECT_EQ(FSMakeFSSpec(0, fails ? 0 : directory, Name("x"), &spec), fails ? ioErr : paramErr);
+        EXPECT_EQ(spec.vRefNum, 0);
+        EXPECT_EQ(spec.parID, 0);
+        EXPECT_EQ(std::memcmp(spec.name, nothing.name, sizeof spec.name), 0);
+        EXPECT_EQ(FSpDelete(&spec), nsvErr);
+    }
+}
+
+TEST_F(Platform, CharactersGoToUTF8AndBack) {
+    std::string all, upperHalf;
+    for (int byte = 0; byte < 256; ++byte) {
+        all += static_cast<char>(byte);
+    }
+    upperHalf = MacRomanToUTF8(all.substr(128));
+    EXPECT_EQ(Crc32({upperHalf.begin(), upperHalf.end()}), 0x87819812) << "as other implementations have it";
+    EXPECT_EQ(MacRomanToUTF8(all), all.substr(0, 128) + upperHalf);
+    EXPECT_EQ(UTF8ToMacRoman(MacRomanToUTF8(all)), all);
+    // Not in the set, cut short, astray, and slashes with more bytes than they need.
+    const std::pair<const char *, const char *> cases[] = {{"\u4E2D", "?"},
+                                                           {"a\xC3", "a?"},
+                                                           {"\xBFz", "?z"},
+                                                           {"\xC0\xAF", "??"},
+                                                           {"\xE0\x80\xAF", "???"},
+                                                           {"\xF0\x80\x80\xAF", "????"},
+                                                           {"\xF0\x82\x82\xA9", "????"}};
+    for (const auto &[text, expected] : cases) {
+        EXPECT_EQ(UTF8ToMacRoman(text), expected);
+    }
+
+    // What such a slash would reach.
+    std::filesystem::create_directory(folder / "sub");
+    std::ofstream(folder / "other") << "stays";
+    FSSpec spec;
+    EXPECT_EQ(SpecFromPosixPath(folder / "sub/..\xC0\xAFother", &spec), fnfErr);
+    EXPECT_EQ(FSpDelete(&spec), fnfErr);
+    EXPECT_TRUE(std::filesystem::exists(folder / "other"));
+}
+
+TEST_F(Platform, DatesAndTimesHaveTheSystemsForm) {
+    // The third of February 2001, 16:05:06, in seconds since 1904.
+    constexpr uint32_t kSeconds = 3064061106;
+    const auto text = [](const Str255 bytes) {
+        return std::string(reinterpret_cast<const char *>(bytes + 1), bytes[0]);
+    };
+    Str255 form;
+    DateString(kSeconds, shortDate, form, nullptr);
+    EXPECT_EQ(text(form), "02/03/01");
+    TimeString(kSeconds, true, form, nullptr);
+    EXPECT_EQ(text(form), "16:05:06");
+    TimeString(kSeconds, false, form, nullptr);
+    EXPECT_EQ(text(form), "16:05");
+
+    // Local time, be it summer or a moment before the next second.
+    const time_t before = time(nullptr);
+    uint32_t seconds;
+    GetDateTime(&seconds);
+    tm local;
+    localtime_r(&before, &local);
+    EXPECT_LE(seconds - 2082844800U - static_cast<uint32_t>(before + local.tm_gmtoff), 1U);
+}
+
+TEST_F(Platform, LocksOfOthersAreNotWaitedForLong) {
+    ASSERT_EQ(HCreate(volume, directory, Name("file"), kCode, kCode), noErr);
+    int16_t ref;
+    ASSERT_EQ(HOpen(volume, directory, Name("file"), fsRdWrPerm, &ref), noErr);
+    int lock = -1;
+    const struct {
+        std::filesystem::path path;
+        std::function<OSErr()> take;
+        std::function<void()> release;
+    } kinds[] = {
+        {folder / "file", [&] { return LockFile(ref); }, [&] { UnlockFile(ref); }},
+        {folder, [&] { return LockFolder(volume, directory, &lock); }, [&] { UnlockFolder(lock); }},
+    };
+    for (const auto &kind : kinds) {
+        for (int round = 0; round < 2; ++round) {
+            {
+                const HeldLock other(kind.path);
+                ASSERT_EQ(kind.take(), userCanceledErr) << "a signal ends the wait";
+                ASSERT_EQ(kind.take(), fBsyErr) << "only tried after a wait in vain";
+            }
+            EXPECT_EQ(kind.take(), noErr);
+            EXPECT_TRUE(IsLocked(kind.path));
+            kind.release();
+            EXPECT_FALSE(IsLocked(kind.path));
+        }
+    }
+    FSClose(ref);
+    EXPECT_EQ(LockFile(ref), rfNumErr);
+    EXPECT_EQ(LockFolder(volume, 9999, &lock), noErr);
+    EXPECT_EQ(lock, -1);
 }
 
 }  // namespace

@@ -65,6 +65,11 @@ TEST_F(Resources, AreFoundByTypeAndNumber) {
     EXPECT_EQ(text(kText, 5), "the later file");
     CloseResFile(second);
     EXPECT_EQ(text(kText, 5), "five");
+    // Numbers come back, so that they do not run out.
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_EQ(Open(ResourceFileBytes({{kText, 6, Bytes("six")}})), second);
+        CloseResFile(second);
+    }
     EXPECT_EQ(text(kText, -3), "");
     EXPECT_EQ(text(kText, 6), "none");
     EXPECT_EQ(ResError(), resNotFound);
