@@ -11,9 +11,9 @@
 #include "host/interrupt.h"
 #include "host/options.h"
 #include "host/picture/vips_library.h"
-#include "host/preferences_folder.h"
 #include "host/work/worker.h"
 #include "host/work/worker_pool.h"
+#include "platform/posix_paths.h"
 
 namespace {
 

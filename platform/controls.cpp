@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/dialog_backend.h"
-#include "platform/dialog_model.h"
+#include "platform/internal/dialog_model.h"
 
 namespace {
 

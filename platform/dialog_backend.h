@@ -4,6 +4,8 @@
 
 #include "platform/dialogs.h"
 
+#pragma GCC visibility push(default)
+
 struct ScriptedSession;
 
 // What became of a press on a control; `value` counts only for the thumb.
@@ -46,3 +48,5 @@ const char *ScreenDialogProblem(OSErr problem);
 // The back end in use; without one, one that can show nothing.
 const DialogBackend &CurrentDialogBackend();
 void SetDialogBackend(const DialogBackend *backend);
+
+#pragma GCC visibility pop

@@ -1,7 +1,7 @@
 // The two resources that a dialog is made from. Their numbers are in native byte order here.
 #include <cstring>
 
-#include "platform/dialog_model.h"
+#include "platform/internal/dialog_model.h"
 #include "platform/memory.h"
 
 namespace {

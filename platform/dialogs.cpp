@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "platform/dialog_backend.h"
-#include "platform/dialog_model.h"
+#include "platform/internal/dialog_model.h"
 #include "platform/memory.h"
 #include "platform/resources.h"
 

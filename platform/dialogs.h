@@ -7,6 +7,8 @@
 #include "platform/controls.h"
 #include "platform/events.h"
 
+#pragma GCC visibility push(default)
+
 struct DialogRecord;
 using DialogRef = DialogRecord *;
 
@@ -64,3 +66,5 @@ void ModalDialog(ModalFilterUPP filter, int16_t *itemHit);
 Boolean StdFilterProc(DialogRef dialog, EventRecord *event, int16_t *itemHit);
 
 }  // extern "C"
+
+#pragma GCC visibility pop

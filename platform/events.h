@@ -3,6 +3,8 @@
 
 #include "platform/types.h"
 
+#pragma GCC visibility push(default)
+
 struct EventRecord {
     uint16_t what;
     uintptr_t message;  // of a key its character; of an update or activate event the window
@@ -35,3 +37,5 @@ extern "C" {
 void GetMouse(Point *mouse);
 
 }  // extern "C"
+
+#pragma GCC visibility pop

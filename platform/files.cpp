@@ -10,10 +10,10 @@
 #include <string>
 #include <vector>
 
-#include "platform/fault_queries.h"
-#include "platform/open_files.h"
+#include "platform/faults/fault_queries.h"
+#include "platform/internal/open_files.h"
+#include "platform/internal/volume.h"
 #include "platform/posix_paths.h"
-#include "platform/volume.h"
 
 namespace {
 
@@ -66,18 +66,6 @@ OSErr ErrorForItem(int error, int16_t vRefNum, int32_t dirID) {
         return dirNFErr;
     }
     return volume::ErrorFromErrno(error);
-}
-
-std::string PreferencesPath() {
-    const auto variable = [](const char *name) -> std::string {
-        const char *value = getenv(name);
-        return value == nullptr ? "" : value;
-    };
-    if (std::string own = variable("HYMEDIAN_PREFERENCES"); !own.empty()) {
-        return own;
-    }
-    const std::string configHome = variable("XDG_CONFIG_HOME");
-    return (configHome.empty() ? variable("HOME") + "/.config" : configHome) + "/hymedian/Preferences";
 }
 
 }  // namespace

@@ -9,6 +9,8 @@
 
 #include "platform/types.h"
 
+#pragma GCC visibility push(default)
+
 enum : int16_t {
     kOnSystemDisk = -32768,
 };
@@ -86,3 +88,5 @@ OSErr AllocContig(int16_t refNum, int64_t *count);
 OSErr FSClose(int16_t refNum);
 
 }  // extern "C"
+
+#pragma GCC visibility pop

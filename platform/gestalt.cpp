@@ -1,6 +1,6 @@
 #include "platform/gestalt.h"
 
-#include "platform/fault_injection.h"
+#include "platform/faults/fault_injection.h"
 
 namespace {
 
@@ -16,6 +16,10 @@ OSErr Gestalt(OSType selector, int32_t *response) {
     return noErr;
 }
 
+#ifdef HYMEDIAN_FAULT_INJECTION
+
 void faults::SetSystemVersion(int32_t version) {
     systemVersion = version;
 }
+
+#endif

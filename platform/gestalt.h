@@ -3,6 +3,8 @@
 
 #include "platform/types.h"
 
+#pragma GCC visibility push(default)
+
 constexpr OSType gestaltSystemVersion = FourCharCode("sysv");
 constexpr OSErr gestaltUnknownErr = -5550;
 
@@ -12,3 +14,5 @@ extern "C" {
 OSErr Gestalt(OSType selector, int32_t *response);
 
 }  // extern "C"
+
+#pragma GCC visibility pop

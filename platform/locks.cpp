@@ -13,8 +13,8 @@
 #include <string>
 #include <utility>
 
-#include "platform/open_files.h"
-#include "platform/volume.h"
+#include "platform/internal/open_files.h"
+#include "platform/internal/volume.h"
 
 namespace {
 
@@ -48,7 +48,8 @@ OSErr Lock(int descriptor) {
     fstat(descriptor, &info);
     const std::pair identity(info.st_dev, info.st_ino);
     const bool patient = refused.count(identity) == 0;
-    const OSErr err = WaitForLock(descriptor, Clock::now() + (patient ? kLongestWait : Clock::duration::zero()));
+    const OSErr err =
+        WaitForLock(descriptor, Clock::now() + (patient ? kLongestWait : Clock::duration::zero()));
     if (err == noErr) {
         refused.erase(identity);
     } else {

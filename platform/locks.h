@@ -10,6 +10,8 @@
 
 #include "platform/types.h"
 
+#pragma GCC visibility push(default)
+
 // `lock` goes to UnlockFolder in any case. A folder that cannot be opened is no error here, but is to every
 // call on it.
 OSErr LockFolder(int16_t vRefNum, int32_t dirID, int *lock);
@@ -18,3 +20,5 @@ void UnlockFolder(int lock);
 // Until UnlockFile or FSClose. An unknown reference gives rfNumErr.
 OSErr LockFile(int16_t refNum);
 void UnlockFile(int16_t refNum);
+
+#pragma GCC visibility pop

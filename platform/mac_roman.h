@@ -4,6 +4,10 @@
 #include <string>
 #include <string_view>
 
+#pragma GCC visibility push(default)
+
 std::string MacRomanToUTF8(std::string_view text);
 // What has no place in Mac Roman becomes '?'.
 std::string UTF8ToMacRoman(std::string_view text);
+
+#pragma GCC visibility pop

@@ -10,8 +10,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/fault_injection.h"
-#include "platform/fault_queries.h"
+#include "platform/faults/fault_injection.h"
+#include "platform/faults/fault_queries.h"
 
 namespace {
 
@@ -151,6 +151,8 @@ void BlockMoveData(const void *source, void *destination, int64_t count) {
     }
 }
 
+#ifdef HYMEDIAN_FAULT_INJECTION
+
 int64_t faults::BytesInUse() {
     return bytesInUse;
 }
@@ -158,3 +160,5 @@ int64_t faults::BytesInUse() {
 int64_t faults::BlocksInUse() {
     return blocksInUse;
 }
+
+#endif

@@ -6,6 +6,8 @@
 
 #include "platform/types.h"
 
+#pragma GCC visibility push(default)
+
 extern "C" {
 
 Ptr NewPtr(int64_t size);
@@ -30,3 +32,5 @@ Handle TempNewHandle(int64_t size, OSErr *result);
 void BlockMoveData(const void *source, void *destination, int64_t count);
 
 }  // extern "C"
+
+#pragma GCC visibility pop

@@ -3,7 +3,7 @@
 #include <iterator>
 
 #include "platform/dialog_backend.h"
-#include "platform/dialog_model.h"
+#include "platform/internal/dialog_model.h"
 
 namespace {
 

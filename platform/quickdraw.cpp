@@ -7,8 +7,8 @@
 #include <new>
 
 #include "platform/dialog_backend.h"
+#include "platform/internal/port.h"
 #include "platform/memory.h"
-#include "platform/port.h"
 
 namespace {
 

@@ -7,6 +7,8 @@
 
 #include "platform/types.h"
 
+#pragma GCC visibility push(default)
+
 struct GrafPort;
 using CGrafPtr = GrafPort *;
 using GrafPtr = CGrafPtr;
@@ -85,3 +87,5 @@ void CopyBits(const BitMap *source, const BitMap *destination, const Rect *sourc
               const Rect *destinationRect, int16_t mode, RgnHandle mask);
 
 }  // extern "C"
+
+#pragma GCC visibility pop

@@ -6,11 +6,11 @@
 #include <set>
 #include <vector>
 
-#include "platform/dialog_resources.h"
-#include "platform/fault_injection.h"
+#include "platform/faults/fault_injection.h"
 #include "platform/files.h"
+#include "platform/internal/dialog_resources.h"
+#include "platform/internal/resource_map.h"
 #include "platform/memory.h"
-#include "platform/resource_map.h"
 
 namespace {
 
@@ -132,6 +132,8 @@ OSErr ResError() {
     return lastError;
 }
 
+#ifdef HYMEDIAN_FAULT_INJECTION
+
 void faults::AddResource(OSType type, int16_t id, const std::vector<uint8_t> &bytes) {
     Add(kTestFile, type, id, bytes.data(), bytes.size());
 }
@@ -139,3 +141,5 @@ void faults::AddResource(OSType type, int16_t id, const std::vector<uint8_t> &by
 void faults::RemoveResources() {
     RemoveFile(kTestFile);
 }
+
+#endif

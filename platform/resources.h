@@ -7,6 +7,8 @@
 
 #include "platform/types.h"
 
+#pragma GCC visibility push(default)
+
 extern "C" {
 
 // Reads a whole resource file. Returns a reference of its own kind, or -1; ResError then tells why. A file
@@ -23,3 +25,5 @@ void ReleaseResource(Handle resource);
 OSErr ResError();
 
 }  // extern "C"
+
+#pragma GCC visibility pop

@@ -5,7 +5,9 @@
 #include <vector>
 
 #include "platform/dialog_backend.h"
-#include "platform/dialog_model.h"
+#include "platform/internal/dialog_model.h"
+
+#pragma GCC visibility push(default)
 
 struct UserAction {
     EventRecord event;  // of mouse actions without the place, which is known when the action's turn comes
@@ -49,3 +51,5 @@ struct ScriptedSession {
     size_t done = 0;                             // actions taken; the next dialog goes on from there
     std::vector<DialogState> *states = nullptr;  // when wanted: what was seen before each action
 };
+
+#pragma GCC visibility pop

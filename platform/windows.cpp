@@ -1,7 +1,7 @@
 #include "platform/windows.h"
 
 #include "platform/dialog_backend.h"
-#include "platform/dialog_model.h"
+#include "platform/internal/dialog_model.h"
 
 namespace {
 

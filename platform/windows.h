@@ -3,6 +3,8 @@
 
 #include "platform/quickdraw.h"
 
+#pragma GCC visibility push(default)
+
 struct WindowRecord;
 using WindowRef = WindowRecord *;
 
@@ -31,3 +33,5 @@ RgnHandle GetGrayRgn();
 Rect *GetRegionBounds(RgnHandle region, Rect *bounds);
 
 }  // extern "C"
+
+#pragma GCC visibility pop

@@ -3,7 +3,7 @@
 
 #include <QString>
 
-#include "platform/dialog_model.h"
+#include "platform/internal/dialog_model.h"
 
 namespace qt {
 

@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/dialog_model.h"
+#include "platform/internal/dialog_model.h"
 #include "platform/qt/user_input.h"
 
 namespace qt {

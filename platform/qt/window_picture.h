@@ -3,7 +3,7 @@
 
 #include <QDialog>
 
-#include "platform/port.h"
+#include "platform/internal/port.h"
 
 namespace qt {
 

@@ -1,7 +1,7 @@
 #include <vector>
 
 #include "imagestore/kept_images.h"
-#include "platform/fault_injection.h"
+#include "platform/faults/fault_injection.h"
 #include "tests/fuzz/fuzz_folder.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size) {

@@ -1,4 +1,4 @@
-#include "platform/fault_injection.h"
+#include "platform/faults/fault_injection.h"
 #include "tests/fuzz/fuzz_folder.h"
 #include "tests/support/hostile_host.h"
 

@@ -4,7 +4,7 @@
 #include "host/filter/plugin_info.h"
 #include "hybridmedian/public.h"
 #include "photoshop/property_list.h"
-#include "platform/fault_injection.h"
+#include "platform/faults/fault_injection.h"
 #include "platform/files.h"
 #include "platform/memory.h"
 #include "platform/posix_paths.h"

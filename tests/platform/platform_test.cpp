@@ -10,11 +10,11 @@
 
 #include "platform/date_time.h"
 #include "platform/files.h"
+#include "platform/internal/volume.h"
 #include "platform/locks.h"
 #include "platform/mac_roman.h"
 #include "platform/memory.h"
 #include "platform/posix_paths.h"
-#include "platform/volume.h"
 #include "tests/support/held_lock.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/test_images.h"

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/fault_injection.h"
+#include "platform/faults/fault_injection.h"
 
 struct TestKeyName {
     std::string key, name, units;

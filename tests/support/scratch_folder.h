@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "platform/fault_injection.h"
+#include "platform/faults/fault_injection.h"
 
 class ScratchFolder : public testing::Test {
   protected:

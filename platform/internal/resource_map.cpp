@@ -1,4 +1,4 @@
-#include "platform/resource_map.h"
+#include "platform/internal/resource_map.h"
 
 namespace {
 

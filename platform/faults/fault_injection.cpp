@@ -1,9 +1,9 @@
-#include "platform/fault_injection.h"
+#include "platform/faults/fault_injection.h"
 
 #include <algorithm>
 #include <atomic>
 
-#include "platform/fault_queries.h"
+#include "platform/faults/fault_queries.h"
 
 namespace {
 

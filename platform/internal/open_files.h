@@ -1,4 +1,4 @@
-// The descriptors behind file references. Internal to this folder.
+// The descriptors behind file references.
 #pragma once
 
 #include <cstdint>

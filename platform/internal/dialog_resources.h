@@ -1,4 +1,4 @@
-// Dialog resources, whose numbers are big-endian in the file and native in memory. Internal to this folder.
+// Dialog resources, whose numbers are big-endian in the file and native in memory.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// What windows, dialogs and controls consist of. Internal to this folder and its back ends.
+// What windows, dialogs and controls consist of.
 #pragma once
 
 #include <memory>
@@ -6,7 +6,9 @@
 #include <vector>
 
 #include "platform/dialogs.h"
-#include "platform/port.h"
+#include "platform/internal/port.h"
+
+#pragma GCC visibility push(default)
 
 struct ControlRecord {
     DialogRecord *dialog;
@@ -81,3 +83,5 @@ void CopyTitle(const std::string &text, StringPtr title);
 std::string TitleFrom(ConstStringPtr title);
 
 }  // namespace model
+
+#pragma GCC visibility pop

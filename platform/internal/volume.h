@@ -1,5 +1,4 @@
 // Volumes: which POSIX directory a directory ID means, and how names and paths are written on either side.
-// Internal to this folder.
 #pragma once
 
 #include <string>

@@ -1,5 +1,5 @@
 // The published layout of a resource file: a header, the data of all resources, and a map of types and
-// numbers. All numbers are big-endian. Internal to this folder.
+// numbers. All numbers are big-endian.
 #pragma once
 
 #include <cstddef>

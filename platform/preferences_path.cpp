@@ -1,10 +1,10 @@
-#include "host/preferences_folder.h"
-
+// Where the Preferences folder lies on POSIX.
 #include <sys/stat.h>
 
 #include <cstdlib>
 #include <filesystem>
-#include <string>
+
+#include "platform/posix_paths.h"
 
 namespace fs = std::filesystem;
 
@@ -15,16 +15,15 @@ std::string Variable(const char *name) {
     return value == nullptr ? std::string() : value;
 }
 
-// The same place as in platform/files.cpp.
-fs::path PreferencesPath() {
+}  // namespace
+
+std::string PreferencesPath() {
     if (const std::string own = Variable("HYMEDIAN_PREFERENCES"); !own.empty()) {
         return own;
     }
     const std::string configHome = Variable("XDG_CONFIG_HOME");
-    return fs::path(configHome.empty() ? Variable("HOME") + "/.config" : configHome) / "hymedian/Preferences";
+    return (configHome.empty() ? Variable("HOME") + "/.config" : configHome) + "/hymedian/Preferences";
 }
-
-}  // namespace
 
 void MakePreferencesFolder() {
     fs::path folder = PreferencesPath();

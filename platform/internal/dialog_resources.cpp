@@ -1,4 +1,4 @@
-#include "platform/dialog_resources.h"
+#include "platform/internal/dialog_resources.h"
 
 #include <utility>
 

@@ -1,7 +1,9 @@
-// What a drawing port consists of. Internal to this folder and its back ends.
+// What a drawing port consists of.
 #pragma once
 
 #include "platform/quickdraw.h"
+
+#pragma GCC visibility push(default)
 
 struct GrafPort {
     PixMap pixMap;
@@ -29,3 +31,5 @@ Rect Enclosing(const Rect &a, const Rect &b);
 bool IsEmpty(const Rect &rect);
 
 }  // namespace ports
+
+#pragma GCC visibility pop

@@ -1,5 +1,5 @@
 // Owns the volumes and the table of directory IDs.
-#include "platform/volume.h"
+#include "platform/internal/volume.h"
 
 #include <sys/stat.h>
 
@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/fault_injection.h"
+#include "platform/faults/fault_injection.h"
 #include "platform/mac_roman.h"
 
 namespace {
@@ -236,6 +236,8 @@ OSErr volume::ErrorFromErrno(int error) {
     return code == std::end(kCodes) ? ioErr : code->second;
 }
 
+#ifdef HYMEDIAN_FAULT_INJECTION
+
 void faults::MountVolume(const std::string &name, const std::string &root) {
     const auto mounted = std::find_if(volumes.begin(), volumes.end(),
                                       [&](const Volume &candidate) { return candidate.name == name; });
@@ -245,3 +247,5 @@ void faults::MountVolume(const std::string &name, const std::string &root) {
         mounted->root = root;
     }
 }
+
+#endif
