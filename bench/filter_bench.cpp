@@ -1,5 +1,5 @@
-// Megapixels per second of the filter, by kernel, radius and pixel layout, over noise; and of the plain
-// routines, which define it, in the same run. scripts/performance-table.sh makes a table of ratios of them.
+// Megapixels per second of the filter over noise, by kernel, radius and pixel layout; and, in the same run,
+// of the plain routines that define it. scripts/performance-table.sh turns these into tables.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
@@ -15,7 +15,7 @@ namespace {
 
 constexpr int16_t kWidth = 3000;
 constexpr int16_t kHeight = 64;
-// The plain routines are slow enough to need no more.
+// The plain routines are so slow that this is enough.
 constexpr int16_t kPlainWidth = 256;
 
 struct Layout {
@@ -57,7 +57,7 @@ void Plain(benchmark::State &state, Layout layout, int radius) {
     Count(state, kPlainWidth);
 }
 
-// NewHyMedian, line access and all.
+// Measures NewHyMedian, including its line access.
 void Kernel(benchmark::State &state, const HybridKernel *kernel, Layout layout, int radius) {
     setenv("HYMEDIAN_KERNEL", kernel->name, 1);
     NamedImage *image = nullptr;

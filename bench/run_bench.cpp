@@ -1,7 +1,7 @@
-// Where the time of a whole run goes: run_bench PICTURE OUTPUT RADIUS prints a row of a Markdown table: the
-// picture's size; seconds of reading, of filtering through the plug-in's entry point, of that the filter
-// alone, and of writing; the filter's nanoseconds per pixel, its own memory, and the longest time between two
-// questions whether to cancel. Times are the best of three runs. RGB pictures of 8 bits only.
+// Shows where the time of a whole run goes. `run_bench PICTURE OUTPUT RADIUS` prints a row of a Markdown
+// table: the picture's size; the seconds for reading, for filtering through the plug-in's entry point, for
+// the filter alone, and for writing; the filter's nanoseconds per pixel, its own memory, and the longest time
+// between two checks for cancelling. Times are the best of three runs. 8-bit RGB pictures only.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -33,11 +33,11 @@ double SecondsSince(Clock::time_point start) {
 
 struct Figures {
     double reading, filtering, filterAlone, writing;
-    double longestSilence;  // between two questions whether to cancel
-    int64_t filterMemory;   // that the filter takes for itself
+    double longestSilence;  // between two checks for cancelling
+    int64_t filterMemory;   // allocated by the filter itself
 };
 
-// What the callbacks of the filter see; they are told nothing of whose they are.
+// What the callbacks work on; the filter passes them no context.
 struct {
     Clock::time_point lastAsked;
     int64_t memoryBefore;

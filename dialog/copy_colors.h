@@ -1,4 +1,4 @@
-// The colours of a port into which pictures are copied: any others would tint the copy.
+// The colours a port must have when pictures are copied into it: any others would tint the copy.
 #pragma once
 
 #include "platform/quickdraw.h"

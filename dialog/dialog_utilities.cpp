@@ -16,21 +16,24 @@ constexpr OSType kVersionType = FourCharCode("vers");
 constexpr OSType kWindowDefinitionType = FourCharCode("WDEF");
 constexpr OSType kHostSignature = FourCharCode("8BIM");
 
-// A dialog template begins with its bounds.
+// A dialog template begins with its bounds, eight bytes; the window definition follows.
 constexpr size_t kDefinitionOffset = 8;
+// Window definitions: 16 times the ID of a 'WDEF' resource, plus a variant.
 constexpr int16_t kPlainModalBox = 1;
 constexpr int16_t kMovableModalBox = 5;
-constexpr int16_t kHostMovableModalBox = 2053;  // variant 5 of 'WDEF' 128
+constexpr int16_t kHostMovableModalBox = 2053;  // variant 5 of kHostWindowDefinition
 constexpr int16_t kHostWindowDefinition = 128;
 
-constexpr int16_t kVersionID = 2;
-constexpr int16_t kPlainVersion = 0x0700;
+// Versions are binary-coded decimal: 0x0700 is 7.0.
+constexpr int16_t kVersionID = 2;          // of the 'vers' resource that is asked
+constexpr int16_t kPlainVersion = 0x0700;  // exactly this one asks for a box that does not move
 constexpr int32_t kLastSystemWithoutMovableModals = 0x06FF;
 
+// In pixels.
 constexpr int32_t kMenuBarHeight = 20;
-constexpr int16_t kDragMargin = 4;
+constexpr int16_t kDragMargin = 4;  // a drag stops this far from the screen's edges
 
-// What the window's reference value points at during a modal run.
+// What the window's reference value points to during a modal run.
 struct ModalRun {
     intptr_t savedReference;
     ModalFilterUPP filter;
@@ -41,7 +44,7 @@ void SetWindowDefinition(Handle dialogTemplate, int16_t definition) {
     std::memcpy(*dialogTemplate + kDefinitionOffset, &definition, sizeof definition);
 }
 
-// The bytes are compared in the machine's own order, whatever order they were written in.
+// Compares the bytes in the machine's own order, whatever order they were written in.
 bool IsPlainVersion(Handle version) {
     int16_t number = 0;
     if (version == nullptr || GetHandleSize(version) < int64_t{sizeof number}) {
@@ -51,7 +54,7 @@ bool IsPlainVersion(Handle version) {
     return number == kPlainVersion;
 }
 
-// The extra filter finds the reference value that the window has outside the run.
+// The extra filter must see the reference value that the window has outside the run.
 Boolean CallExtraFilter(ModalRun *run, DialogRef dialog, EventRecord *event, int16_t *itemHit) {
     WindowRef window = GetDialogWindow(dialog);
     SetWRefCon(window, run->savedReference);

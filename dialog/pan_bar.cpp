@@ -6,7 +6,7 @@
 
 namespace {
 
-// Arrows and pages stop one pixel early; only the thumb reaches the end.
+// Arrows and page clicks stop one pixel short; only the thumb reaches the end.
 int16_t OffsetAfter(const PanBar &pan, int16_t part) {
     const int32_t last = pan.excess - 1;
     const int32_t page = pan.preview / 2;

@@ -4,15 +4,15 @@
 #include "platform/controls.h"
 
 struct PanBar {
-    ControlRef bar;   // null when the image needs none: the offset stays 0
-    int16_t offset;   // 0 to excess
-    int16_t excess;   // by how much the image is larger than the preview
-    int16_t preview;  // the preview's size in this direction
+    ControlRef bar;   // null when the image fits: the offset then stays 0
+    int16_t offset;   // in pixels, 0 to excess
+    int16_t excess;   // by how many pixels the image is larger than the preview
+    int16_t preview;  // the preview's size in this direction, in pixels
 };
 
-// A bar in the middle of its way, if one is needed.
+// Makes a bar, if one is needed, with its thumb in the middle.
 PanBar MakePanBar(WindowRef window, const Rect &place, int32_t imageSize, int32_t previewSize);
 void DisposePanBar(PanBar *pan);
 
-// Follows the mouse at `point`.
+// Tracks the mouse from `point`.
 void TrackPanBar(PanBar *pan, Point point);

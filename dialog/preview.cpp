@@ -11,10 +11,10 @@
 namespace {
 
 constexpr int16_t kWorkBytesPerPixel = 3;
-constexpr int16_t kPictureDepth = 32;
+constexpr int16_t kPictureDepth = 32;  // a pixel is the bytes 0, R, G, B
 constexpr int32_t kPictureBytesPerPixel = kPictureDepth / 8;
-constexpr int32_t kRowBytesMask = 0x3FFF;
-constexpr RGBColor kGray = {0x7FFF, 0x7FFF, 0x7FFF};
+constexpr int32_t kRowBytesMask = 0x3FFF;             // the two upper bits of rowBytes are flags
+constexpr RGBColor kGray = {0x7FFF, 0x7FFF, 0x7FFF};  // what a small image leaves of the frame
 
 GWorldPtr MakePicture(const Rect &frame) {
     Rect bounds = frame;
@@ -109,7 +109,7 @@ void BuildPreview(const Preview &preview, bool filtered, float radius) {
     }
     FillWorkImage(preview, layout, line);
     if (filtered) {
-        // Nothing is shown or asked, so that the progress values do not matter.
+        // Shows no progress and cannot be cancelled, so the progress values do not matter.
         NewHyMedian(preview.work, radius, false, preview.context, 1, 2, 3);
     }
     FillPicture(preview, line);

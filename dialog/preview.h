@@ -1,4 +1,4 @@
-// The live preview: the visible piece of the image, filtered.
+// The live preview: the visible part of the image, filtered.
 #pragma once
 
 #include "platform/quickdraw.h"
@@ -6,20 +6,20 @@
 
 struct Preview {
     NamedImage *source;
-    NamedImage *work;   // the visible piece and six pixels around it, as 8-bit RGB; or null
-    OSErr workStatus;   // of making it
-    GWorldPtr picture;  // what the user sees; null when there is no memory for it
+    NamedImage *work;   // the visible part and six pixels all around it, as 8-bit RGB; or null
+    OSErr workStatus;   // the result of making it
+    GWorldPtr picture;  // what the user sees; null when memory is short
     const RunContext *context;
     int32_t width;  // of the source
     int32_t height;
     Rect visible;  // in the image's coordinates
 };
 
-// `frame` gives the picture its size. Failures show as fields that are null. The caller disposes of `picture`
-// and tosses `work`, which may be there although making it failed.
+// `frame` sets the size of the picture. Failures leave fields null. The caller disposes of `picture` and
+// tosses `work`, which may exist even if making it failed.
 Preview MakePreview(NamedImage *source, const RunContext *context, const Rect &frame);
 
-// Puts the visible piece at another place of the image.
+// Moves the visible part to another place in the image.
 void MoveVisible(Preview *preview, int16_t left, int16_t top);
-// Reads the visible piece, filters it if wanted, and writes it into the picture.
+// Reads the visible part, filters it if wanted, and writes it to the picture.
 void BuildPreview(const Preview &preview, bool filtered, float radius);

@@ -1,4 +1,4 @@
-// The scroll bars of the dialog, which are controls made beside its item list.
+// The dialog's scroll bars: controls that are made by code rather than by the item list.
 #pragma once
 
 #include "platform/controls.h"

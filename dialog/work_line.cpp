@@ -15,13 +15,13 @@ uint8_t *PixelAt(uint8_t *line, int32_t pixel) {
     return line + ptrdiff_t{pixel} * kRGB;
 }
 
-// 0 to 32768 onto 0 to 255.
+// Maps 0..32768 to 0..255. The factor is 2/257: twice a sample is at most 65536, and 65535 is 255 * 257.
 uint8_t NarrowedSample(uint16_t sample) {
     const double scaled = sample * 0.007782101167315175 + 0.5;
     return static_cast<uint8_t>(std::min(scaled, 255.0));
 }
 
-// In place: each byte is written where nothing is read any more.
+// In place: no byte is written before the sample in its place has been read.
 void NarrowSamples(uint8_t *line, int32_t first, int32_t count) {
     for (int32_t i = first; i < first + count; ++i) {
         uint16_t sample;
@@ -30,8 +30,8 @@ void NarrowSamples(uint8_t *line, int32_t first, int32_t count) {
     }
 }
 
-// From the right, so that no sample is overwritten before it is spread. Pixel p takes byte p, although the
-// row's first sample stands at kLineMargin: this shift is how the preview of grey images is known to look.
+// Works from the right, so that no sample is overwritten before it is spread. Pixel p takes byte p, although
+// the row's first sample is at kLineMargin. The shift is deliberate: it is how previews of grey images look.
 void SpreadGray(uint8_t *line, int32_t width) {
     for (int32_t p = width - 1; p >= 0; --p) {
         std::fill_n(PixelAt(line, p), kRGB, line[p]);
@@ -54,7 +54,7 @@ LineLayout LineLayoutOf(const NamedImage *image, const RunContext *context) {
     ImageData data;
     GetImageData(image, &data);
     const int32_t bytes = data.bytesPerPixel;
-    // A CMYK run: its rows are packed RGB although a pixel of the image has room for four samples.
+    // A CMYK run: its rows are packed RGB, although the image has room for four samples per pixel.
     if (std::abs(context->colorPlanes) == kRGB && (bytes == 4 || bytes == 8)) {
         return {data.width, kRGB, bytes / 4};
     }
@@ -63,6 +63,7 @@ LineLayout LineLayoutOf(const NamedImage *image, const RunContext *context) {
 }
 
 uint8_t *NewLineBuffer(const LineLayout &layout) {
+    // In samples: a padded RGB line and nine to spare, which more than three samples per pixel can outgrow.
     const int32_t stated = (layout.width + 2 * kLineMargin) * kRGB + 9;
     const int32_t needed = (layout.width + kLineMargin) * layout.samplesPerPixel;
     return reinterpret_cast<uint8_t *>(

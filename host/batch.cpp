@@ -20,7 +20,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// A picture that a worker is at.
+// A picture that a worker is working on.
 struct Assigned {
     size_t request;
     PlannedFile planned;
@@ -33,15 +33,15 @@ struct Batch {
     const std::vector<FileRequest> *requests;
     Plugin *plugin;
     ProgressBar bar;
-    std::vector<double> progress;  // by request
+    std::vector<double> progress;  // indexed by request
     size_t doneCount = 0;
-    size_t failedCount = 0;  // without those that were interrupted
-    int status = kExitDone;  // the latest failure's
+    size_t failedCount = 0;  // not counting interrupted ones
+    int status = kExitDone;  // of the latest failure
 
-    size_t next = 0;                                            // request to be given to a worker
-    size_t jobCount = 0;                                        // given so far
-    std::vector<size_t> large = {};                             // requests that are left for later
-    std::map<size_t, std::unique_ptr<Assigned>> assigned = {};  // by the number of the job
+    size_t next = 0;                                            // the next request for a worker
+    size_t jobCount = 0;                                        // handed out so far
+    std::vector<size_t> large = {};                             // requests left for later
+    std::map<size_t, std::unique_ptr<Assigned>> assigned = {};  // by job number
 };
 
 void Advance(Batch *batch, size_t request, double done) {
@@ -50,7 +50,7 @@ void Advance(Batch *batch, size_t request, double done) {
     AdvanceBar(&batch->bar, sum / static_cast<double>(batch->progress.size()));
 }
 
-// The end of a picture, for better or worse.
+// A picture is finished, for better or worse.
 void Settle(Batch *batch, size_t index, const MaybeFailure &failure, const FileReport &report,
             Clock::time_point start) {
     const FileRequest &request = (*batch->requests)[index];
@@ -110,7 +110,7 @@ void RunHere(Batch *batch, size_t index) {
     Settle(batch, index, failure, report, start);
 }
 
-// Plans requests up to one that suits a worker.
+// Plans requests until one suits a worker.
 bool NextJob(Batch *batch, std::string *job) {
     while (batch->next < batch->requests->size()) {
         auto assigned = std::make_unique<Assigned>();
@@ -132,7 +132,7 @@ bool NextJob(Batch *batch, std::string *job) {
     return false;
 }
 
-// The picture's outputs stay behind for as long as the result is in use.
+// The caller now owns the picture's planned outputs; dropping them removes temporary files.
 std::unique_ptr<Assigned> TakeBack(Batch *batch, size_t job) {
     std::unique_ptr<Assigned> assigned;
     assigned.swap(batch->assigned.at(job));
@@ -165,8 +165,8 @@ bool TakeDeath(Batch *batch, size_t job, const std::string &how) {
     return true;
 }
 
-// Small pictures go to workers whole, and those with a dialog, which dies with its display. Those that are
-// worth several workers are left.
+// Small pictures go to workers whole. So do pictures with a dialog, since that dies with its display.
+// Pictures worth several workers are left for later.
 void RunInWorkers(Batch *batch) {
     WorkerCalls calls;
     calls.next = [=](std::string *job) { return NextJob(batch, job); };
@@ -216,7 +216,7 @@ MaybeFailure PlanBatch(const Options &options, std::vector<FileRequest> *request
             return Failure{kExitUsage, options.output + ": there is no such folder."};
         }
     }
-    std::map<fs::path, std::string> inputs;  // by the outputs' places
+    std::map<fs::path, std::string> inputs;  // by output path
     for (const std::string &input : options.inputFiles) {
         const std::string output = OutputOf(options, input);
         const auto [taken, isNew] = inputs.emplace(fs::weakly_canonical(output, error), input);

@@ -17,7 +17,7 @@
 
 namespace {
 
-// Never unloaded: the filter keeps a block of its own behind it.
+// Never unloaded: the filter keeps a block behind the module's data word.
 Plugin plugin;
 
 MaybeFailure TakeSettings(const Options &options, FilterSettings *settings) {
@@ -63,7 +63,7 @@ int Run(const Options &options) {
     return RunBatch(options, settings, requests, &plugin);
 }
 
-// Whoever types the workers' argument has no line to a parent.
+// Tells a worker from a user who typed the workers' argument, and who has no line to a parent.
 bool HasWorkerLine() {
     int type = 0;
     socklen_t size = sizeof type;

@@ -10,13 +10,13 @@
 
 namespace {
 
-constexpr int32_t kMaxJobs = 256;
+constexpr int32_t kMaxJobs = 256;  // chosen: more than nearly any machine has processors
 
 Failure WrongUsage(const std::string &reason) {
     return {kExitUsage, reason + "; 'hymedian --help' lists the options."};
 }
 
-// The parser's messages may span lines.
+// The parser's messages may span several lines.
 std::string OneLine(std::string text) {
     std::replace(text.begin(), text.end(), '\n', ' ');
     return text;
@@ -29,7 +29,7 @@ bool HasSuffix(const std::string &file, const std::string &suffix) {
 
 constexpr char kRadii[] = "any number from 1 to 6";
 
-// Also refuses what is not a number.
+// Also refuses NaN.
 bool IsRadius(double radius) {
     return radius >= double{kMinRadius} && radius <= double{kMaxRadius};
 }

@@ -11,22 +11,22 @@
 
 struct Options {
     std::vector<std::string> inputFiles;
-    std::string output;  // a file, or a folder; empty with --in-place alone
+    std::string output;  // a file or a folder; empty if there is only --in-place
     std::optional<int32_t> radius;
-    std::string playFile;  // empty for none, like the three that follow
+    std::string playFile;  // empty for none, like the next three
     std::string recordFile;
     std::string maskFile;
     std::string comparisonFile;
     std::optional<VRect> selection;
     std::string pluginFolder;
     int32_t jobs = 1;
-    int32_t maxMegapixels = 1000;
+    int32_t maxMegapixels = 1000;  // chosen: 6 GB for both blocks of an 8-bit RGB document
     bool dialog = false;
     bool inPlace = false;
     bool force = false;
     bool quiet = false;
     bool info = false;
-    // What --help or --version is answered with; nothing else is to be done then.
+    // The answer to --help or --version; nothing else is done then.
     std::string answer;
 };
 

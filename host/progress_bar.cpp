@@ -9,11 +9,12 @@
 
 namespace {
 
-constexpr int kWidestBar = 50;
-constexpr int kFrame = 9;  // "[] 100 %" and the cursor
+// In columns.
+constexpr int kWidestBar = 50;  // chosen: two per cent a mark
+constexpr int kFrame = 9;       // "[] 100 %" and the cursor
 constexpr char kEraseLine[] = "\r\033[K";
 
-// Narrower than the terminal, where a wrapped line could not be drawn over.
+// Keeps the line narrower than the terminal, since a wrapped line cannot be redrawn in place.
 int BarWidth() {
     winsize size = {};
     if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) {

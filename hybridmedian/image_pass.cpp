@@ -1,5 +1,5 @@
-// The filter's pass over the working image of a run: asks for the radius, widens the image into an RGB temp
-// image with a border, filters that, and narrows the result back.
+// The filter's pass over a run's working image: asks for the radius, copies the image to a temporary RGB
+// image with a border, filters that, and copies the result back.
 #include <algorithm>
 #include <cstring>
 
@@ -13,10 +13,10 @@
 
 namespace {
 
-constexpr int32_t kBorder = kMaxRadius;  // as far as the filter looks
+constexpr int32_t kBorder = kMaxRadius;  // in pixels: as far as the filter looks
 static_assert(kMinRadius == kHybridMinRadius && kMaxRadius == kHybridMaxRadius);
 constexpr int32_t kRGB = 3;
-constexpr int16_t kMaxSide = INT16_MAX - 2 * kBorder;
+constexpr int16_t kMaxSide = INT16_MAX - 2 * kBorder;  // images count their sides in 16 bits
 
 struct Pass {
     NamedImage *image;
@@ -33,13 +33,14 @@ float RadiusOf(Handle parameters) {
     return values.radius;
 }
 
-// Tells and asks the host, once per line.
+// Reports progress to the host and asks whether to stop; called once per line.
 bool Cancelled(const Pass &pass, int32_t done, int32_t total) {
     DoProgress(pass.context, done, total);
     return CommandPeriod(pass.context) != 0;
 }
 
-// The line's own pixels start at pixel kBorder; RGB comes in place, grey at the buffer's sample kBorder.
+// The line's own pixels start at pixel kBorder. RGB is read straight into place; grey is read from the
+// buffer's sample kBorder on.
 template <typename Sample>
 void WidenGrey(Sample *line, int32_t width) {
     std::fill_n(line, kBorder, line[kBorder]);

@@ -1,4 +1,4 @@
-// What the host, the plug-in, its dialog and its resources know of this filter alike.
+// What the host, the plug-in, its dialog and its resources all know about this filter.
 #pragma once
 
 #include "platform/types.h"
@@ -8,11 +8,11 @@ constexpr int16_t kRadiusDialogID = 9534;   // 'DLOG' and 'DITL'
 constexpr int16_t kKeyNameTableID = 9999;   // 'TEXT'
 constexpr int16_t kPropertyListID = 16000;  // 'PiPL'
 
-// What actions call the filter, and its one setting.
+// The names that actions use for the filter and its one setting.
 constexpr OSType kHybridMedianEvent = FourCharCode("HyMd");
 constexpr OSType kRadiusKey = FourCharCode("nRad");
 
-// Items of the radius dialog. The others are texts that nothing happens to.
+// Items of the radius dialog. The other items are texts that never change.
 enum RadiusDialogItem : int16_t {
     kOKItem = 1,
     kCancelItem = 2,
@@ -29,11 +29,11 @@ enum RadiusDialogItem : int16_t {
 // The radius counts whole pixels; a fraction is kept but has no effect.
 constexpr int16_t kMinRadius = 1;
 constexpr int16_t kMaxRadius = 6;
-// What the setting declares. A radius outside of this is passed over when an action is played.
+// The range that the setting declares. When an action is played, a radius outside it is ignored.
 constexpr int16_t kMinPlayedRadius = 0;
 constexpr int16_t kMaxPlayedRadius = 4;
 
-// What is not a number becomes the smallest.
+// NaN becomes the smallest radius.
 constexpr float ClampRadius(float radius) {
     if (radius > float{kMaxRadius}) {
         return kMaxRadius;

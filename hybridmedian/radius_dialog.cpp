@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int16_t kWholeText = 32000;  // past the end of any
+constexpr int16_t kWholeText = 32000;  // past the end of any text
 
 struct Session {
     DialogRef dialog;
@@ -24,7 +24,7 @@ struct Session {
     bool previewOn;
 };
 
-// What the controls show.
+// The controls show whole numbers.
 int16_t ShownRadius(float radius) {
     return static_cast<int16_t>(radius);
 }
@@ -102,7 +102,7 @@ Point MouseIn(DialogRef dialog) {
     return mouse;
 }
 
-// Arrows and pages keep a fraction.
+// Arrow and page clicks keep the fraction.
 float RadiusAfter(const Session &session, int16_t part) {
     switch (part) {
         case kControlUpButtonPart:
@@ -124,7 +124,7 @@ bool TogglePreview(Session *session) {
     return true;
 }
 
-// The text stays as the user typed it.
+// Leaves the text as the user typed it.
 bool ReadField(Session *session) {
     session->radius = static_cast<float>(
         std::clamp<int32_t>(GetDNum(session->dialog, kRadiusFieldItem), kMinRadius, kMaxRadius));
@@ -170,7 +170,7 @@ bool StepDown(Session *session) {
     return StepRadius(session, -1);
 }
 
-// What a hit on each item does; true when the preview is to be built again.
+// What a hit on each item does. Handlers return true when the preview has to be rebuilt.
 constexpr struct {
     int16_t item;
     bool (*handle)(Session *session);
@@ -193,7 +193,7 @@ bool HandleItem(Session *session, int16_t item) {
     return false;
 }
 
-// The item that ended the dialog.
+// Returns the item that ended the dialog.
 int16_t Run(Session *session) {
     Rebuild(*session);
     for (;;) {

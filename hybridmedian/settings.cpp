@@ -1,4 +1,4 @@
-// This filter's settings: one, the radius.
+// This filter's only setting, the radius.
 #include <cstring>
 
 #include "hybridmedian/public.h"

@@ -10,8 +10,8 @@ struct Entity {
     std::string_view text;
 };
 
-// By code. The page's own choice: bullet and middle dot look alike, the en dash becomes a soft hyphen, and
-// quotation marks, apostrophe and ellipsis pass.
+// Sorted by code. Deliberate choices of this page: bullet and middle dot look the same, the en dash becomes a
+// soft hyphen, and apostrophes, curly quotation marks and the ellipsis pass through unchanged.
 constexpr Entity kEntities[] = {
     {0x22, "&quot;"},   {0x26, "&amp;"},    {0x3C, "&lt;"},     {0x3E, "&gt;"},     {0x5C, "&#92;"},
     {0x80, "&Auml;"},   {0x81, "&Aring;"},  {0x82, "&Ccedil;"}, {0x83, "&Eacute;"}, {0x84, "&Ntilde;"},

@@ -1,4 +1,4 @@
-// Which Mac Roman characters a page holds as HTML entities.
+// Which Mac Roman characters are written to a page as HTML entities.
 #pragma once
 
 #include <cstdint>

@@ -18,7 +18,7 @@ constexpr char kDocumentType[] =
     "\"http://www.w3.org/TR/html4/loose.dtd\">";
 constexpr const char *kHeaderLines[] = {kDocumentType, "<html>", "<head>", "</head>", "<body>"};
 constexpr const char *kClosingLines[] = {"<hr>", "</body>", "</html>"};
-// The last two closing lines, which the next run writes over.
+// The last two closing lines, in bytes; the next run overwrites them.
 constexpr int64_t kOverwrittenBytes = 16;
 
 constexpr char kPageName[] = ":index.html";
@@ -30,11 +30,11 @@ int16_t HTMLlogfref = 0;
 
 struct PagePaths {
     char page[kPageSize];
-    char folder[kTextSize + 1];  // what is created where the page cannot be opened
+    char folder[kTextSize + 1];  // created when the page cannot be opened
 };
 
-// Where the document's name has an extension, the folder is the path without it. Elsewhere the page lies in a
-// folder of another name than the one that is created: the base path itself.
+// If the document's name has an extension, the folder is the path without it. Otherwise the page's folder and
+// the folder that gets created differ: the latter is the base path itself.
 void PlacePage(const char *basePath, PagePaths *paths) {
     DuplicateCString(basePath, paths->page, kTextSize);
     DuplicateCString(basePath, paths->folder, kTextSize);
@@ -78,7 +78,8 @@ OSErr CreatePage(const PagePaths &paths, int16_t *page) {
     return err;
 }
 
-// At most 255 characters come in, and at most 255 go out: what does not fit is cut, be it inside an entity.
+// At most 255 characters come in, and at most 255 go out; the rest is cut off, even in the middle of an
+// entity.
 void Escape(ConstStringPtr text, StringPtr out) {
     out[0] = 0;
     for (int i = 1; i <= text[0]; ++i) {
@@ -112,7 +113,7 @@ void ToPString(const char *text, Str255 out) {
     DuplicatePString(reinterpret_cast<ConstStringPtr>(buffer), out);
 }
 
-// A label, a value in its own form, units and a break.
+// Writes a label, a value in its own format, the units and a line break.
 template <typename Value>
 OSErr LogLabelled(const RunContext *context, ConstStringPtr label, Value value, ConstStringPtr units,
                   OSErr (*writeValue)(int16_t, Value, Boolean, Boolean), Boolean valueLineEnd) {

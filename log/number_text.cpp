@@ -22,8 +22,8 @@ void AppendInteger(Str255 out, int32_t value) {
     Append(out, {digits, static_cast<size_t>(end - digits)});
 }
 
-// Six digits, with the point behind the first `whole`. Each digit is the truncated rest; one of ten stays as
-// it is.
+// Writes six digits, with a point after the first `whole`. Each digit is the truncated remainder; a digit
+// that comes out as 10 is written as "10".
 void AppendDigits(Str255 out, double rest, int whole) {
     for (int i = 0; i < kDigits; ++i) {
         const auto digit = static_cast<int32_t>(rest);
@@ -67,7 +67,7 @@ void RealToString(float value, Str255 out) {
         Append(out, "inf");
         return;
     }
-    // Truncated towards zero, so small numbers get a mantissa below 1.
+    // Truncated towards zero, so numbers below 1 get a mantissa below 1.
     const double e = std::trunc(std::log(x) / std::log(10.0));
     const double mantissa = (x + 5 * std::pow(10.0, e - kDigits)) * std::pow(10.0, -e);
     if (e < -2 || e > 3) {

@@ -1,11 +1,11 @@
-// Scripting: how a host hands a plug-in the parameters of a recorded action and takes them back.
+// Scripting: how a host hands the parameters of a recorded action to a plug-in and gets them back.
 #pragma once
 
 #include <cstddef>
 
 #include "platform/types.h"
 
-struct PIReadDescriptorRecord;  // the host's own, behind a token
+struct PIReadDescriptorRecord;  // private to the host, like the next; a plug-in holds a token
 struct PIWriteDescriptorRecord;
 using PIReadDescriptor = PIReadDescriptorRecord *;
 using PIWriteDescriptor = PIWriteDescriptorRecord *;
@@ -33,7 +33,7 @@ constexpr OSType typeObject = FourCharCode("Objc");
 constexpr OSType typeAlias = FourCharCode("alis");
 constexpr OSType typeObjectReference = FourCharCode("obj ");
 
-// Values are read in the order in which getKey yields them. `keys` is the list of expected keys, ended by 0;
+// Values are read in the order in which getKey returns them. `keys` lists the expected keys and ends with 0;
 // the host may zero a key in it once that key has been read.
 struct ReadDescriptorProcs {
     int16_t readDescriptorProcsVersion;
@@ -90,7 +90,7 @@ struct PIDescriptorParameters {
     int16_t descriptorParametersVersion;
     int16_t playInfo;    // plugInDialogDontDisplay, plugInDialogDisplay or plugInDialogSilent
     int16_t recordInfo;  // plugInDialogOptional, plugInDialogRequired or plugInDialogNone
-    Handle descriptor;   // parameters to play back in; parameters recorded out; null when there are none
+    Handle descriptor;   // in: the parameters to play back; out: the parameters recorded; null for none
     WriteDescriptorProcs *writeDescriptorProcs;
     ReadDescriptorProcs *readDescriptorProcs;
 };

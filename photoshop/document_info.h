@@ -1,4 +1,4 @@
-// What a host tells of the document that is being filtered.
+// What a host says about the document being filtered.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@ struct VRect {
     int32_t top, left, bottom, right;
 };
 
-// Test maxVersion before reading what came with version 1 or 2.
+// Check maxVersion before reading the fields that came with version 1 or 2.
 struct ReadImageDocumentDesc {
     int32_t minVersion;
     int32_t maxVersion;

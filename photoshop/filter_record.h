@@ -1,7 +1,7 @@
-// The record through which host and filter plug-in talk, for 64-bit little-endian machines.
+// The record through which a host and a filter plug-in talk, on 64-bit little-endian machines.
 //
-// The host owns the record and everything that it points to, except what a field's comment says. Rectangles
-// are in the coordinates of the document's plane; an empty rectangle asks for nothing.
+// The host owns the record and everything it points to, unless a field's comment says otherwise. Rectangles
+// are in document coordinates; an empty rectangle requests nothing.
 #pragma once
 
 #include <cstddef>
@@ -28,13 +28,13 @@ struct PlugInMonitor {
     Fixed ambient;
 };
 
-// Pointers stand on 4-byte offsets.
+// Pointers sit at 4-byte offsets.
 #pragma pack(push, 4)
 struct FilterRecord {
     int32_t serialNumber;
     Boolean (*abortProc)();
     void (*progressProc)(int32_t done, int32_t total);
-    Handle parameters;  // the plug-in makes it, the host keeps it from run to run
+    Handle parameters;  // made by the plug-in, kept by the host from run to run
     Point imageSize;
     int16_t planes;
     Rect filterRect;
@@ -43,14 +43,14 @@ struct FilterRecord {
     int32_t maxSpace;
     int32_t bufferSpace;
 
-    Rect inRect;  // what the plug-in asks to be given
+    Rect inRect;  // what the plug-in wants to read
     int16_t inLoPlane;
     int16_t inHiPlane;
-    Rect outRect;  // what it is going to write
+    Rect outRect;  // what it is about to write
     int16_t outLoPlane;
     int16_t outHiPlane;
 
-    void *inData;  // interleaved samples, planes inLoPlane..inHiPlane of each pixel together
+    void *inData;  // interleaved: planes inLoPlane..inHiPlane of each pixel together
     int32_t inRowBytes;
     void *outData;
     int32_t outRowBytes;
@@ -59,7 +59,7 @@ struct FilterRecord {
     Boolean haveMask;
     Boolean autoMask;
     Rect maskRect;
-    void *maskData;  // a byte per pixel, 255 = selected
+    void *maskData;  // one byte per pixel, 255 = selected
     int32_t maskRowBytes;
 
     FilterColor backColor;
@@ -162,7 +162,7 @@ struct FilterRecord {
 };
 #pragma pack(pop)
 
-// The offsets are the published binary interface.
+// These offsets are the published binary interface.
 #define LOCK_OFFSET(field, offset) static_assert(offsetof(FilterRecord, field) == (offset))
 LOCK_OFFSET(serialNumber, 0);
 LOCK_OFFSET(abortProc, 4);

@@ -1,4 +1,4 @@
-// Document colour modes and the sample ranges of each depth.
+// Document colour modes, and the sample range of each depth.
 #pragma once
 
 #include <cstdint>
@@ -26,6 +26,6 @@ enum : int16_t {
 
 constexpr int plugInModeCount = 18;
 
-// White of an integer sample; 32-bit samples are floats with 1.0 as white.
+// White as an integer sample. 32-bit samples are floats, with white at 1.0.
 constexpr uint8_t plugInMaxSample8 = 255;
 constexpr uint16_t plugInMaxSample16 = 32768;

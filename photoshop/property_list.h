@@ -1,7 +1,7 @@
-// The plug-in property list, resource 'PiPL': what a plug-in declares of itself.
+// The plug-in property list, resource 'PiPL': what a plug-in declares about itself.
 //
-// Big-endian: int32 version 0, int32 count, then per property: vendor, key, int32 id 0, int32 length, data
-// padded to a multiple of 4.
+// Big-endian: int32 version (0), int32 count, then for each property: vendor, key, int32 id (0), int32
+// length, and the data, padded to a multiple of 4 bytes.
 #pragma once
 
 #include "platform/types.h"

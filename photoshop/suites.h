@@ -1,4 +1,4 @@
-// Callback suites through which a plug-in takes memory from its host. Natural alignment.
+// Callback suites through which a plug-in gets memory from its host. Natural alignment.
 #pragma once
 
 #include <cstddef>

@@ -8,11 +8,15 @@
 
 namespace {
 
-// What differs between the depths.
+// These are fast approximations with a look of their own, not colorimetry: no white point, no matrices of a
+// standard. A constant that no comment derives was chosen for that look. Changing any of them changes
+// results.
+
+// What differs between the depths. The lightness factors map the top to the top, give or take half a unit.
 struct Depth8 {
     using Sample = uint8_t;
     static constexpr int32_t kTop = plugInMaxSample8;
-    static constexpr int32_t kNeutral = 128;  // a and b of grey
+    static constexpr int32_t kNeutral = 128;  // a and b of a grey pixel
     static constexpr double kLightnessIn = 0.21190331370015586;
     static constexpr double kLightnessOut = 3.032;
 };
@@ -30,7 +34,7 @@ typename Depth::Sample Clamped(double value) {
     return static_cast<typename Depth::Sample>(std::clamp<double>(value, 0, Depth::kTop));
 }
 
-// Three or four samples of a pixel.
+// A pixel's three or four samples.
 struct Pixel {
     int32_t s[4];
 };
@@ -51,7 +55,7 @@ void StorePixel(void *row, int64_t x, int samples, const double *values) {
     }
 }
 
-// Converts from the first pixel to the last, or where the row grows from the last to the first.
+// Goes from the first pixel to the last; where the row grows, from the last to the first.
 template <typename Depth>
 void ConvertRow(void *row, int32_t width, int from, int to, void (*convert)(const Pixel &, double *)) {
     for (int32_t i = 0; i < width; ++i) {
@@ -63,13 +67,18 @@ void ConvertRow(void *row, int32_t width, int from, int to, void (*convert)(cons
     }
 }
 
+// Lightness goes to RGB with the exponent 1.28, for the look, and back with 0.8. Their product is 1.024: they
+// are deliberately not quite inverses. Adding 0.05 keeps the logarithm of 0 finite; subtracting
+// 10 * 0.05 ^ 1.28 (which leaves -0.04, and that rounds to 0) or 0.05 ^ 0.8 brings black back to 0. a is red
+// less green, over 3; b is the mean of both less blue, over 1.2. RGBToLab
+// rounds both factors to five digits.
 template <typename Depth>
 void LabToRGB(const Pixel &lab, double *rgb) {
     const auto l =
         static_cast<float>((std::exp(1.28 * std::log(lab.s[0] + 0.05)) - 0.216113355) * Depth::kLightnessIn);
     const auto a = static_cast<float>((lab.s[1] - Depth::kNeutral) * 3.0);
     const auto b = static_cast<float>((lab.s[2] - Depth::kNeutral) * 1.2);
-    // The half turns truncation into rounding.
+    // Adding 0.5 turns truncation into rounding.
     rgb[0] = double{l} + 0.5 * double{a} + double{b} / 3.0 + 0.5;
     rgb[1] = double{l} - 0.5 * double{a} + double{b} / 3.0 + 0.5;
     rgb[2] = double{l} - (2.0 / 3.0) * double{b} + 0.5;
@@ -85,12 +94,15 @@ void RGBToLab(const Pixel &rgb, double *lab) {
     lab[2] = ((r + g) * 0.5 - b) * 0.83333 + Depth::kNeutral;
 }
 
+// An ink printed over black: with black at k, the rest of the paper, 1 - k, is left to the ink.
 double InkOnPaper(double ink, double k, double top) {
     const double covered = ink * (1 - k) + k;
     return covered >= 1 ? top : covered * top;
 }
 
-// Tuned for the look: red lifted, blue lowered, and all drawn towards the mean.
+// Tuned for the look: red is raised by 15 % and blue lowered by as much, then red and blue are drawn towards
+// the mean by a fifth, and green by two fifths. The small constant added to k keeps 1 - k from being 0 in
+// RGBToCMYK16; the other conversions have one to match.
 void CMYK8ToRGB(const Pixel &cmyk, double *rgb) {
     const auto ink = [&](int i) { return double{static_cast<float>((255 - cmyk.s[i]) / 255.0)}; };
     const double k = (255 - cmyk.s[3]) / 255.0 + 0.0001;
@@ -110,7 +122,8 @@ void CMYK16ToRGB(const Pixel &cmyk, double *rgb) {
     }
 }
 
-// Not all of the grey goes into black.
+// Tuned for the look: only 40/43 (0.9302...) of the grey goes into black. The stored value
+// of cyan, which is inverted, is cut to 10/11, so there is a little more cyan.
 void RGBToCMYK8(const Pixel &rgb, double *cmyk) {
     constexpr float kScale = 1.0f / 255.0f;
     float ink[3];

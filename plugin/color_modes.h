@@ -1,8 +1,9 @@
-// Rows of Lab and CMYK documents to RGB and back: fixed approximations, in place, one row of interleaved
-// samples each.
+// Rows of Lab and CMYK documents to RGB and back: fixed approximations that work in place on one row of
+// interleaved samples.
 //
-// 8-bit samples are bytes, 16-bit ones 0 to 32768. Results are clamped and truncated. There and back is
-// deliberately not the same: exponents and inks differ. Rows need no alignment; a width below 1 does nothing.
+// 8-bit samples are bytes, 16-bit ones 0 to 32768. Results are clamped and truncated. Converting there and
+// back deliberately changes colours a little: exponents and inks differ. Rows need no alignment; a width
+// below 1 does nothing.
 #pragma once
 
 #include <cstdint>
@@ -12,8 +13,8 @@ void _ConvertLAB16toRGB48(void *row, int32_t width);
 void _ConvertRGB24toLAB8(void *row, int32_t width);
 void _ConvertRGB48toLAB16(void *row, int32_t width);
 
-// 8-bit CMYK is stored inverted (255 is no ink), 16-bit is not. Four samples become three, packed, and the
-// reverse.
+// 8-bit CMYK is stored inverted (255 is no ink), 16-bit CMYK is not. Four samples become three, packed, and
+// the other way round.
 void _ConvertCMYK8toRGB24(void *row, int32_t width);
 void _ConvertCMYK16toRGB48(void *row, int32_t width);
 void _ConvertRGB24toCMYK8(void *row, int32_t width);

@@ -10,12 +10,12 @@
 
 namespace {
 
-// The host keeps this handle with the document, as a sign that parameters were asked for.
+// The host keeps this handle, as a sign that parameters were asked for. Nothing here reads it back.
 struct HostParameters {
     int16_t mark;
     int16_t asked;
 };
-constexpr int16_t kHostParametersMark = 50;
+constexpr int16_t kHostParametersMark = 50;  // fixed, but without a meaning
 
 OSErr DoAbout(PluginState *) {
     return noErr;
@@ -25,8 +25,8 @@ int16_t SupportedDepth(int32_t depth) {
     return depth == 16 || depth == 32 ? static_cast<int16_t>(depth) : int16_t{8};
 }
 
-// Backing files of runs that died; making an image clears its own name only. Images of a run that is alive
-// keep their open files.
+// Removes backing files of runs that died; making an image only clears its own name. The images of a living
+// run keep their open files.
 void ClearLeftOvers() {
     TossTempImage(nullptr);
     TossAlphaImage(nullptr);
@@ -141,7 +141,7 @@ OSErr DoPrepare(PluginState *state) {
 OSErr DoStart(PluginState *state) {
     const OSErr err = StartRun(state);
     if (err != noErr) {
-        // No Finish follows a failed Start.
+        // Hosts do not call Finish after a failed Start.
         ReleaseRun(state);
         ClearRequest(state->filterRecord);
         state->phase = phaseDone;
@@ -172,7 +172,7 @@ void PluginMain(int16_t selector, FilterRecord *record, intptr_t *data, int16_t 
         *data = reinterpret_cast<intptr_t>(handle);
     }
     const Handle handle = reinterpret_cast<Handle>(*data);
-    // Handlers work on a copy; the handle's block is the state as it was when the last call returned.
+    // Handlers work on a copy; until this call returns, the handle holds the state as the last one left it.
     PluginState state;
     std::memcpy(&state, *handle, sizeof state);
     state.filterRecord = record;

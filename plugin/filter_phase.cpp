@@ -12,14 +12,14 @@
 
 namespace {
 
-constexpr int32_t kSettingSlots = 22;
+constexpr int32_t kSettingSlots = 22;  // the header's two and room for twenty settings
 constexpr OSType kUndefinedSignature = FourCharCode("udef");
 
-// Unit index (inches) and points per inch of a preferences header that was never set.
+// For a preferences header that was never set: inches, and 72 pixels to the inch.
 constexpr float kDefaultUnitIndex = 6.0f;
 constexpr float kDefaultLengthCalibration = 1.0f / 72.0f;
 
-// Alpha images of 8 bits serve as they are; deeper ones are turned into a selection image.
+// 8-bit alpha images are used as they are; deeper ones are turned into a selection image.
 NamedImage *SelectionFromAlpha(PluginState *state, const RunGeometry &run) {
     if (run.sampleBytes == 1) {
         return state->alphaImage;
@@ -33,12 +33,12 @@ NamedImage *SelectionFromAlpha(PluginState *state, const RunGeometry &run) {
     if (MakeSelectionImage(size.width, size.height, 1, &state->selectionImage) != noErr) {
         return nullptr;
     }
-    // The alpha row goes behind the selection bytes. Two bytes per sample are read at either depth: the
-    // second half of a row of floats is what the buffer held before.
+    // The alpha row goes after the selection bytes. Two bytes per sample are read at either depth, so the
+    // second half of a row of floats is whatever the buffer held before.
     Ptr selection = state->rowBuffer;
     Ptr alphaRow = state->rowBuffer + run.width;
     for (int32_t y = 0; y < size.height; ++y) {
-        // What cannot be read stays unselected.
+        // A row that cannot be read stays unselected.
         if (GetLine(state->alphaImage, 0, y, run.width * run.extraPlanes * 2, alphaRow) != noErr) {
             continue;
         }
@@ -49,8 +49,8 @@ NamedImage *SelectionFromAlpha(PluginState *state, const RunGeometry &run) {
     return state->selectionImage;
 }
 
-// What the filter is offered as its selection: a mask that somewhere selects less than half, else a
-// transparency with holes.
+// The selection that the filter is given: the mask, if it selects some pixel by less than half; otherwise the
+// transparency, if it has holes.
 NamedImage *ChooseSelection(PluginState *state, const RunGeometry &run) {
     if (state->haveMask && state->maskAnd >= 0) {
         state->selectionUsed = true;
@@ -97,7 +97,7 @@ void SetPreferenceDefaults(RunContext *context) {
     }
 }
 
-// Images of 32-bit samples are not filtered.
+// Images with 32-bit samples are not filtered.
 OSErr Process(PluginState *state, const RunGeometry &run, RunContext *context, SPBlock *settings,
               Boolean skipDialog) {
     switch (run.sampleBytes) {
@@ -110,7 +110,7 @@ OSErr Process(PluginState *state, const RunGeometry &run, RunContext *context, S
     }
 }
 
-// Disposing of the block alone would leave the entries' texts behind.
+// Also frees the entries' texts, which disposing of the block alone would leak.
 void DisposeSettings(SPBlock *settings) {
     for (uint32_t i = 0; i < CountSPInputs(settings); ++i) {
         SetSPInputSettingCString(settings, i, nullptr);
@@ -137,7 +137,7 @@ OSErr FilterWithSettings(PluginState *state, const RunGeometry &run, RunContext 
     if (err == noErr) {
         err = Process(state, run, context, settings, skipDialog);
     }
-    // Recorded also after an error or a cancel.
+    // Recorded even after an error or a cancel.
     _WriteScriptParamToPS(state->filterRecord, settings);
     WriteMeasurements(context, settings);
     LogMeasurements(context, settings);

@@ -1,5 +1,5 @@
-// The middle of a run, with the whole image in the image store: settings from the defaults and the host's
-// script, the filter, and the settings back to the script.
+// The middle of a run, when the whole image is in the image store: takes the settings from the defaults and
+// the host's action, runs the filter, and records the settings for the host.
 #pragma once
 
 #include "plugin/plugin_state.h"

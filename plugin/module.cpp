@@ -1,5 +1,5 @@
-// The loadable module's only exported symbol. A C++ function cannot be called main, so the name is the
-// assembler's.
+// The loadable module's only exported symbol. A C++ function of this kind cannot be named main, so the name
+// is set for the assembler.
 #include "plugin/entry.h"
 
 extern "C" __attribute__((visibility("default"))) void ModuleEntry(int16_t selector, FilterRecord *record,

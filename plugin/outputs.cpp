@@ -16,9 +16,9 @@ constexpr OSType kLineEndKey = FourCharCode("crlf");
 constexpr OSType kTextCreator = FourCharCode("ttxt");
 constexpr OSType kTextType = FourCharCode("TEXT");
 constexpr char kNotSaved[] = "<not_saved>";
-constexpr int32_t kLastUnitIndex = 10;
+constexpr int32_t kLastUnitIndex = 10;  // nanometres
 
-// An output with what the key-name table says of it.
+// An output, and what the key-name table says about it.
 struct Output {
     OSType key;
     OSType type;
@@ -29,14 +29,14 @@ struct Output {
 
 int32_t UnitIndex(const RunContext *context) {
     const float unit = PreferenceFloat(context, kUnitIndexOffset);
-    // NaN is no unit; fractions are cut, so what lies between 0 and 1 is none either.
+    // NaN is no unit; fractions are dropped, so nothing between 0 and 1 is one either.
     const bool known = unit >= 1 && unit <= kLastUnitIndex;
     return known && PreferenceFloat(context, kLengthCalibrationOffset) != 0 ? static_cast<int32_t>(unit)
                                                                             : kUnitIndexInches;
 }
 
-// Calls `handle` for every output that the table does not leave out. An input that was added to a full block
-// has pushed the last output past its end.
+// Calls `handle` for every output that the table does not leave out. The last output is past the end of the
+// block when an input was added to a full one.
 template <typename Handler>
 void ForEachOutput(const RunContext *context, SPBlock *settings, Handler handle) {
     for (uint32_t j = 0; j < CountSPOutputs(settings); ++j) {
@@ -77,7 +77,7 @@ const char *StringOrNull(SPBlock *settings, uint32_t index) {
     return text == nullptr ? "NULL" : text;
 }
 
-// A value as a field of the file, or with its label as an entry of the log.
+// Writes a value as a field of the file, or with its label as an entry of the log.
 struct ValueKind {
     OSType type;
     void (*writeField)(int16_t file, SPBlock *settings, const Output &output);

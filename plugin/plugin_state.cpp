@@ -3,7 +3,7 @@
 #include "platform/memory.h"
 
 void TossImages(PluginState *state) {
-    // One image may stand in two fields.
+    // The same image may be in two fields.
     if (state->selectionImage != nullptr && state->selectionImage != state->alphaImage) {
         TossSelectionImage(state->selectionImage);
     }

@@ -1,4 +1,4 @@
-// What the plug-in keeps between the host's calls, in a handle behind the host's data word.
+// What the plug-in keeps between the host's calls, in a handle that the host's data word holds.
 #pragma once
 
 #include "imagestore/named_images.h"
@@ -16,25 +16,25 @@ enum : int16_t {
 struct PluginState {
     int16_t phase;
     int16_t result;
-    NamedImage *image;  // the colour planes; null when there is none, as with the images below
+    NamedImage *image;  // the colour planes; like the images below, null when there is none
     Handle parameters;  // the filter's parameter block
     intptr_t reserved[2];
     FilterRecord *filterRecord;  // the host's, refreshed on every call
-    Ptr rowBuffer;               // one row of all planes, and one byte per pixel more
+    Ptr rowBuffer;               // one row of all planes, plus one byte per pixel
     NamedImage *alphaImage;      // the extra planes
     NamedImage *selectionImage;  // one byte per pixel
     Boolean haveMask;
     Boolean parametersSet;
     int32_t originLeft;
     int32_t originTop;
-    int8_t maskAnd;  // AND of all mask bytes: negative while each was 128 or more
+    int8_t maskAnd;  // AND of all mask bytes: negative as long as each was 128 or more
     int16_t depth;   // 8, 16 or 32
     Boolean maskHasZero;
     Boolean selectionUsed;
-    OSErr imageError;  // of an image that could not be made
+    OSErr imageError;  // from an image that could not be made
 };
 
-// Tosses whatever images are there.
+// Tosses the images that exist.
 void TossImages(PluginState *state);
 
 // Tosses the images and frees the row buffer and the parameter block.

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr double kFloatScaleOut = 0.00392156862745098;
+constexpr double kFloatScaleOut = 0.00392156862745098;  // 1/255, which undoes ScaleFloatsIn
 
 template <typename Sample>
 constexpr Sample kWhite{};
@@ -26,22 +26,24 @@ uint8_t SelectionByte(uint8_t sample) {
     return sample;
 }
 
+// Twice the sample is on a scale of 65535, which is 255 * 257.
 uint8_t SelectionByte(uint16_t sample) {
     return static_cast<uint8_t>(std::min(sample * 2 / 257, 255));
 }
 
-// Not scaled, so it is 0 or 1 for most.
+// Not scaled: mostly 0 or 1.
 uint8_t SelectionByte(float sample) {
     return sample > 0 ? static_cast<uint8_t>(std::min(sample, 255.0f)) : 0;
 }
 
-// What a colour sample becomes on its way past the extra planes.
+// What happens to a colour sample when the extra planes are merged in.
 template <typename Sample>
 Sample MergedSample(Sample sample) {
     return sample;
 }
 
-// Floats are scaled here once more than rows without extra planes; hosts have come to rely on it.
+// Floats are scaled down once more than in rows without extra planes. That is deliberate, and part of the
+// result.
 template <>
 float MergedSample<float>(float sample) {
     return ScaledOut(sample);
@@ -65,7 +67,7 @@ bool SplitExtraPlanes(const RunGeometry &run, void *row, void *extra) {
     return foundZero;
 }
 
-// From the last pixel, so that nothing is overwritten before it has moved.
+// Works from the last pixel, so that nothing is overwritten before it has moved.
 template <typename Sample>
 void MergeExtraPlanes(const RunGeometry &run, void *row, const void *extra) {
     for (int64_t x = run.width - 1; x >= 0; --x) {

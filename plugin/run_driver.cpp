@@ -21,7 +21,7 @@ OSErr End(PluginState *state, OSErr result) {
     return result;
 }
 
-// A CMYK run keeps RGB rows in an image that has room for four samples per pixel.
+// A CMYK run keeps RGB rows in an image with room for four samples per pixel.
 int32_t FilteredRowBytes(const RunGeometry &run) {
     return run.width * run.filteredPlanes * run.sampleBytes;
 }
@@ -30,8 +30,8 @@ int32_t ExtraRowBytes(const RunGeometry &run) {
     return run.width * run.extraPlanes * run.sampleBytes;
 }
 
-// An image that cannot be made is told by the result; the rest of this call goes on with the images there
-// are. A selection that cannot be made is only left out.
+// An image that cannot be made shows in the result; the rest of this call goes on with the images there are.
+// A selection that cannot be made is simply left out.
 void MakeImages(PluginState *state, const RunGeometry &run) {
     const auto width = static_cast<int16_t>(run.width);
     const auto height = static_cast<int16_t>(run.height);
@@ -51,7 +51,7 @@ void MakeImages(PluginState *state, const RunGeometry &run) {
     state->imageError = state->imageError == noErr ? state->result : state->imageError;
 }
 
-// Whether the host delivered a row of that many bytes. Hosts that say nothing of row bytes are believed.
+// Whether the host delivered a row of that many bytes. A host that states no row bytes is trusted.
 bool HasRow(const void *data, int32_t rowBytes, int64_t needed) {
     return data != nullptr && (rowBytes <= 0 || rowBytes >= needed);
 }
@@ -95,14 +95,14 @@ OSErr ReadRow(PluginState *state, const RunGeometry &run) {
     if (err == noErr) {
         err = PutLine(state->image, 0, run.row, FilteredRowBytes(run), record->inData);
     }
-    // Where an image could not be made, that is what the host is told.
+    // If an image could not be made, the host is told that instead.
     if (err != noErr && state->result == noErr) {
         return End(state, err);
     }
     if (state->haveMask) {
         StoreMaskRow(state, run);
     }
-    // Reading is the first sixth of the bar; the filter has a scale of its own.
+    // Reading is the first sixth of the bar; the filter reports on a scale of its own.
     ReportProgress(record, run.row, 6 * run.height);
     const bool last = run.row + 1 >= run.height;
     if (last) {
@@ -135,7 +135,7 @@ OSErr WriteRow(PluginState *state, const RunGeometry &run) {
     if (err != noErr) {
         return End(state, err);
     }
-    // Writing is the last sixth.
+    // Writing is the last sixth of the bar.
     ReportProgress(record, 5 * run.height + run.row, 6 * run.height);
     if (run.row + 1 < run.height) {
         RequestRow(record, run.row + 1);
@@ -147,7 +147,7 @@ OSErr WriteRow(PluginState *state, const RunGeometry &run) {
     return state->result;
 }
 
-// A host that sends Continue in spite of an error gets as far as this, with rows that no image has taken.
+// A host that sends Continue despite an error gets this far, with rows that no image has taken.
 OSErr Filter(PluginState *state, const RunGeometry &run) {
     const OSErr err = state->imageError == noErr ? RunFilterPhase(state, run) : state->imageError;
     if (err != noErr) {

@@ -5,10 +5,10 @@
 
 namespace {
 
-constexpr int32_t kNoColorPlanes = 0;  // a mode that must not reach the run
+constexpr int32_t kNoColorPlanes = 0;  // a mode that is not filtered
 constexpr int32_t kAllPlanes = -1;
 
-// For samples of one byte, and for larger ones.
+// First for samples of one byte, then for larger ones.
 constexpr ModeConversion kLab[] = {{_ConvertLAB8toRGB24, _ConvertRGB24toLAB8},
                                    {_ConvertLAB16toRGB48, _ConvertRGB48toLAB16}};
 constexpr ModeConversion kCMYK[] = {{_ConvertCMYK8toRGB24, _ConvertRGB24toCMYK8},
@@ -26,7 +26,7 @@ constexpr Mode kLabColor = {3, 3, kLab};
 constexpr Mode kCMYKColor = {4, 3, kCMYK};
 constexpr Mode kMultichannel = {kAllPlanes, kAllPlanes, nullptr};
 
-// By image mode.
+// Indexed by image mode.
 constexpr Mode kModes[plugInModeCount] = {
     /* Bitmap */ kUnsupported,
     /* Gray */ kGray,
@@ -78,7 +78,7 @@ OSErr GetRunGeometry(const PluginState *state, RunGeometry *run) {
     if (IsEmpty(record->filterRect) || run->width > INT16_MAX || run->height > INT16_MAX) {
         return filterBadParameters;
     }
-    // Images count the bytes of a pixel in 16 bits.
+    // Images store the bytes per pixel in 16 bits.
     const bool fits = run->planes * run->sampleBytes <= INT16_MAX;
     return fits && run->colorPlanes > 0 && run->extraPlanes >= 0 ? noErr : filterBadMode;
 }

@@ -1,4 +1,4 @@
-// Access to samples in the host's rows, which need no alignment. Indices count samples.
+// Access to samples in the host's rows, which may be unaligned. Indices count samples.
 #pragma once
 
 #include <cstdint>

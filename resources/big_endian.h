@@ -1,4 +1,4 @@
-// Bytes of a resource, put together field by field.
+// Builds a resource's bytes field by field.
 #pragma once
 
 #include <string_view>

@@ -1,5 +1,5 @@
-// Names and units of the settings, as resource 'TEXT' 9999: 64-byte records, the first a heading. '_' ends a
-// text.
+// Names and units of the settings, as resource 'TEXT' 9999: 64-byte records, the first of them a heading. '_'
+// ends a text.
 #pragma once
 
 #include <cstdint>

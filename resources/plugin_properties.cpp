@@ -6,7 +6,7 @@
 
 namespace {
 
-// Mac Roman; 0xC9 is the ellipsis that tells of a dialog.
+// Mac Roman; 0xC9 is the ellipsis, which says that a dialog follows.
 constexpr std::string_view kName = "Hybrid Median\xC9";
 constexpr std::string_view kCategory = "Noise";
 constexpr std::string_view kEntryPoint = "main";
@@ -22,7 +22,7 @@ constexpr OSType kCodeProperty = FourCharCode("8664");
 
 struct DeclaredMode {
     int16_t mode;
-    std::string_view name;  // in the expression
+    std::string_view name;  // in the enable expression
 };
 
 constexpr DeclaredMode kModes[] = {
@@ -33,7 +33,7 @@ constexpr DeclaredMode kModes[] = {
     {plugInModeRGB96, "RGB96Mode"},         {plugInModeGray32, "Gray32Mode"},
 };
 
-constexpr int kFilterCases = 7;
+constexpr int kFilterCases = 7;  // of the interface, see FilterRecord's filterCase
 constexpr uint8_t kStraightData = 1;
 
 void AppendProperty(std::vector<uint8_t> *list, OSType key, const std::vector<uint8_t> &data) {

@@ -1,4 +1,4 @@
-// What the plug-in declares of itself, as resource 'PiPL'.
+// What the plug-in declares about itself, as resource 'PiPL'.
 #pragma once
 
 #include <cstdint>

@@ -9,6 +9,7 @@
 
 namespace {
 
+// In pixels.
 constexpr int16_t kWidth = 380;
 constexpr int16_t kHeight = 452;
 constexpr int16_t kMovableModalBox = 5;
@@ -19,7 +20,9 @@ constexpr int16_t kPicture = kUserDialogItem | kItemDisableBit;
 constexpr int16_t kBar = kUserDialogItem;  // the dialog puts a scroll bar there
 constexpr std::string_view kEnDash = "\xD0";
 
-// In the order of their numbers, from 1. Texts are in Mac Roman.
+// In the order of their numbers, from 1. Texts are in Mac Roman. Coordinates are pixels from the dialog's top
+// left corner. The preview is 320 x 240, with bars of 16 pixels three pixels away, and margins of 20 at the
+// sides.
 constexpr struct {
     Rect bounds;  // top, left, bottom, right
     int16_t type;

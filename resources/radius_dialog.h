@@ -1,4 +1,4 @@
-// The radius dialog's resources: its window and its items, as 'DLOG' and 'DITL' resources hold them in a
+// The radius dialog's resources: its window and its items, as 'DLOG' and 'DITL' resources store them in a
 // file.
 #pragma once
 

@@ -6,11 +6,11 @@
 
 namespace {
 
-// Behind the header the format leaves room for the system and the application.
+// After its header the format reserves space for the system and the application.
 constexpr size_t kDataOffset = 256;
-constexpr size_t kMapHeaderSize =
-    28;  // a copy of the header, a handle, a file number, attributes, two offsets
-constexpr size_t kReservedMapBytes = 16 + 4 + 2 + 2;
+// A copy of the header, a handle, a file number, attributes, and two offsets.
+constexpr size_t kMapHeaderSize = 28;
+constexpr size_t kReservedMapBytes = 16 + 4 + 2 + 2;  // all of those but the offsets; left zero
 constexpr size_t kTypeSize = 8;
 constexpr uint64_t kNoName = 0xFFFF;
 

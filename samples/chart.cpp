@@ -1,4 +1,4 @@
-// Draws the sample pictures and compares filtered ones with them.
+// Draws the sample pictures, and compares filtered pictures with them.
 #include <vips/vips.h>
 
 #include <algorithm>
@@ -25,7 +25,7 @@ int Draw(char **files) {
     return WriteRGB(chart, files[0]) && WriteRGB(AddNoise(chart), files[1]) ? 0 : TellVipsError();
 }
 
-// Both pictures of a comparison, which must be of one size.
+// Reads both pictures of a comparison, which must be the same size.
 bool ReadPair(char **files, PictureRGB *left, PictureRGB *right) {
     if (!ReadRGB(files[0], left) || !ReadRGB(files[1], right)) {
         return false;
@@ -59,7 +59,7 @@ int PrintPSNR(char **files) {
     return 0;
 }
 
-// Lays a picture side by side until a larger one is full.
+// Fills a larger picture with copies of a smaller one.
 int Tile(char **arguments) {
     PictureRGB picture;
     const auto width = static_cast<int>(std::strtol(arguments[1], nullptr, 10));

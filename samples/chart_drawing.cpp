@@ -51,7 +51,7 @@ void Fill(PictureRGB *picture, const Box &box, Pixel color) {
     }
 }
 
-// One pixel wide, both ends included.
+// Bresenham's line, one pixel wide, both ends included.
 void Line(PictureRGB *picture, int x0, int y0, int x1, int y1, Pixel color) {
     const int dx = std::abs(x1 - x0);
     const int dy = -std::abs(y1 - y0);
@@ -85,7 +85,7 @@ void Disc(PictureRGB *picture, int centerX, int centerY, int radius, Pixel color
     }
 }
 
-// Height of a range of hills, a chain of slopes between given peaks.
+// The height of a range of hills: straight slopes between the given peaks.
 int Ridge(int x, const int (&peaks)[9]) {
     constexpr int kSpan = kWidth / 8;
     const int left = x / kSpan;
@@ -120,7 +120,7 @@ void DrawSky(PictureRGB *picture) {
     }
 }
 
-// Lines from one corner in every direction, and short ones along the main directions.
+// Lines that fan out from one corner.
 void DrawFan(PictureRGB *picture) {
     Fill(picture, kFan, {250, 248, 242});
     const int right = kFan.right - 1;
@@ -137,7 +137,7 @@ void DrawRings(PictureRGB *picture) {
     Fill(picture, kRings, kNavy);
     const int centerX = (kRings.left + kRings.right) / 2;
     const int centerY = (kRings.top + kRings.bottom) / 2;
-    // Rings that grow thinner towards the middle.
+    // Rings that get thinner towards the middle.
     constexpr int kRadii[] = {76, 64, 56, 47, 41, 34, 30, 25, 22, 18, 16, 13, 11, 9};
     bool light = true;
     for (const int radius : kRadii) {
@@ -147,7 +147,7 @@ void DrawRings(PictureRGB *picture) {
     Disc(picture, centerX, centerY, 6, kCoral);
 }
 
-// Lines of five-by-seven marks that resemble writing.
+// Lines of five-by-seven marks that look like writing.
 void DrawMarks(PictureRGB *picture) {
     Fill(picture, kMarks, {250, 248, 242});
     constexpr uint8_t kGlyphs[][7] = {
@@ -188,7 +188,7 @@ void DrawCheckers(PictureRGB *picture) {
     }
 }
 
-// Flat colours, each with a darker triangle of a sharp slanted edge.
+// Flat colours, each with a darker triangle that has a sharp, slanted edge.
 void DrawPatches(PictureRGB *picture) {
     constexpr int kCount = static_cast<int>(std::size(kPatches));
     const int width = kPatchRow.right - kPatchRow.left;

@@ -3,6 +3,6 @@
 
 #include "samples/picture_rgb.h"
 
-// 640 x 480: a sky of smooth gradients over flat patches, fans of lines one pixel wide, rings, checkers and
-// small marks. Drawn in whole numbers, so that every machine draws the same.
+// 640 x 480: a sky of smooth gradients, a fan of lines one pixel wide, rings, checkers, small marks and flat
+// patches. Drawn in whole numbers, so that every machine draws the same chart.
 PictureRGB DrawChart();

@@ -4,19 +4,20 @@
 
 namespace {
 
-constexpr uint64_t kSeed = 0x9E3779B97F4A7C15;
+constexpr uint64_t kSeed = 0x9E3779B97F4A7C15;  // arbitrary, but not 0; 2^64 over the golden ratio
+// Chosen so that both kinds of noise are plain to see.
 constexpr uint32_t kImpulsesPerMille = 60;
-// Four uniform numbers of 0 to kGrain - 1 add up to a bell of a deviation of about 4.6.
+// Four uniform numbers from 0 to kGrain - 1 add up to a bell curve with a standard deviation of about 5.2.
 constexpr uint32_t kGrain = 9;
 constexpr int kGrainTerms = 4;
 constexpr int kGrainMean = kGrainTerms * (int{kGrain} - 1) / 2;
 
-// xorshift64*: the library's generators and distributions differ between machines.
+// xorshift64*, since the standard library's distributions differ between machines.
 struct Generator {
     uint64_t state = kSeed;
 };
 
-// 0 to limit - 1.
+// Returns 0 to limit - 1.
 uint32_t Next(Generator *generator, uint32_t limit) {
     uint64_t &state = generator->state;
     state ^= state >> 12;

@@ -3,5 +3,5 @@
 
 #include "samples/picture_rgb.h"
 
-// Grain on every pixel, and pixels of a random colour here and there.
+// Adds grain to every pixel, and turns pixels here and there into a random colour.
 PictureRGB AddNoise(PictureRGB picture);

@@ -18,6 +18,6 @@ struct PictureRGB {
 PictureRGB MakePicture(int width, int height, Pixel background);
 Pixel &At(PictureRGB &picture, int x, int y);
 
-// Both return false when the library refuses, and leave its words to vips_error_buffer().
+// Both return false when the library refuses; vips_error_buffer() then has its message.
 bool ReadRGB(const std::string &file, PictureRGB *picture);  // any 8-bit RGB picture
 bool WriteRGB(const PictureRGB &picture, const std::string &file);

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Includes go downwards only: the files of a room may include their own room and the rooms that its row names.
+# Includes only go downwards: files may include their own room and the rooms that its row names.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -27,7 +27,7 @@ declare -A may=(
     [host]="host/work host/filter host/picture host/document host/report photoshop platform $facts"
 )
 
-# Sets `room` to the row that a file belongs to; fails for files of no room, such as tests.
+# Sets `room` to the row that a file belongs to; fails for files outside all rooms, such as tests.
 find_room() {
     room=$1
     until [ -v "may[$room]" ]; do

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Compares with what one would take instead, as far as it is installed: median filters of the same diameter on the same
-# picture, each on one thread. Prints seconds of processor time as Markdown. Install what you want compared with:
+# Compares hymedian with the alternatives that are installed: median filters of the same diameter on the same picture,
+# each on one thread. Prints seconds of processor time as Markdown. Install the ones you want to compare with:
 # python3-opencv, graphicsmagick, imagemagick, gegl.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -11,11 +11,11 @@ trap 'rm -rf "$work"' EXIT
 export HYMEDIAN_PREFERENCES=$work/preferences
 export OMP_NUM_THREADS=1 MAGICK_THREAD_LIMIT=1 GEGL_THREADS=1
 
-# 24 megapixels: the noisy chart, laid side by side.
+# 24 megapixels, tiled with the noisy chart.
 "$build/chart" draw "$work/chart.png" "$work/noisy.png"
 "$build/chart" tile "$work/noisy.png" 6000 4000 "$work/picture.tif"
 
-# The best of three runs; what takes over ten seconds is run once.
+# The best of three runs; anything that takes over ten seconds only runs once.
 seconds() {
     local best='' took
     local TIMEFORMAT='%3U %3S'
@@ -28,7 +28,7 @@ seconds() {
     echo -n "$best"
 }
 
-# Debian's interpreter is the one that Debian's module is for.
+# Debian's module needs Debian's interpreter.
 python=/usr/bin/python3
 
 opencv_seconds() {

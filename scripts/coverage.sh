@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Line coverage of the system's own folders by all tests; fails below 90 % in total. The figures of each file go to
-# build/coverage/files.csv. Processes that are killed leave no counts.
+# Line coverage of our own folders by all tests; fails below 90 % in total. Figures for each file go to
+# build/coverage/files.csv. Killed processes leave no counts.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/install-packages.sh build test coverage
 cmake --preset coverage >/dev/null
-# Also before, for builds run the tests to list them; and counts of an earlier build fit no more.
+# Counts of an earlier build no longer match. They are deleted again after the build, which runs the tests to list them.
 find build/coverage -name '*.gcda' -delete
 cmake --build --preset coverage
 find build/coverage -name '*.gcda' -delete

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Fills a really mounted volume of one megabyte, with outputs, preferences and work images on it, and makes it read-only.
-# What cannot be written must be told in one sentence, earlier files stay as they were, and nothing is left. Mounting
-# takes root; LARGE=no leaves out the picture of 540 MB, the smallest whose work image goes to disk.
+# Mounts a volume of one megabyte, fills it up with outputs, preferences and work images on it, and makes it read-only.
+# Whatever cannot be written must be reported in one sentence, earlier files must stay as they were, and nothing may be
+# left behind. Mounting needs root; LARGE=no skips the picture of 540 MB, the smallest whose work image goes to disk.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -29,7 +29,7 @@ fail() {
     exit 1
 }
 
-# Leaves so many bytes of the volume free.
+# Leaves this many bytes of the volume free.
 leave() {
     rm -f "$volume/filler"
     local free
@@ -37,12 +37,12 @@ leave() {
     head -c $((free - $1)) /dev/zero >"$volume/filler"
 }
 
-# All files but those that runs may change, and what is in them.
+# All files, with their contents, except those that runs may change.
 state() {
     find . -type f ! -name filler ! -path './preferences/*' ! -path './volume/preferences/*' ! -name '*.txt' -exec sha256sum {} + | sort
 }
 
-# The arguments of a run that must fail with so many sentences, and change nothing.
+# refused SENTENCES ARGUMENT...: a run that must fail with that many sentences, and change nothing.
 refused() {
     local sentences=$1 status=0
     shift
@@ -56,7 +56,7 @@ refused() {
     checks=$((checks + 1))
 }
 
-# A run must give what it gives with room everywhere.
+# A run must give the same result as with room everywhere.
 works() {
     "$build/hymedian" --quiet --radius 2 noisy.png --force -o out.png || fail "failed with the preferences in $HYMEDIAN_PREFERENCES"
     cmp out.png right.png
@@ -76,7 +76,7 @@ leave 0
 refused 1 noisy.png -o new.png --record "$volume/action.json"
 refused 1 noisy.png -o full.png
 
-# Preferences that find no room are lost, and so is nothing else.
+# Preferences for which there is no room are lost, but nothing else is.
 export HYMEDIAN_PREFERENCES=$volume/preferences
 works
 leave 100000

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Formats all C++ sources; with --check only tells whether they are formatted.
+# Formats all C++ sources; with --check, only reports whether they are formatted.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs every fuzzer, or those named, for SECONDS_EACH (600) seconds, from the seeds in tests/fuzz/seeds/. Findings and logs
-# go to build/fuzz/.
+# Runs every fuzzer, or the ones named, for SECONDS_EACH (default: 600) seconds, starting from the seeds in
+# tests/fuzz/seeds/. Findings and logs go to build/fuzz/.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${SECONDS_EACH:-600}
@@ -8,7 +8,7 @@ seconds=${SECONDS_EACH:-600}
 scripts/install-packages.sh build fuzz
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz
-# The dialog keeps its line buffers, as it is known to; asking after leaks would find them again every time.
+# The dialog never frees its line buffers, which is known; leak detection would report them every time.
 declare -A more=([resource_file_fuzz]="-detect_leaks=0")
 [ $# -gt 0 ] || set -- $(cd build/fuzz && ls -- *_fuzz)
 for name in "$@"; do

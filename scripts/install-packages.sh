@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs the Debian packages of the groups named (build, test, bench, lint, fuzz, coverage) that are missing; asks for nothing else.
+# Installs the missing Debian packages of the groups named (build, test, bench, lint, fuzz, coverage), without questions.
 set -euo pipefail
 
 declare -A packages=(

@@ -1,8 +1,7 @@
 #!/usr/bin/env bash
-# RUNS (1000) runs of hymedian are killed at random moments: single pictures in one to three processes, and batches. What
-# stands under an output's name must be whole at all times, the preferences those of a whole run; the run after the last
-# one must work and leave nothing else behind, and no process may live on. Fails, too, when no kill fell into one of the
-# stages of a run.
+# Kills RUNS (default: 1000) runs of hymedian at random moments: single pictures in one to three processes, and batches.
+# The file under an output's name must be whole at all times, and the preferences those of a complete run. A final run
+# must work and leave nothing else behind, and no process may live on. Also fails if some stage of a run was never hit.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -32,7 +31,7 @@ for radius in 1 2; do
     cp "$preferences" "$work/right/$radius-preferences"
 done
 
-# Whether the first bytes of a file, all without a number, are those of one of the two right ones.
+# right FILE NAME [BYTES]: whether the file, or its first bytes, is the same as one of the two right ones of that name.
 right() {
     cmp -s ${3:+-n "$3"} "$1" "$work/right/1-$2" || cmp -s ${3:+-n "$3"} "$1" "$work/right/2-$2"
 }
@@ -44,7 +43,7 @@ shopt -s nullglob
 for ((run = 0; run < runs; ++run)); do
     inputs=("${pictures[@]}")
     [ $((run % 2)) -eq 1 ] || inputs=(noisy.png)
-    # Made anew they may be cut short by a kill, but only until a run came through.
+    # New preferences may be cut short by a kill, but only until one run has completed.
     if [ $((run % 10)) -eq 0 ]; then
         rm -f "$preferences"
         established=
@@ -53,7 +52,7 @@ for ((run = 0; run < runs; ++run)); do
     exec {told}< <(exec setsid "$build/hymedian" --force --radius $((1 + run / 4 % 2)) --jobs $((1 + run % 3)) "${inputs[@]}" -o out)
     pid=$!
     if [ $((run % 4)) -ge 2 ]; then
-        # There is little time behind an output's publishing; it has come when the program tells of the output.
+        # There is little time after an output is published. The program reports it right then.
         read -r -u "$told" || true
     else
         delay=$(((RANDOM * 32768 + RANDOM) % (slowest * 6 / 5)))
@@ -63,7 +62,7 @@ for ((run = 0; run < runs; ++run)); do
     status=0
     wait $pid 2>/dev/null || status=$?
     exec {told}<&-
-    # Its workers end a little later; one of them may be making new preferences.
+    # Its workers end a little later; one of them may be creating new preferences.
     for ((patience = 0; patience < 200; ++patience)); do
         kill -0 -- -$pid 2>/dev/null || break
         read -r -t 0.01 -u "$pause" || true

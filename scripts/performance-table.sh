@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Prints tables of the filter's speed, by kernel and radius, as Markdown: megapixels per second, the ratio to the plain
-# routines of the same run, and nanoseconds per pair of samples. LAYOUTS (rgb8) may name further layouts: gray8 gray16 rgb16.
+# routines in the same run, and nanoseconds per pair of samples. LAYOUTS (default: rgb8) names the layouts: rgb8 gray8
+# rgb16 gray16.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -9,7 +10,7 @@ cmake --preset bench >/dev/null
 cmake --build --preset bench --target filter_bench >/dev/null
 
 for layout in ${LAYOUTS:-rgb8}; do
-    # Interleaved repetitions, so that what else the machine does meets all alike.
+    # Repetitions are interleaved, so that other load on the machine affects all of them alike.
     build/bench/filter_bench --benchmark_filter="/$layout/" --benchmark_format=csv --benchmark_min_time=0.1 \
         --benchmark_repetitions=5 --benchmark_enable_random_interleaving=true \
         --benchmark_report_aggregates_only=true 2>/dev/null |
@@ -31,7 +32,7 @@ for layout in ${LAYOUTS:-rgb8}; do
             }
             function cell(value, kernel, radius,    n, pairs) {
                 if (value == "ratio") return speed[kernel, radius] / speed["plain", radius]
-                # The definition counts all pairs of 4 * radius + 1 samples, in two sets at radius 1, in four beyond.
+                # The definition compares all pairs of 4 * radius + 1 samples, in two sets at radius 1 and four beyond.
                 n = 4 * radius + 1
                 pairs = (radius == 1 ? 2 : 4) * n * (n - 1) / 2
                 return value == "pair" ? 1e3 / (speed[kernel, radius] * pairs) : speed[kernel, radius]

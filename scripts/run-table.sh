@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Prints where the time of whole runs goes, as Markdown: pictures of 1 to 100 megapixels at radius 4, one of 6000 pixels
-# width at every radius, and whole runs of hymedian with one job and with two beside the filter alone.
+# Prints where the time of whole runs goes, as Markdown: pictures of 1 to 100 megapixels at radius 4, one that is 6000
+# pixels wide at every radius, and whole runs of hymedian with one and two jobs compared with the filter alone.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -37,7 +37,7 @@ echo "|---|$line"
 picture 6000 1000
 for radius in 1 2 3 4 5 6; do echo "| $radius $("$build/run_bench" "$work/6000x1000.tif" "$work/out.tif" $radius)"; done
 
-# Seconds of a whole run, the best of five.
+# Nanoseconds of a whole run, the best of five.
 whole() {
     local best=
     for _ in 1 2 3 4 5; do

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# PICTURES (500) pictures of four formats and five sizes in one batch of two processes. Each output must be what a run of
-# its own gives, nothing may be left over, and the batch must end with the memory and the open files it began with: for
-# every process the least that it held in the last fifth of its pictures may be at most MARGIN_KB (4096) more, and
-# MARGIN_FILES (4) files more, than in the second fifth. The smallest picture lost 240 times would be three times as much.
+# Filters PICTURES (default: 500) pictures of four formats and five sizes in one batch with two processes. Each output
+# must equal that of a run of its own, nothing may be left over, and neither memory nor open files may grow: for every
+# process, the least it held in the last fifth of its pictures may exceed that of the second fifth by at most MARGIN_KB
+# (default: 4096) and MARGIN_FILES (default: 4). Leaking the smallest picture 240 times would be three times as much.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -17,7 +17,7 @@ mkdir "$work/kinds" "$work/in" "$work/out" "$work/right"
 cd "$work"
 exec {pause}<> <(:)
 
-# One in five is large enough to be cut into bands. Those come after all others, and have workers of their own each.
+# One in five is large enough to be cut into bands. Those are done last, and each has workers of its own.
 "$build/chart" draw clean.png noisy.png
 kinds=()
 for size in 160x120 333x257 500x400 47x501 1300x1000; do
@@ -37,8 +37,8 @@ for ((i = 0; i < pictures; ++i)); do
     [[ $kind == 1300x1000.* ]] || small=$((small + 1))
 done
 
-# Tells the private and shared memory of a process in kB and its open files, unless it is ending. Without processes of
-# its own, so that there are many samples of each picture.
+# Prints the private and shared memory of a process in kB and its number of open files, unless it is ending. Starts no
+# processes itself, so that there are many samples of each picture.
 measure() {
     local key kilobytes memory=0 files
     while read -r key kilobytes _; do
@@ -73,7 +73,7 @@ done
 [ "$(ls -A preferences)" = WEMBpref ] || { echo "left over in the Preferences folder" >&2; exit 1; }
 
 awk -v pictures="$pictures" -v small="$small" -v parent=$parent -v margin="$margin" -v margin_files="$margin_files" '
-    # Pictures done so far, the process, its memory and files.
+    # Fields: pictures done so far, the process, its memory, its files.
     {
         phase = $1 < small ? "small" : "large"
         part = phase == "small" ? $1 / small : ($1 - small) / (pictures - small)
@@ -89,7 +89,7 @@ awk -v pictures="$pictures" -v small="$small" -v parent=$parent -v margin="$marg
     }
     END {
         for (key in keys) {
-            # Workers of bands live for one picture.
+            # Workers for bands only live for one picture.
             if (samples[key, 1] < 5 || samples[key, 4] < 5) continue
             ++compared
             printf "%s: at least %d kB and %d files, later %d kB and %d files; at most %d kB\n", key,

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is released into a temporary prefix, and uses it there as its users do: the program, its manual page, and
-# the headers for those who write hosts. What is only there for tests must not be in it.
+# Installs a release into a temporary prefix and uses it there as users would: the program, its manual page, and the
+# headers for people who write hosts. Nothing that only serves tests may be installed.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -16,7 +16,7 @@ fail() { echo "$1" >&2; exit 1; }
 
 build/chart draw "$work/clean.png" "$work/noisy.png"
 export HYMEDIAN_PREFERENCES=$work/preferences
-# From elsewhere, with nothing in the environment that could help it find its parts.
+# From another folder, with nothing in the environment that could help it find its parts.
 (cd / && env -i PATH=/usr/bin:/bin HYMEDIAN_PREFERENCES="$HYMEDIAN_PREFERENCES" \
     "$prefix/bin/hymedian" --quiet --radius 2 "$work/noisy.png" -o "$work/installed.png")
 build/hymedian --quiet --radius 2 "$work/noisy.png" -o "$work/built.png"

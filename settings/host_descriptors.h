@@ -1,23 +1,23 @@
-// The host's scripting suites: whether they are there, and how a reader and a writer are closed.
+// The host's scripting suites: whether they are available, and how to close a reader and a writer.
 #pragma once
 
 #include "photoshop/descriptors.h"
 #include "photoshop/suites.h"
 #include "platform/types.h"
 
-// `newerVersion`, when given, is set to 1 if the host's suite is of a version that is not known here.
+// `newerVersion`, if given, is set to 1 when the host's suite is of a version newer than this code knows.
 Boolean HostDescriptorAvailable(const PIDescriptorParameters *parameters, Boolean *newerVersion);
 
-// True when the user is to see the dialog on playback.
+// True when the dialog is to be shown on playback.
 Boolean HostPlayDialog(const PIDescriptorParameters *parameters);
 
 OSErr HostCloseReader(const PIDescriptorParameters *parameters, HandleProcs *handleProcs,
                       PIReadDescriptor *reader);
 
-// Installs what was written as parameters->descriptor and disposes of the one that was there. When the host
-// cannot close the writer, the old one stays.
+// Makes what was written the new parameters->descriptor and disposes of the old one. If the host cannot close
+// the writer, the old one stays.
 OSErr HostCloseWriter(PIDescriptorParameters *parameters, HandleProcs *handleProcs,
                       PIWriteDescriptor *writer);
 
-// Disposes of a handle that came from the host, through its suite where it has one.
+// Disposes of a handle that came from the host, through the host's suite if it has one.
 void HostDisposeHandle(HandleProcs *handleProcs, Handle handle);

@@ -18,7 +18,7 @@ constexpr int64_t kRecordSize = 64;
 constexpr int64_t kNameOffset = 5;
 constexpr int64_t kUnitsOffset = 48;
 
-// The micro sign is Mac Roman.
+// Indexed by unit. The micro sign is Mac Roman.
 constexpr const char *kUnitNames[] = {"px", "\265m", "mm", "cm", "m ", "km", "in", "ft", "mi", "th", "nm"};
 
 struct Record {
@@ -41,7 +41,7 @@ bool FindRecord(OSType key, Record *record) {
     return false;
 }
 
-// What a units code makes of name and units.
+// A setting's name and units after its units code was applied.
 struct Label {
     char name[kKeyNameSize];
     char units[kKeyNameSize];
@@ -89,7 +89,7 @@ void AppendPString(ConstStringPtr text, char *line) {
     ConcatCStrings(line, piece, line, kKeyNameSize);
 }
 
-// Ends a line of the measurement file with its date and time.
+// Puts date and time in place of the name; they end a line of the measurement file.
 OSErr DateAndTime(Label *label, int32_t) {
     uint32_t now;
     GetDateTime(&now);

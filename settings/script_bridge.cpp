@@ -43,7 +43,7 @@ void ReadEnumerated(const Reader &reader, SPEntry *entry) {
     StoreInRange(entry, err, static_cast<int32_t>(value));
 }
 
-// Other radio kinds are recorded, but never read back.
+// Only types that begin with this are read back; other radio settings are recorded, but not played.
 void ReadRadio(const Reader &reader, SPEntry *entry) {
     constexpr OSType kRadioPrefix = 'r' << 8 | 'B';
     if (entry->type >> 16 == kRadioPrefix) {
@@ -78,8 +78,8 @@ void StoreText(SPBlock *block, uint32_t input, Handle text) {
     }
 }
 
-// The entry's kind decides by which of the host's procedures its value travels. Strings travel as handles of
-// text and are not in the table.
+// Which of the host's procedures carry the value of an entry of this kind. Strings travel as handles of text
+// and are not in the table.
 struct Conveyance {
     OSType type;
     OSType key;  // 0: any
@@ -147,8 +147,8 @@ void WriteText(const Writer &writer, OSType key, const char *text) {
     }
 }
 
-// Kind and key are those of `entry`, the value is that of input `valueIndex`. Nothing is written for an entry
-// past the block's end: an input that was added behind the outputs of a full block pushes the last one there.
+// Kind and key come from `entry`, the value from input `valueIndex`. Writes nothing for an entry past the
+// block's end: adding an input after the outputs of a full block pushes the last output there.
 void WriteEntry(const Writer &writer, SPBlock *block, const SPEntry *entry, uint32_t valueIndex) {
     if (entry == nullptr) {
         return;
@@ -162,7 +162,7 @@ void WriteEntry(const Writer &writer, SPBlock *block, const SPEntry *entry, uint
     }
 }
 
-// The inputs' keys, ended by 0; null when memory is short.
+// The inputs' keys, followed by a 0; null when memory is short.
 OwnedBlock<OSType> ExpectedKeys(SPBlock *block) {
     const uint32_t count = CountSPInputs(block);
     OwnedBlock<OSType> keys = MakeOwnedBlock<OSType>(int64_t{count} + 1);
@@ -177,7 +177,7 @@ void ReadAllKeys(const Reader &reader, SPBlock *block) {
     OSType type = 0;
     int32_t flags = 0;
     while (reader.procs->getKeyProc(reader.token, &key, &type, &flags)) {
-        // A key that is in the block twice updates both.
+        // If the block has the key twice, both entries are updated.
         for (uint32_t i = 0; i < CountSPInputs(block); ++i) {
             if (_ByteSwapOSType(SPInputEntry(block, i)->key) == key) {
                 ReadEntry(reader, block, i);

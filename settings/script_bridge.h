@@ -5,10 +5,10 @@
 #include "platform/types.h"
 #include "settings/setting_registry.h"
 
-// Overwrites the input settings that the host's descriptor holds with values inside their ranges; anything
-// else is silently left. Returns 1 when the dialog must not be shown, 0 when it is to be shown.
+// Overwrites those input settings for which the host's descriptor has a value within range; silently leaves
+// the others alone. Returns 1 when the dialog must not be shown, 0 when it must.
 Boolean _ReadScriptParamFromPS(FilterRecord *record, SPBlock *block);
 
-// Records every setting into a new descriptor for the host. Returns 0, also when there is nothing to write or
-// the host has no suites, or what closing the writer gave.
+// Records every setting in a new descriptor for the host. Returns the result of closing the writer, or 0 when
+// there is nothing to write or the host has no suites.
 OSErr _WriteScriptParamToPS(FilterRecord *record, SPBlock *block);

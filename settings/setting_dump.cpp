@@ -14,7 +14,7 @@ void Write(int16_t file, const char *text, Boolean tab = false, Boolean lineEnd 
     WriteCString(file, text, tab, lineEnd);
 }
 
-// Four characters, zeros among them too.
+// Always four characters, even if some of them are zeros.
 void WriteCode(int16_t file, OSType code, Boolean tab) {
     const uint8_t text[] = {4, static_cast<uint8_t>(code >> 24), static_cast<uint8_t>(code >> 16),
                             static_cast<uint8_t>(code >> 8), static_cast<uint8_t>(code)};
@@ -66,7 +66,7 @@ void WriteBooleanLine(int16_t file, const SPEntry &entry) {
     Write(file, entry.value != 0 ? "Value = TRUE" : "Value = FALSE", false, true);
 }
 
-// Texts are cut to 255 characters. The copy is not left readable in freed memory.
+// Texts are cut to 255 characters. DisposeCString marks the copy as deleted before freeing it.
 void WriteStringLine(int16_t file, const SPEntry &entry) {
     Write(file, "Type = STRING", true);
     WriteKey(file, entry);

@@ -3,6 +3,6 @@
 
 #include "settings/setting_registry.h"
 
-// Write one entry to an open file; nothing past the block's end.
+// Write one entry to an open file; do nothing past the block's end.
 void _WriteSPInputParam(SPBlock *block, uint32_t index, int16_t fileRef);
 void _WriteSPOutputParam(SPBlock *block, uint32_t index, int16_t fileRef);

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int32_t kHeaderSlots = 2;
+constexpr int32_t kHeaderSlots = 2;  // a slot has the size of an entry; the SPBlock header takes two
 static_assert(sizeof(SPBlock) <= kHeaderSlots * sizeof(SPEntry));
 
 SPEntry *EntryAt(SPBlock *block, uint64_t index) {
@@ -17,7 +17,7 @@ SPEntry *EntryAt(SPBlock *block, uint64_t index) {
     return (slot + 1) * sizeof(SPEntry) <= size ? reinterpret_cast<SPEntry *>(block) + slot : nullptr;
 }
 
-// What an add stores; texts go in afterwards.
+// What an Add call stores; a text goes in afterwards.
 struct NewEntry {
     OSType key;
     OSType type;
@@ -71,7 +71,7 @@ NewEntry BooleanEntry(OSType key, Boolean value) {
 }
 
 NewEntry StringEntry(OSType key, const SPEntry *entry) {
-    // The maximum is left as it was.
+    // The slot keeps the maximum that it had.
     return {key, kSettingString, 0, entry == nullptr ? 0 : entry->max, 0};
 }
 
@@ -89,8 +89,8 @@ char *TextOf(const SPEntry *entry) {
     return entry == nullptr ? nullptr : entry->text;
 }
 
-// Replaces the text by a copy of `count` bytes and a zero; null stays null. The new text may come from the
-// old one.
+// Replaces the text with a copy of `count` bytes and a final zero; null stays null. `text` may point into the
+// old text.
 void SetText(SPEntry *entry, const void *text, int32_t count) {
     if (entry == nullptr) {
         return;
@@ -162,7 +162,7 @@ SPEntry *SPOutputEntry(SPBlock *block, uint32_t index) {
     return EntryAt(block, uint64_t{block->inputCount} + index);
 }
 
-// Inputs and outputs have the same operations on different entries.
+// Inputs and outputs have the same operations, on different entries.
 #define DEFINE_SETTING_CALLS(SIDE)                                                                           \
     uint32_t AddSP##SIDE##SettingLong(SPBlock *block, OSType key, int32_t min, int32_t max, int32_t value) { \
         return Add##SIDE(block, LongEntry(key, kSettingLong, min, max, value));                              \

@@ -1,4 +1,4 @@
-// What each filter of the family supplies. The run driver calls these without knowing the filter.
+// What each filter of the family supplies. The run driver calls these without knowing which filter it runs.
 #pragma once
 
 #include "imagestore/named_images.h"
@@ -16,16 +16,17 @@ struct FilterParameters {
 #pragma pack(pop)
 static_assert(sizeof(FilterParameters) == 6);
 
-// Declares the filter's settings in `settings`, with the remembered values of the context's preferences.
+// Declares the filter's settings in `settings`, with the values remembered in the context's preferences.
 OSErr GetDefaultSettings(RunContext *context, SPBlock *settings);
 
 // Makes the filter's parameter block from the settings; the caller disposes of the handle.
 OSErr GetParameters(NamedImage *image, RunContext *context, Handle *parameters, SPBlock *settings);
 
-// Asks the user. userCanceledErr when the user cancelled; other failures leave the parameters usable.
+// Asks the user. Returns userCanceledErr on Cancel, and when there is no dialog to open; other failures leave
+// the parameters usable.
 OSErr InteractiveDialog(NamedImage *image, RunContext *context, Handle parameters);
 
-// Filter the working image in place, samples of 8 or 16 bits. The dialog comes first unless `skipDialog` is
+// Filter the working image in place; samples are 8 or 16 bits. Shows the dialog first unless `skipDialog` is
 // set.
 OSErr ProcessImage(NamedImage *image, RunContext *context, Handle parameters, SPBlock *settings,
                    Boolean skipDialog);

@@ -7,7 +7,7 @@
 
 namespace {
 
-// Fresh pages cost less by the large.
+// Large pages: fewer faults while fresh memory is filled.
 PixelBlock Map(int descriptor, int64_t size, int flags) {
     const auto bytes = static_cast<size_t>(size);
     void *block = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, flags, descriptor, 0);
@@ -18,7 +18,8 @@ PixelBlock Map(int descriptor, int64_t size, int flags) {
     return PixelBlock(static_cast<uint8_t *>(block), PixelUnmapper{bytes, descriptor});
 }
 
-// Memory is promised without limit, and a page that then cannot be had ends the process.
+// The limit for blocks: the system promises any amount of memory, and kills the process when it cannot
+// deliver a page.
 int64_t PhysicalMemory() {
     return int64_t{sysconf(_SC_PHYS_PAGES)} * sysconf(_SC_PAGESIZE);
 }
@@ -96,7 +97,8 @@ bool MapPixels(Document *document) {
     return document->source != nullptr && document->destination != nullptr;
 }
 
-// Shared pages cost half when a call fills them, and a page that cannot be had is then an error of the call.
+// Shared pages are filled by pwrite: that costs half as much, and if memory runs out the call fails instead
+// of the process.
 bool FillRow(Document *document, int64_t y, const uint8_t *samples) {
     const auto size = static_cast<size_t>(RowBytes(*document));
     const int64_t offset = y * RowBytes(*document);

@@ -9,10 +9,10 @@
 #include "photoshop/document_info.h"
 #include "platform/types.h"
 
-// Whether workers map a block, too.
+// Whether workers map the blocks, too.
 enum class Sharing : uint8_t { none, withWorkers };
 
-// As many channels as documents of this interface have at most.
+// The most channels that a document of this interface can have.
 constexpr int32_t kMaxPlanes = 56;
 
 struct PixelUnmapper {
@@ -25,8 +25,8 @@ using PixelBlock = std::unique_ptr<uint8_t[], PixelUnmapper>;
 struct Document {
     int16_t imageMode = 0;    // as in photoshop/image_modes.h
     int32_t depth = 0;        // bits per sample: 8, 16 or 32
-    int32_t colorPlanes = 0;  // of the mode
-    int32_t planes = 0;       // colour planes first, extra planes behind
+    int32_t colorPlanes = 0;  // as the mode has them
+    int32_t planes = 0;       // colour planes first, then extra planes
     int32_t width = 0;
     int32_t height = 0;
     Fixed horizontalResolution = 0;  // pixels per inch
@@ -35,7 +35,7 @@ struct Document {
     // Where the document was read from; none for a name that the File Manager cannot hold.
     std::optional<FSSpec> file;
 
-    // Of all blocks. Shared memory takes several times as long to get.
+    // Applies to all blocks. Shared memory takes several times as long to get.
     Sharing sharing = Sharing::none;
 
     // Interleaved, rows without padding. 16-bit samples go up to 65535; a and b of Lab are offset by half
@@ -43,15 +43,15 @@ struct Document {
     PixelBlock source;
     PixelBlock destination;
 
-    // What is to be filtered: a rectangle inside the document, none meaning all, and a byte per pixel of the
-    // whole document, 255 being selected; null when all are.
+    // What to filter. The rectangle lies inside the document; without one, all of it. The mask has one byte
+    // per pixel of the whole document, 255 being selected; null when everything is.
     std::optional<VRect> selection;
     PixelBlock mask;
 };
 
 int32_t SampleBytes(const Document &document);
 int64_t RowBytes(const Document &document);
-int64_t PixelBytes(const Document &document);  // of one whole block
+int64_t PixelBytes(const Document &document);  // of one block
 int64_t MaskBytes(const Document &document);
 VRect WholeRect(const Document &document);
 VRect SelectedRect(const Document &document);
@@ -60,12 +60,12 @@ int32_t HeightOf(const VRect &rect);
 
 // Zeroed; null when memory is short.
 PixelBlock MapBlock(int64_t size, Sharing sharing);
-// Another process's block; takes the descriptor over.
+// Maps another process's block; takes ownership of the descriptor.
 PixelBlock MapShared(int descriptor, int64_t size);
 
 // Maps both blocks; false when memory is short.
 bool MapPixels(Document *document);
 // Fills a row of both blocks; false when memory is short.
 bool FillRow(Document *document, int64_t y, const uint8_t *samples);
-// Makes the rectangle of the destination a copy of the source.
+// Copies the rectangle from the source to the destination.
 void ResetDestination(Document *document, const VRect &rect);

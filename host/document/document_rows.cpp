@@ -7,14 +7,14 @@
 
 namespace {
 
-// Neighbouring samples, in the document's block and in the rows.
+// Samples that are contiguous both in the document's block and in the rows.
 struct Stretch {
     int64_t index;   // in samples, from the block's start
     int64_t offset;  // in bytes, from the rows' start
     int64_t count;   // in samples: whole pixels of the planes asked for
 };
 
-// Calls visit(stretch) for each row, or for each pixel where not all planes are asked for.
+// Calls visit(stretch) for each row, or for each pixel if only some planes are wanted.
 template <typename Visit>
 void VisitStretches(const Document &document, const Area &area, Visit visit) {
     const int64_t planes = area.hiPlane - area.loPlane + 1;

@@ -1,4 +1,4 @@
-// 16-bit samples on their two scales: 0 to 65535 in files, 0 to 32768 towards the filter.
+// The two scales of 16-bit samples: 0 to 65535 in files, 0 to 32768 in the filter.
 #pragma once
 
 #include <algorithm>

@@ -17,7 +17,7 @@ struct ActionHeader {
     uint32_t itemCount;
 };
 
-// Followed by the item's bytes.
+// The item's bytes follow.
 struct ItemHeader {
     OSType key;
     OSType type;

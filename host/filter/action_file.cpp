@@ -14,10 +14,10 @@
 
 namespace {
 
-// Keeps the order of the parameters, in which they are played.
+// Keeps the parameters in order: they are played in it.
 using Json = nlohmann::ordered_json;
 
-// Objects are searched from their beginnings for each new member, which in longer files takes seconds.
+// In bytes. Parsing takes time quadratic in the number of members, which would be seconds for larger files.
 constexpr size_t kLargestFile = 1 << 16;
 constexpr size_t kCodeLength = 4;
 constexpr int kIndent = 2;
@@ -49,7 +49,7 @@ bool TakeFloat(const Json &value, ActionItem *item) {
 }
 
 bool TakeInteger(const Json &value, ActionItem *item) {
-    // As a float, since the largest integers of JSON wrap in any other type.
+    // As a double, since the largest integers in JSON would wrap in any other type.
     const double number = value.is_number_integer() ? value.get<double>() : NAN;
     if (!(number >= INT32_MIN && number <= INT32_MAX)) {
         return false;
@@ -75,7 +75,7 @@ bool TakeEnumerated(const Json &value, ActionItem *item) {
 struct Kind {
     OSType type;
     const char *name;
-    const char *codeName;  // of the member that holds the item's code; null for none
+    const char *codeName;  // the member that holds the item's code; null for none
     bool (*take)(const Json &value, ActionItem *item);
 };
 
@@ -91,7 +91,7 @@ const Kind *KindNamed(const Json &name) {
     return found == std::end(kKinds) ? nullptr : found;
 }
 
-// What the filter takes, floats all; it ignores everything else without a word.
+// The parameters that the filter takes, all floats; it silently ignores everything else.
 struct Parameter {
     OSType key;
     const char *name;
@@ -99,7 +99,7 @@ struct Parameter {
 };
 constexpr Parameter kParameters[] = {{kRadiusKey, "radius", kMinPlayedRadius, kMaxPlayedRadius}};
 
-// Each of these returns what is wrong, or an empty string.
+// Each of the functions below returns what is wrong, or an empty string.
 
 std::string CheckMembers(const Json &object, std::initializer_list<std::string> names) {
     if (!object.is_object()) {
@@ -127,7 +127,7 @@ std::string CheckParameter(const ActionItem &item) {
     if (item.type != typeFloat) {
         return std::string("must be of the type \"") + kFloatName + "\"";
     }
-    // Also refuses what is not a number.
+    // Also refuses NaN.
     if (!(item.number >= found->min && item.number <= found->max)) {
         char text[128];
         std::snprintf(text, sizeof text, "is a %s of %g, and --play takes those from %g to %g", found->name,
@@ -182,7 +182,7 @@ std::string TakeAction(const Json &json, Action *action) {
     return "";
 }
 
-// Finds members that are there twice, which the parser would pass over.
+// Finds repeated members, which the parser would accept.
 struct MemberWatch {
     std::vector<std::vector<std::string>> open;
     std::optional<std::string> repeated;
@@ -210,7 +210,7 @@ std::string Parse(const std::string &text, Json *json) {
     try {
         *json = Json::parse(text, std::ref(watch));
     } catch (const Json::parse_error &error) {
-        // The byte that was read last, counted from 1, or one behind the last.
+        // error.byte is the last byte read, counted from 1, or one past the end.
         if (error.byte > text.size()) {
             return invalid + "it ends too early";
         }

@@ -10,9 +10,9 @@
 
 struct PIReadDescriptorRecord {
     Action action;
-    size_t next;      // of the items, the one that getKey yields next
-    OSType *keys;     // expected by the reader, who owns them; may be null
-    size_t keyCount;  // remembered, since a zeroed key looks like the end of the list
+    size_t next;      // index of the item that getKey returns next
+    OSType *keys;     // the keys that the reader expects, owned by the reader; may be null
+    size_t keyCount;  // kept, since a zeroed key looks like the end of the list
 };
 
 struct PIWriteDescriptorRecord {
@@ -21,11 +21,11 @@ struct PIWriteDescriptorRecord {
 
 namespace {
 
-// A pinned value was outside its range.
+// A value was outside its range and has been pinned.
 constexpr OSErr coercedParamErr = 2;
 constexpr size_t kMaxStringLength = 255;
 
-// The suite says what the keys' type is.
+// The suite fixes the type of `keys`.
 // NOLINTNEXTLINE(readability-non-const-parameter)
 PIReadDescriptor OpenReader(Handle descriptor, OSType *keys) {
     Action action;
@@ -58,7 +58,7 @@ Boolean GetKey(PIReadDescriptor token, OSType *key, OSType *type, int32_t *flags
     return true;
 }
 
-// The item of the latest key when it is of the type; else null.
+// The item of the latest key, if it has the type; otherwise null.
 const ActionItem *Current(PIReadDescriptor token, OSType type) {
     const ActionItem *item = token->next == 0 ? nullptr : &token->action.items[token->next - 1];
     return item != nullptr && item->type == type ? item : nullptr;
@@ -186,7 +186,7 @@ OSErr GetPinnedFloat(PIReadDescriptor token, const double *min, const double *ma
     return err == noErr ? Pin(*min, *max, value) : err;
 }
 
-// The unit comes back too; both ends are in it.
+// Also returns the unit, which `min` and `max` are in.
 OSErr GetPinnedUnitFloat(PIReadDescriptor token, const double *min, const double *max, OSType *unit,
                          double *value) {
     const OSErr err = GetUnitFloat(token, unit, value);
@@ -197,7 +197,7 @@ PIWriteDescriptor OpenWriter() {
     return new PIWriteDescriptorRecord{};
 }
 
-// The filter owns what it gets; on memFullErr that is null.
+// The filter owns the handle it gets; on memFullErr that is null.
 OSErr CloseWriter(PIWriteDescriptor token, Handle *descriptor) {
     *descriptor = EncodeAction(token->action);
     delete token;
@@ -287,7 +287,7 @@ ReadDescriptorProcs readProcs = {kReadDescriptorProcsVersion,
                                  GetPinnedFloat,
                                  GetPinnedUnitFloat};
 
-// Scopes make no difference here: classes and objects have one name space.
+// Scoped classes and objects are not different here: there is only one name space.
 WriteDescriptorProcs writeProcs = {kWriteDescriptorProcsVersion,
                                    kWriteDescriptorProcsCount,
                                    OpenWriter,

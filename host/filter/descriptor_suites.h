@@ -1,7 +1,6 @@
-// The scripting suites: a filter reads an action behind a Handle through one and writes one through the
-// other.
+// The scripting suites: through one a filter reads an action from a Handle, through the other it writes one.
 //
-// Object references and counts of lists are not carried; their procedures return an error.
+// Object references and list counts are not supported; their procedures return an error.
 #pragma once
 
 #include "photoshop/descriptors.h"

@@ -40,7 +40,7 @@ MaybeFailure FailureOfFilter(const FilterOutcome &outcome, const std::string &fi
     if (outcome.result == userCanceledErr) {
         return Interruption(file);
     }
-    // The filter has told the user itself.
+    // The filter has already told the user.
     if (outcome.result > 0) {
         return Failure{kExitFailed, ""};
     }

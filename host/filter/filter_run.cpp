@@ -13,18 +13,19 @@
 namespace {
 
 constexpr OSType kHostSignature = FourCharCode("HyMh");
-// Filter cases.
+// Filter cases, as the interface numbers them.
 constexpr int16_t kFlatImageNoSelection = 1;
 constexpr int16_t kFlatImageWithSelection = 2;
 constexpr Fixed kFixedOne = 1 << 16;
-constexpr int32_t kRowAlignment = 64;
+constexpr int32_t kRowAlignment = 64;  // bytes: a cache line
 constexpr uint8_t kSelected = 255;
-// More passes over the rows or columns of every plane, one at a time, than any filter has use for.
+// A filter that asks for one row or column of one plane at a time may go over all of them this often: more
+// than any filter needs. Beyond that it is taken to be stuck.
 constexpr int64_t kMaxPasses = 16;
 constexpr std::string_view kEndless =
     "the filter does not come to an end, it asks for the same rows over and over";
 
-// Rows as the filter has them; null while it asks for none.
+// Rows as the filter sees them; null while it asks for none.
 struct Delivery {
     Area area;
     OwnedBlock<uint8_t> rows;
@@ -54,7 +55,7 @@ bool RequestsNothing(const FilterRecord &record) {
     return IsEmpty(record.inRect) && IsEmpty(record.outRect) && IsEmpty(record.maskRect);
 }
 
-// Of the filter's coordinates in the document's.
+// From the filter's coordinates to the document's.
 VRect Placed(const Run &run, const Rect &rect) {
     const VRect &framed = run.tile.framed;
     return {framed.top + rect.top, framed.left + rect.left, framed.top + rect.bottom,
@@ -68,12 +69,12 @@ bool LiesInside(const Run &run, const Area &area) {
            area.hiPlane < run.document->planes;
 }
 
-// Rows are longer than their pixels, as a filter has to expect.
+// Always longer than the pixels need, so that filters do not come to count on packed rows.
 int32_t PaddedRowBytes(int32_t bytes) {
     return (bytes / kRowAlignment + 1) * kRowAlignment;
 }
 
-// What the filter has written since the latest delivery goes into the destination.
+// Stores what the filter has written since the latest delivery in the destination.
 void StoreOutput(Run *run) {
     if (run->output.rows != nullptr) {
         StoreRows(run->document, run->output.area, run->tile.core, run->output.rows.get());
@@ -81,7 +82,7 @@ void StoreOutput(Run *run) {
     }
 }
 
-// An empty rectangle leaves a delivery without rows.
+// For an empty rectangle there are no rows.
 OSErr Deliver(const Run &run, const PixelBlock &pixels, const Rect &rect, int16_t loPlane, int16_t hiPlane,
               Delivery *delivery) {
     *delivery = {};
@@ -103,7 +104,7 @@ OSErr Deliver(const Run &run, const PixelBlock &pixels, const Rect &rect, int16_
     return noErr;
 }
 
-// Of a document without a mask all is selected.
+// Without a mask, everything is selected.
 void FillMask(const Document &document, const VRect &rect, int32_t rowBytes, uint8_t *rows) {
     const auto width = static_cast<size_t>(WidthOf(rect));
     for (int64_t y = rect.top; y < rect.bottom; ++y, rows += rowBytes) {
@@ -138,7 +139,7 @@ OSErr DeliverMask(Run *run) {
     return noErr;
 }
 
-// How samples lie in the rows, for filters that do not count on interleaved ones.
+// How samples are laid out in the rows, for filters that do not assume interleaving.
 void DescribeLayout(const Document &document, FilterRecord *record) {
     record->inPlaneBytes = SampleBytes(document);
     record->outPlaneBytes = SampleBytes(document);
@@ -157,7 +158,7 @@ OSErr Report(std::string_view message, Run *run) {
     return errReportString;
 }
 
-// Stores what was written, then fills what the record now asks for.
+// Stores what was written, then delivers what the record now asks for.
 OSErr ServeRequest(Run *run) {
     StoreOutput(run);
     if (run->request->watcher.cancelled()) {
@@ -218,7 +219,7 @@ void FillDocumentInfo(Run *run) {
     }
 }
 
-// Of the document's coordinates in the filter's.
+// From the document's coordinates to the filter's.
 Rect Narrow(const VRect &rect, const VRect &framed) {
     return {static_cast<int16_t>(rect.top - framed.top), static_cast<int16_t>(rect.left - framed.left),
             static_cast<int16_t>(rect.bottom - framed.top), static_cast<int16_t>(rect.right - framed.left)};
@@ -270,7 +271,7 @@ OSErr Call(Run *run, int16_t selector) {
     return result;
 }
 
-// From a successful Start to Finish, which follows whatever happens in between.
+// From a successful Start to Finish, which is called whatever happens in between.
 OSErr FinishRun(Run *run) {
     OSErr err = noErr;
     while (err == noErr && !RequestsNothing(run->record)) {

@@ -21,7 +21,7 @@ Ptr LockHandle(Handle handle, Boolean) {
     return handle == nullptr ? nullptr : *handle;
 }
 
-// Memory is the system's; there is nothing of the host's to give up.
+// Memory is the system's; the host holds none that it could give up.
 void RecoverSpace(int32_t) {}
 
 // A buffer's ID is its address.

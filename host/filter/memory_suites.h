@@ -1,4 +1,4 @@
-// The memory suites that the host lends to the filter, on the Memory Manager.
+// The memory suites that the host gives to the filter, built on the Memory Manager.
 #pragma once
 
 #include "photoshop/suites.h"

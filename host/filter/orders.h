@@ -1,4 +1,4 @@
-// What a run of the filter is to do: the action that is played, and who answers the filter's own dialog.
+// What a run of the filter has to do: the action to play, and who answers the filter's own dialog.
 #pragma once
 
 #include <cstdint>
@@ -10,8 +10,8 @@
 
 enum class DialogUser : uint8_t {
     nobody,  // the action is played without the dialog
-    script,  // it is given a radius, as a user would, and nobody sees it
-    person,  // on the screen
+    script,  // the dialog is given a radius, as by a user, and nobody sees it
+    person,  // the dialog is on the screen
 };
 
 struct FilterOrders {
@@ -20,10 +20,11 @@ struct FilterOrders {
     int32_t radius = 0;  // the script's answer
 };
 
-// Chooses who answers from now on, before the first run. Fails where a person has no display, or nothing that
-// shows dialogs.
+// Chooses who answers from now on; call it before the first run. Fails if a person has no display, or nothing
+// can show dialogs.
 MaybeFailure ChooseDialogUser(const FilterOrders &orders);
 
-// As bytes for another process of this program. Taken from the front; false when those are no orders.
+// To and from bytes for another process of this program. TakeOrders takes them from the front; false if there
+// are no orders there.
 void AppendOrders(std::string *packed, const FilterOrders &orders);
 bool TakeOrders(std::string_view *packed, FilterOrders *orders);

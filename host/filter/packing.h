@@ -1,4 +1,4 @@
-// Records and texts in one string of bytes, in native byte order: for what never leaves the machine.
+// Records and texts in one string of bytes, in native byte order: for data that never leaves the machine.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +18,7 @@ inline void AppendText(std::string *packed, std::string_view text) {
     packed->append(text);
 }
 
-// Both take from the front, and return false when the rest is too short.
+// Both take from the front, and return false when what is left is too short.
 template <typename Record>
 bool TakeRecord(std::string_view *packed, Record *record) {
     static_assert(std::is_trivially_copyable_v<Record>);

@@ -19,7 +19,7 @@ namespace {
 
 constexpr char kPluginName[] = "HybridMedian.plugin";
 constexpr char kModuleName[] = "HybridMedian.so";
-constexpr char kInstalledFolder[] = "../lib/hymedian";  // from the program's folder
+constexpr char kInstalledFolder[] = "../lib/hymedian";  // relative to the program's folder
 constexpr char kResourceName[] = "HybridMedian.rsrc";
 
 MaybeFailure OpenResources(const std::string &path, int16_t *resources) {
@@ -62,7 +62,7 @@ MaybeFailure LoadModule(const std::string &folder, Module *module) {
     if (!fs::is_regular_file(path, error)) {
         return FileFailure(path, "the plug-in's module is not there; name its folder with --plugin");
     }
-    // With a slash in front of it the path is never searched for elsewhere.
+    // A path that begins with a slash is not searched for anywhere else.
     void *library = dlopen(fs::absolute(path, error).c_str(), RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr) {
         return FileFailure(path, "the plug-in's module cannot be loaded");
@@ -76,7 +76,7 @@ MaybeFailure LoadModule(const std::string &folder, Module *module) {
 }
 
 MaybeFailure OpenPlugin(const std::string &folder, Plugin *plugin) {
-    // First, since its failure speaks of a wrong folder.
+    // The module comes first, since its failure is the one that tells of a wrong folder.
     if (MaybeFailure failure = LoadModule(folder, &plugin->module)) {
         return failure;
     }

@@ -1,4 +1,4 @@
-// The plug-in as a whole: its resources, what they declare, and its module.
+// The whole plug-in: its resources, what they declare, and its module.
 #pragma once
 
 #include <string>
@@ -17,7 +17,7 @@ struct Module {
 struct Plugin {
     PluginInfo info;
     Module module;
-    int16_t resources = -1;  // open as long as the plug-in is: the filter reads from it, too
+    int16_t resources = -1;  // open as long as the plug-in: the filter reads from it, too
 
     Plugin() = default;
     Plugin(const Plugin &) = delete;
@@ -25,10 +25,10 @@ struct Plugin {
     ~Plugin();
 };
 
-// HybridMedian.plugin beside the program; where that does not exist, where it is installed.
+// HybridMedian.plugin next to the program; if there is none, where it is installed.
 std::string DefaultPluginFolder();
 
-// Loads HybridMedian.so of the folder. A module stays loaded to the end of the process.
+// Loads HybridMedian.so from the folder. The module stays loaded until the process ends.
 MaybeFailure LoadModule(const std::string &folder, Module *module);
 
 MaybeFailure OpenPlugin(const std::string &folder, Plugin *plugin);

@@ -10,8 +10,8 @@
 
 namespace {
 
-constexpr uint32_t kVersion = 0;
-constexpr size_t kAlignment = 4;
+constexpr uint32_t kVersion = 0;  // of the list's format
+constexpr size_t kAlignment = 4;  // of each property's data, in bytes
 
 bool TakeNumber(std::string_view *bytes, uint32_t *number) {
     if (bytes->size() < 4) {
@@ -56,7 +56,7 @@ bool TakeVersion(std::string_view data, PluginInfo *info) {
     return true;
 }
 
-// A bit per mode, the first on top of the first byte.
+// One bit per mode, starting with the top bit of the first byte.
 bool TakeModes(std::string_view data, PluginInfo *info) {
     for (int16_t mode = 0; mode < plugInModeCount; ++mode) {
         const auto byte = static_cast<size_t>(mode / 8);
@@ -72,7 +72,7 @@ struct Property {
     bool (*take)(std::string_view data, PluginInfo *info);
 };
 
-// Each must be there once.
+// Each must occur exactly once.
 constexpr Property kProperties[] = {
     {PIKindProperty, TakeKind},       {PINameProperty, TakeName},        {PICategoryProperty, TakeCategory},
     {PIVersionProperty, TakeVersion}, {PIImageModesProperty, TakeModes},

@@ -1,4 +1,4 @@
-// What a plug-in declares of itself in its property list.
+// What a plug-in declares about itself in its property list.
 #pragma once
 
 #include <cstdint>
@@ -17,5 +17,5 @@ struct PluginInfo {
 // False for bytes that are not the property list of a filter.
 bool ParsePropertyList(std::string_view bytes, PluginInfo *info);
 
-// As --info prints it, in lines.
+// The lines that --info prints.
 std::string DescribePlugin(const PluginInfo &info);

@@ -10,15 +10,18 @@ namespace {
 
 using Image = OwnedObject<VipsImage>;
 
-constexpr int kSeam = 8;  // white columns between both halves
+constexpr int kSeam = 8;  // white columns between the halves
+// In pixels; chosen to fit a large screen one to one. Larger pictures are cropped: scaling would hide the
+// noise.
 constexpr int kMaxSide = 2000;
 constexpr int kMaxHalf = (kMaxSide - kSeam) / 2;
 
-// A document's colour samples as the library knows their space, where it does not know them as they are.
+// How to scale a document's colour samples to a space that the picture library knows, for those it does not
+// know as they are.
 struct Scale {
     int16_t imageMode;
     VipsInterpretation interpretation;
-    bool bytes;  // else floats
+    bool bytes;  // otherwise floats
     double factors[kMaxColorPlanes];
     double offsets[kMaxColorPlanes];
 };
@@ -36,7 +39,7 @@ constexpr Scale kScales[] = {
      {0, 0, 0, 0}},
 };
 
-// Applies an operation that takes an image and makes one; null stays null.
+// Applies an operation from one image to another; null stays null.
 template <typename Operation>
 Image Apply(Image image, Operation operation) {
     VipsImage *made = nullptr;
@@ -59,7 +62,7 @@ Image Scaled(Image image, const Document &document) {
     });
 }
 
-// Through the picture's own profile where it has one that can be used.
+// Goes through the picture's own profile if it has a usable one.
 Image InDisplayColors(Image image) {
     if (image != nullptr && image->Type != VIPS_INTERPRETATION_LAB &&
         vips_image_get_typeof(image.get(), VIPS_META_ICC_NAME) != 0) {

@@ -1,4 +1,4 @@
-// Before and after, side by side, for the eye: 8-bit sRGB, upright, without further channels.
+// Before and after, side by side, to look at: 8-bit sRGB, upright, without extra channels.
 #pragma once
 
 #include <string>
@@ -6,5 +6,5 @@
 #include "host/picture/picture.h"
 #include "host/report/failure.h"
 
-// Writes a PNG to `path`; messages speak of `file`. Large pictures are cut down to their middle.
+// Writes a PNG to `path`; messages name `file`. Large pictures are cropped to their middle.
 MaybeFailure WriteComparison(const Picture &picture, const std::string &path, const std::string &file);

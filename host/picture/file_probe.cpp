@@ -18,15 +18,15 @@ uint32_t BigEndian(const char *bytes) {
     return value;
 }
 
-constexpr uint64_t kBitsPerSample = 258;  // the tag
-constexpr uint64_t kBigVersion = 43;
-constexpr uint64_t kShortBytes = 2;  // of a sample's number of bits
+constexpr uint64_t kBitsPerSample = 258;  // a TIFF tag
+constexpr uint64_t kBigVersion = 43;      // of BigTIFF; a classic TIFF has 42
+constexpr uint64_t kShortBytes = 2;       // of one value of that tag
 
-// What differs between classic and big files.
+// What differs between classic TIFF and BigTIFF.
 struct Layout {
     uint64_t directoryPlace;
     int offsetBytes;
-    int countBytes;  // of a directory's number of entries
+    int countBytes;  // of a directory's entry count
 };
 constexpr Layout kClassic = {4, 4, 2};
 constexpr Layout kBig = {8, 8, 8};
@@ -47,8 +47,8 @@ struct Reader {
     }
 };
 
-// An entry: tag and type of two bytes each, the number of values, and the values, or where they do not fit
-// their place.
+// An entry is a tag and a type of two bytes each, the number of values, and the values themselves, or their
+// offset if they do not fit.
 int32_t DepthOfEntry(Reader *reader, const Layout &layout, uint64_t entry) {
     const auto offsetBytes = static_cast<uint64_t>(layout.offsetBytes);
     const uint64_t values = reader->Number(entry + 4, layout.offsetBytes);
@@ -67,7 +67,8 @@ bool IsAnimatedPng(const std::string &file) {
     if (std::string_view(header, sizeof header) != kSignature) {
         return false;
     }
-    // Each chunk: its length, its type, as many bytes, a checksum. The control stands before the pixels.
+    // A chunk is a length, a type, that many bytes, and a checksum. The animation control comes before the
+    // pixels.
     while (stream.read(header, sizeof header)) {
         const std::string_view type(header + 4, 4);
         if (type == kAnimationControl) {

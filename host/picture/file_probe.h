@@ -1,11 +1,11 @@
-// What files say of themselves that the picture library keeps to itself.
+// Facts in picture files that the picture library does not report.
 #pragma once
 
 #include <cstdint>
 #include <string>
 
-// Of an animated PNG the library sees the first frame alone. False for other files, and for a single frame.
+// The library only sees the first frame of an animated PNG. False for other files, and for a single frame.
 bool IsAnimatedPng(const std::string &file);
 
-// Bits of the first sample on a TIFF's first page; 0 for other files and for damaged ones.
+// Bits of the first sample on a TIFF's first page; 0 for other or damaged files.
 int32_t TiffDepth(const std::string &file);

@@ -18,12 +18,13 @@
 
 namespace {
 
+// Rows read at a time, between two checks for cancelling. Chosen: even wide strips are read quickly.
 constexpr int32_t kStripHeight = 64;
 constexpr int64_t kMegapixel = 1'000'000;
 constexpr double kMillimetersPerInch = 25.4;
-constexpr double kMaxResolution = 32767;  // what a Fixed can say
+constexpr double kMaxResolution = 32767;  // what fits in a Fixed
 
-// By the library's name of the loader. Its other loaders are not tried out on strangers' files.
+// The loaders in use, by the library's names. Its other loaders never see untrusted files.
 constexpr std::string_view kLoaders[] = {
     "VipsForeignLoadPngSource",
     "VipsForeignLoadJpegSource",
@@ -31,8 +32,8 @@ constexpr std::string_view kLoaders[] = {
     "VipsForeignLoadWebpSource",
 };
 
-// Header fields, which each image has of its own, and traces of the encoding, which an output must not
-// repeat: a palette picture, say, is not one any more once it is filtered.
+// Header fields, which every image has for itself, and traces of the encoding, which an output must not
+// repeat: a palette picture, for example, has no palette any more once it is filtered.
 constexpr std::string_view kNotCopied[] = {
     "width",
     "height",
@@ -89,7 +90,7 @@ MaybeFailure TooLittleMemory(const std::string &file) {
     return FileFailure(file, "there is not enough memory to read it");
 }
 
-// Loading through a source takes the name as it is; a file name would be searched for options.
+// A source takes the name as it is; in a plain file name the library would look for options.
 MaybeFailure OpenImage(const std::string &file, OwnedObject<VipsImage> *image) {
     const OwnedObject<VipsSource> source(vips_source_new_from_file(file.c_str()));
     if (source == nullptr) {
@@ -105,7 +106,7 @@ MaybeFailure OpenImage(const std::string &file, OwnedObject<VipsImage> *image) {
     if (*image != nullptr) {
         return std::nullopt;
     }
-    // Only headers have been read yet. Of a broken one the PNG loader says nothing.
+    // Only headers have been read so far. If one is broken, the PNG loader gives no message.
     const bool silent = *vips_error_buffer() == '\0';
     return silent ? FileFailure(file, "cannot be read: its header is damaged or cut short")
                   : Unreadable(file);
@@ -164,7 +165,7 @@ void FillShape(VipsImage *image, const PictureMode &mode, VipsImage *metadata, D
     document->verticalResolution = PixelsPerInch(vips_image_get_yres(metadata));
 }
 
-// Pixels per millimetre of a field such as "exif-ifd0-XResolution"; 0 without one.
+// Pixels per millimetre, from a field such as "exif-ifd0-XResolution"; 0 without one.
 double ExifResolution(VipsImage *metadata, const char *field) {
     const char *text = nullptr;
     const char *unit = nullptr;
@@ -183,8 +184,8 @@ double ExifResolution(VipsImage *metadata, const char *field) {
     return numerator / denominator / (centimeters ? 10.0 : kMillimetersPerInch);
 }
 
-// WebP files have a resolution in their EXIF data alone, where the library does not look for it. 1 is what it
-// says for unknown.
+// WebP files only have a resolution in their EXIF data, where the library does not look for it. It reports 1
+// when it knows none.
 void CompleteResolution(VipsImage *metadata) {
     const double horizontal = ExifResolution(metadata, "exif-ifd0-XResolution");
     const double vertical = ExifResolution(metadata, "exif-ifd0-YResolution");

@@ -14,16 +14,16 @@ struct Picture {
     Document document;
     // Resolution, profile, EXIF, XMP and the like, on an image without pixels.
     OwnedObject<VipsImage> metadata;
-    // The file, until its pixels have been read.
+    // The open file, until its pixels have been read.
     OwnedObject<VipsImage> unread;
     SampleForm form = SampleForm::asInFile;
 };
 
-// Opens the file and fills everything but the document's blocks. Refuses what cannot be filtered, and what
-// would not come back whole, such as further pages.
+// Opens the file and fills in everything but the document's blocks. Refuses what cannot be filtered, and
+// files that would lose something, such as further pages.
 MaybeFailure OpenPicture(const std::string &file, Picture *picture);
 
-// Refuses an opened picture that is larger; no memory has been taken for its pixels yet.
+// Refuses an opened picture that is larger, before any memory is allocated for its pixels.
 MaybeFailure CheckSize(const Picture &picture, int32_t maxMegapixels);
 
 // Reads an opened picture's pixels into both blocks of its document, from top to bottom.
@@ -35,7 +35,7 @@ struct PixelReader {
 
 // Maps both blocks.
 MaybeFailure StartReading(Picture *picture, PixelReader *reader);
-// Reads some rows more; after the last one the file is closed. A file that is cut short is a failure.
+// Reads some more rows; after the last one it closes the file. A truncated file is a failure.
 MaybeFailure ReadSomeRows(PixelReader *reader, const Watcher &watcher);
 bool IsAllRead(const PixelReader &reader);
 
@@ -47,5 +47,5 @@ std::string SizeOf(const Document &document);
 // "3000 x 2000 RGB, 16 bits"
 std::string DescribePicture(const Picture &picture);
 
-// Copies everything but what says how the file was encoded. The resolution goes along.
+// Copies everything except how the file was encoded. The resolution is included.
 void CopyMetadata(VipsImage *from, VipsImage *to);

@@ -1,4 +1,4 @@
-// The formats of output files: what each can hold, and how it is saved.
+// The formats of output files: what each can hold, and how to save it.
 #pragma once
 
 #include <string>
@@ -12,22 +12,22 @@ struct _VipsImage;
 struct PictureFormat {
     const char *name;
     const char *suffixes[2];  // with the dot, in lower case; the second may be null
-    int32_t maxDepth;
+    int32_t maxDepth;         // bits per sample
     int32_t maxExtraPlanes;
-    int32_t maxSide;
-    std::string_view furtherSpaces;  // names of colour spaces that it holds beside grey and RGB
+    int32_t maxSide;                 // in pixels
+    std::string_view furtherSpaces;  // names of the colour spaces it holds besides grey and RGB
     struct {
-        const char *field;  // of the library's metadata; null when all kinds are kept
+        const char *field;  // the library's name of it; null when all kinds are kept
         const char *name;
-    } lost;  // the kind of metadata that would not be in the file
-    // 0 for success, else the picture library holds the error.
+    } lost;  // the kind of metadata that the format cannot hold
+    // Returns 0 for success; otherwise the picture library holds the error.
     int (*save)(_VipsImage *image, const char *path);
 };
 
-// By the file name's suffix, in either case.
+// Goes by the file name's suffix, in upper or lower case.
 MaybeFailure FindFormat(const std::string &file, const PictureFormat **format);
 
-// Refuses a picture that the format would hold in part only, and names what can hold it.
+// Refuses a picture that the format would only hold in part, and names formats that can hold it.
 MaybeFailure CheckFormatHolds(const PictureFormat &format, const Document &document,
                               const std::string &inputFile, const std::string &outputFile);
 

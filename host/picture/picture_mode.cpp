@@ -47,7 +47,7 @@ const ColorSpace *FindColorSpace(VipsInterpretation interpretation) {
 
 const PictureMode *ModeOfFile(VipsInterpretation interpretation, VipsBandFormat format, int32_t depth) {
     const ColorSpace *space = FindColorSpace(interpretation);
-    // Signed 16-bit samples are those of Lab, at either depth.
+    // The library delivers some Lab pictures, of either depth, as signed 16-bit samples.
     const bool signedLab = format == VIPS_FORMAT_SHORT && interpretation == VIPS_INTERPRETATION_LABS;
     const VipsBandFormat kept = !signedLab ? format : depth == 8 ? VIPS_FORMAT_UCHAR : VIPS_FORMAT_USHORT;
     const auto *found = std::find_if(std::begin(kModes), std::end(kModes), [=](const PictureMode &mode) {

@@ -1,5 +1,5 @@
-// The kinds of pictures that can be filtered: documents' modes on one side, sample formats and colour spaces
-// of files on the other.
+// The kinds of pictures that can be filtered: document modes on one side, the sample formats and colour
+// spaces of files on the other.
 #pragma once
 
 #include <vips/vips.h>
@@ -12,19 +12,19 @@
 struct PictureMode {
     int16_t imageMode;  // as in photoshop/image_modes.h
     VipsBandFormat format;
-    VipsInterpretation interpretation;  // what a file of this kind is written with
-    // Bits in which a document's colour samples differ from a file's: 8-bit CMYK is inverted, a and b of Lab
-    // have a sign in files.
+    VipsInterpretation interpretation;  // what files of this kind are written with
+    // The bits in which a document's colour samples differ from a file's: 8-bit CMYK is inverted, and a and b
+    // of Lab are signed in files.
     uint16_t flips[kMaxColorPlanes];
 };
 
-// Null for a colour space or a sample format that is not supported. `depth` is that of the file's samples,
-// where the library delivers them as something else.
+// Null for an unsupported colour space or sample format. `depth` is that of the file's samples, which the
+// library may deliver as something else.
 const PictureMode *ModeOfFile(VipsInterpretation interpretation, VipsBandFormat format, int32_t depth);
-// Of a document's mode, which is always known.
+// For a document's mode, which is always known.
 const PictureMode &ModeOfDocument(int16_t imageMode);
 
-// 0 for a colour space that is not supported.
+// 0 for an unsupported colour space.
 int32_t ColorPlanesOf(VipsInterpretation interpretation);
 // As users know it: "CMYK".
 std::string ColorSpaceName(VipsInterpretation interpretation);

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int32_t kPackedLabBytes = 4;
+constexpr int32_t kPackedLabBytes = 4;  // per pixel
 constexpr int32_t kLabPlanes = 3;
 
 int64_t SamplesOfRow(const Document &document) {
@@ -24,7 +24,8 @@ void TakePackedLab(const void *row, const Document &document, uint8_t *samples) 
     }
 }
 
-// Lightness has become l * 257 / 2, a and b have their byte on top, further channels have it twice.
+// When the library widens 8 bits to 16, a lightness l becomes l * 257 / 2, a and b go to the upper byte, and
+// extra channels to both bytes.
 void TakeSignedLabFrom8(const void *row, const Document &document, uint8_t *samples) {
     constexpr int kShifts[] = {7, 8, 8};
     const auto *wide = static_cast<const uint16_t *>(row);
@@ -34,7 +35,7 @@ void TakeSignedLabFrom8(const void *row, const Document &document, uint8_t *samp
     }
 }
 
-// Lightness 0 to 32767 goes to 0 to 65535 so that halving it gives the same number again.
+// Maps lightness 0..32767 to 0..65535, so that halving it gives the same number again.
 void TakeSignedLabFrom16(const void *row, const Document &document, uint8_t *samples) {
     const auto *signedSamples = static_cast<const uint16_t *>(row);
     auto *kept = reinterpret_cast<uint16_t *>(samples);
@@ -76,7 +77,7 @@ void TakeSamples(SampleForm form, const void *row, const Document &document, uin
         TakeAsInFile, TakePackedLab, TakeSignedLabFrom8, TakeSignedLabFrom16};
     kTake[static_cast<int>(form)](row, document, samples);
     const PictureMode &mode = ModeOfDocument(document.imageMode);
-    // The last colour plane is flipped in every mode that has flips.
+    // Every mode that has flips flips the last colour plane.
     if (mode.flips[document.colorPlanes - 1] != 0) {
         (document.depth == 8 ? Flip<uint8_t> : Flip<uint16_t>)(mode.flips, document, samples);
     }

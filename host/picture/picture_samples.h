@@ -8,15 +8,15 @@
 // How the library delivers a picture's samples.
 enum class SampleForm {
     asInFile,
-    packedLab,        // 8-bit Lab in four bytes, the last without meaning
-    signedLabFrom8,   // 8-bit Lab with further channels, widened to 16 bits
-    signedLabFrom16,  // 16-bit Lab without the lowest bit of the lightness
+    packedLab,        // 8-bit Lab in four bytes, the last one unused
+    signedLabFrom8,   // 8-bit Lab with extra channels, widened to 16 bits
+    signedLabFrom16,  // 16-bit Lab, missing the lowest bit of the lightness
 };
 
 // `depth` is that of the file's samples.
 SampleForm FormOf(const VipsImage *image, int32_t depth);
-// Of a pixel, without what has no meaning.
+// Samples per pixel that are in use.
 int32_t PlanesOf(VipsImage *image);
 
-// One row.
+// Takes one row.
 void TakeSamples(SampleForm form, const void *row, const Document &document, uint8_t *samples);

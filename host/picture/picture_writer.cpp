@@ -15,7 +15,7 @@ void FollowWriting(VipsImage *image, VipsProgress *progress, void *data) {
     }
 }
 
-// As files have it. Exclusive or with nothing leaves further channels as they are.
+// From the form of documents to that of files. XOR with 0 leaves the extra channels as they are.
 OwnedObject<VipsImage> Flipped(OwnedObject<VipsImage> image, const Document &document) {
     const auto &flipped = ModeOfDocument(document.imageMode).flips;
     if (image == nullptr || flipped[document.colorPlanes - 1] == 0) {

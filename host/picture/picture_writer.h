@@ -1,4 +1,4 @@
-// Writing the filtered picture, with everything else that its file held.
+// Writes the filtered picture, with everything else that its file held.
 #pragma once
 
 #include <string>
@@ -8,6 +8,6 @@
 #include "host/report/failure.h"
 #include "host/report/watcher.h"
 
-// Writes the document's destination to `path`; messages speak of `outputFile`.
+// Writes the document's destination to `path`; messages name `outputFile`.
 MaybeFailure WritePicture(const Picture &picture, const PictureFormat &format, const std::string &path,
                           const std::string &outputFile, const Watcher &watcher);

@@ -10,7 +10,7 @@
 namespace {
 
 constexpr uint32_t kSelected = 255;
-constexpr uint32_t kFileSamplesPerByte = 257;
+constexpr uint32_t kFileSamplesPerByte = 257;  // 65535 / 255
 
 bool IsSize(int64_t length) {
     return length > 0 && length <= VIPS_MAX_COORD;
@@ -20,7 +20,7 @@ bool LiesInside(const VRect &rect, const Document &document) {
     return rect.left >= 0 && rect.top >= 0 && rect.right <= document.width && rect.bottom <= document.height;
 }
 
-// The mask's samples, cut to bytes.
+// The mask's samples, as bytes.
 void CopyMask(const Document &mask, uint8_t *bytes) {
     const int64_t count = MaskBytes(mask);
     if (mask.depth == 8) {

@@ -1,4 +1,4 @@
-// What of a picture is to be filtered: a rectangle, a mask, or both.
+// Which part of a picture to filter: a rectangle, a mask, or both.
 #pragma once
 
 #include <optional>
@@ -13,13 +13,13 @@ struct Selection {
     std::string maskFile;  // empty for none
 };
 
-// "X,Y,W,H"; nothing for other texts, and for what no picture could hold.
+// Parses "X,Y,W,H"; nothing for other texts, and for rectangles that no picture could hold.
 std::optional<VRect> ParseRect(const std::string &text);
 
-// Takes the selection into the document of `file`: refuses a rectangle that does not lie inside it, and a
-// mask that is not a grey picture of its size.
+// Puts the selection into the document of `file`. Refuses a rectangle that does not lie inside it, and a mask
+// that is not a grey picture of the same size.
 MaybeFailure Select(const Selection &selection, const std::string &file, const Watcher &watcher,
                     Document *document);
 
-// Where the mask selects in part, the destination becomes a mixture of source and result.
+// Where the mask selects partially, blends source and result in the destination.
 void BlendByMask(Document *document);

@@ -9,13 +9,13 @@
 
 namespace {
 
-// Of so many bytes or more, free memory goes back to the system. The heap of every thread that libraries
-// start would else keep nearly all that it ever held.
+// In bytes: free blocks of at least this size go back to the system. Otherwise the heap of every thread that
+// the libraries start would keep nearly everything it ever held.
 constexpr int kLargeBlock = 1 << 20;
 
 constexpr std::string_view kSystemError = "unix error: ";
 
-// What the library says in its own terms, or does not say.
+// Messages in the library's own terms, or missing ones.
 struct Translation {
     std::string_view said, meant;
 };
@@ -25,7 +25,7 @@ constexpr Translation kTranslations[] = {
     {"unable to parse image", "it is damaged or cut short"},
 };
 
-// Warnings of damaged but readable files are nothing that the user could act on.
+// Warnings about damaged but readable files are nothing that a user can act on.
 void Discard(const gchar *, GLogLevelFlags, const gchar *, gpointer) {}
 
 }  // namespace
@@ -34,13 +34,13 @@ bool StartVips(const char *program) {
     mallopt(M_MMAP_THRESHOLD, kLargeBlock);
     mallopt(M_TRIM_THRESHOLD, kLargeBlock);
     g_log_set_default_handler(Discard, nullptr);
-    // Its loaders of documents, slides and strangers' formats are not used here; to load them takes longer
-    // than to filter a small picture. They are looked for below this folder.
+    // The library looks below this folder for its loaders of documents, slides and other formats. They are
+    // not used here, and loading them takes longer than filtering a small picture.
     setenv("VIPSHOME", "/nonexistent", 0);
     if (vips_init(program) != 0) {
         return false;
     }
-    // Every operation runs once.
+    // Every operation runs only once, so there is nothing to cache.
     vips_cache_set_max(0);
     return true;
 }
@@ -48,7 +48,7 @@ bool StartVips(const char *program) {
 std::string TakeVipsError() {
     std::string text = vips_error_buffer();
     vips_error_clear();
-    // What the system says of a call that failed comes behind the call's name.
+    // The system's reason comes on the line after the name of the call that failed.
     if (const size_t second = text.find('\n') + 1;
         text.compare(second, kSystemError.size(), kSystemError) == 0) {
         text.erase(0, second);

@@ -1,4 +1,4 @@
-// The picture library as a whole: starting it, keeping it silent, and its errors in one line.
+// The picture library as a whole: starts it, keeps it silent, and gets its errors as one line.
 #pragma once
 
 #include <vips/vips.h>
@@ -15,5 +15,5 @@ using OwnedObject = std::unique_ptr<Object, GObjectUnref>;
 // False when the library cannot be used at all.
 bool StartVips(const char *program);
 
-// The first line of what the library has to say about the latest failure, without its source; forgets it.
+// Takes the first line of the library's message about the latest failure, without its source, and clears it.
 std::string TakeVipsError();

@@ -3,7 +3,7 @@
 #include <cstdio>
 
 int Tell(Failure failure) {
-    // Names may hold what would break the line.
+    // File names may contain control characters, which would break the line.
     for (char &character : failure.sentence) {
         character = static_cast<unsigned char>(character) < ' ' || character == 0x7F ? '?' : character;
     }

@@ -1,4 +1,4 @@
-// How a failure travels: the exit status and the one sentence that the user is told.
+// How failures are passed on: the exit status, and the one sentence that the user is told.
 #pragma once
 
 #include <optional>
@@ -7,11 +7,11 @@
 constexpr int kExitDone = 0;
 constexpr int kExitFailed = 1;
 constexpr int kExitUsage = 2;
-constexpr int kExitInterrupted = 130;  // as shells report a program that Ctrl-C ended
+constexpr int kExitInterrupted = 130;  // what shells report for a program ended by Ctrl-C
 
 struct Failure {
     int status;
-    std::string sentence;  // without the program's name; empty when the user has been told already
+    std::string sentence;  // without the program's name; empty if the user has already been told
 };
 
 using MaybeFailure = std::optional<Failure>;

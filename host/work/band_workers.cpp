@@ -15,9 +15,9 @@ struct Bands {
     const std::vector<Tile> *tiles;
     PixelReader reader = {};
     size_t handedOut = 0;
-    std::vector<double> done = {};  // by tile
+    std::vector<double> done = {};  // indexed by tile
     FilterOutcome outcome = {};
-    MaybeFailure failure = {};  // of reading
+    MaybeFailure failure = {};  // while reading
 };
 
 FilterOutcome Trouble(const std::string &message) {
@@ -34,7 +34,7 @@ std::vector<int> SharedBlocks(const Document &document) {
 }
 
 void ShowProgress(const Bands &bands) {
-    // Tiles are of about one size.
+    // Tiles are about the same size.
     const double filtered =
         std::accumulate(bands.done.begin(), bands.done.end(), 0.0) / static_cast<double>(bands.done.size());
     const double read = double{1} * bands.reader.rows / bands.reader.picture->document.height;
@@ -96,7 +96,7 @@ MaybeFailure FilterInWorkers(const BandRequest &request, const std::vector<Tile>
         return failure;
     }
     const PoolEnd end = RunBands(&bands);
-    // What is not selected may still be unread.
+    // Rows that are not selected may still be unread.
     if (end == PoolEnd::done) {
         ReadUntil(&bands, picture->document.height);
     }

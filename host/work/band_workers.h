@@ -1,4 +1,4 @@
-// One picture filtered by several workers at once.
+// Filters one picture in several workers at once.
 #pragma once
 
 #include <string>
@@ -17,7 +17,7 @@ struct BandRequest {
     Watcher watcher;
 };
 
-// Reads the opened picture's pixels while workers filter the tiles whose rows are there. The document shares
-// its blocks with them. Fills what the filter recorded.
+// Reads the opened picture's pixels while workers filter the tiles whose rows have been read. The workers
+// share the document's blocks. Fills in what the filter recorded.
 MaybeFailure FilterInWorkers(const BandRequest &request, const std::vector<Tile> &tiles, Picture *picture,
                              Action *recorded);

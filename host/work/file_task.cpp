@@ -14,7 +14,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Of the bar; the rest is for writing.
+// The part of the progress bar that reading and filtering fill; writing fills the rest. Chosen: it is by far
+// the shorter of the two.
 constexpr double kFilteredUntil = 0.95;
 
 bool IsSamePlace(const std::string &a, const std::string &b) {
@@ -40,7 +41,7 @@ std::string WordsOn(const Picture &picture, const Action &recorded) {
     }
     if (const ActionItem *item = FindItem(recorded, kRadiusKey)) {
         char text[32];
-        // Fractions do not reach further.
+        // A fraction has no effect, so it is not shown.
         std::snprintf(text, sizeof text, ", radius %g", std::trunc(item->number));
         words += text;
     }

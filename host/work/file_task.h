@@ -25,7 +25,8 @@ struct FileRequest {
     int32_t maxMegapixels;
 };
 
-// Whoever does the task writes to files that another may move to their places: it may die in between.
+// The task writes to `written`, and its planner moves those files to `outputs`: the process that does the
+// task may die in between.
 struct FileTask {
     std::string inputFile;
     OutputNames outputs;
@@ -33,9 +34,9 @@ struct FileTask {
     FilterSettings settings;
 };
 
-// What the user is told of a task that was done.
+// What the user is told about a finished task.
 struct FileReport {
-    std::string words;  // what the picture is, and what became of it
+    std::string words;  // what the picture is, and what was done to it
     std::string lost;   // what the output's format could not hold; empty for nothing
 };
 
@@ -44,16 +45,16 @@ struct PlannedFile {
     std::array<OutputFile, kOutputCount> outputs;
 };
 
-// Refuses all that can be refused without reading a pixel, and opens the picture.
+// Opens the picture, and refuses everything that can be refused without reading a pixel.
 MaybeFailure PlanFile(const FileRequest &request, const FilterSettings &settings, const PluginInfo &plugin,
                       PlannedFile *planned, Picture *picture);
 
-// Reads and filters the opened picture, and fills what the filter recorded.
+// Reads and filters the opened picture, and fills in what the filter recorded.
 using FilterCall = std::function<MaybeFailure(Picture *picture, const Watcher &watcher, Action *recorded)>;
 
-// Reads, filters and writes the opened picture of a task.
+// Reads, filters and writes a task's opened picture.
 MaybeFailure DoFileTask(const FileTask &task, Picture *picture, const FilterCall &filter,
                         const Watcher &watcher, FileReport *report);
 
-// Moves what was written to its place.
+// Moves the finished files to their places.
 MaybeFailure PublishFile(PlannedFile *planned);

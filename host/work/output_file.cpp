@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// What the names of temporary files begin with.
+// Names of temporary files begin with this.
 constexpr char kTemporaryPrefix[] = ".hymedian-";
 constexpr mode_t kPermissionBits = 0777;
 constexpr mode_t kWriteBits = 0222;
@@ -29,7 +29,7 @@ MaybeFailure Unwritable(const OutputFile &output, int error) {
     return FileFailure(output.name, std::string("cannot be written: ") + std::strerror(error));
 }
 
-// Without a slash the file goes to the working folder.
+// A name without a slash is in the working folder.
 fs::path FolderOf(const OutputFile &output) {
     const fs::path folder = fs::path(output.target).parent_path();
     return folder.empty() ? fs::path(".") : folder;
@@ -51,7 +51,8 @@ bool AreSame(const struct stat &a, const struct stat &b) {
     return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
-// Moving something to a file's place takes no permission to write to it, and root never needs one.
+// This has to be checked, since replacing a file by renaming takes no permission to write to it. The mode
+// counts as well: root has every permission.
 bool IsProtected(const std::string &file, const struct stat &info) {
     return (info.st_mode & kWriteBits) == 0 || access(file.c_str(), W_OK) != 0;
 }
@@ -72,7 +73,7 @@ MaybeFailure CheckExisting(const OutputRequest &request, const struct stat &exis
     return FileFailure(request.outputFile, sameFile ? kProtected : kExistsAlready);
 }
 
-// Only root may give files away, and some file systems know of one owner alone.
+// This can fail: only root may give files away, and some file systems only know one owner.
 bool KeepOwner(const OutputFile &output) {
     struct stat written;
     return !output.owner ||
@@ -81,8 +82,7 @@ bool KeepOwner(const OutputFile &output) {
            fchown(output.descriptor, output.owner->user, output.owner->group) == 0;
 }
 
-// Moves without replacing. Where the file system cannot do that in one step, linking refuses an existing name
-// just as well.
+// Moves without replacing. If the file system cannot do that in one step, link also refuses an existing name.
 int MoveToFreeName(const char *from, const char *to) {
     if (renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) {
         return 0;
@@ -93,8 +93,8 @@ int MoveToFreeName(const char *from, const char *to) {
     return link(from, to) == 0 ? unlink(from) : -1;
 }
 
-// Temporary files beside outputs, and those that runs left which died. A living run holds a lock on each of
-// its own.
+// A running program holds a lock on each of its temporary files; one that can be locked was left by a run
+// that died.
 bool Locks(int descriptor) {
     return flock(descriptor, LOCK_EX | LOCK_NB) == 0;
 }
@@ -111,13 +111,14 @@ void RemoveIfDead(const fs::path &file) {
     close(descriptor);
 }
 
-// For as long as the descriptor is open. False when another run took the file for dead in between.
+// Holds the lock as long as the descriptor is open. False if another run took the file for dead in the
+// meantime.
 bool LockTemporary(int descriptor) {
     struct stat info;
     return Locks(descriptor) && fstat(descriptor, &info) == 0 && info.st_nlink > 0;
 }
 
-// Removes those of dead runs, once per folder and process.
+// Removes temporary files of dead runs, once per folder and process.
 void ClearDeadTemporaries(const fs::path &folder) {
     static std::set<fs::path> cleared;
     std::error_code error;

@@ -1,4 +1,4 @@
-// A picture read and filtered, by this process alone.
+// Reads and filters a picture in this process alone.
 #pragma once
 
 #include "host/filter/orders.h"
@@ -7,7 +7,7 @@
 #include "host/report/failure.h"
 #include "host/report/watcher.h"
 
-// The part of a progress bar that belongs to reading; the filter takes longer by far.
+// The part of a progress bar that reading fills. Chosen: the filter takes far longer.
 constexpr double kReadingShare = 0.05;
 
 struct PictureRequest {
@@ -16,5 +16,5 @@ struct PictureRequest {
     Watcher watcher;
 };
 
-// Reads the opened picture's pixels and filters them. Fills what the filter recorded.
+// Reads the opened picture's pixels and filters them. Fills in what the filter recorded.
 MaybeFailure FilterPicture(const PictureRequest &request, Picture *picture, Action *recorded);

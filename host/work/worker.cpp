@@ -18,16 +18,16 @@
 
 namespace {
 
-// A job is reported on so often that a bar moves smoothly, and no oftener.
+// Progress is reported in steps of this size: often enough for a bar to move smoothly.
 constexpr double kProgressStep = 1.0 / 128;
 
-// What stays from job to job.
+// What a worker keeps from job to job.
 struct Workplace {
     Plugin plugin;
     MaybeFailure pluginFailure;
     bool pluginOpened = false;
     bool vipsStarted = false;
-    // Of the one document whose tiles come here.
+    // Of the one document whose tiles this worker gets.
     PixelBlock source, destination, mask;
 };
 
@@ -36,7 +36,7 @@ void Say(char mark, const std::string &content) {
     send(kWorkerLine, packet.data(), packet.size(), MSG_NOSIGNAL);
 }
 
-// Nobody asks a worker to stop; it is killed.
+// A worker is never asked to stop; it is killed.
 Watcher ReportingWatcher() {
     return {[told = 0.0](double done) mutable {
                 if (done >= told + kProgressStep || done < told) {
@@ -56,7 +56,7 @@ void NeedPlugin(const std::string &folder, Workplace *workplace) {
     }
 }
 
-// The shared blocks stay the workplace's; the document borrows them for a job.
+// The workplace owns the shared blocks; the document borrows them for a job.
 bool Attach(bool masked, Workplace *workplace, Document *document) {
     if (workplace->source == nullptr) {
         workplace->source = MapShared(kFirstShared, PixelBytes(*document));
@@ -101,7 +101,7 @@ FileAnswer DoFile(const FileTask &task, Workplace *workplace) {
     }
     if (!workplace->vipsStarted) {
         workplace->vipsStarted = StartVips("hymedian");
-        // The other processors have workers of their own.
+        // There are workers for the other processors.
         vips_concurrency_set(1);
     }
     FileAnswer answer;
@@ -117,7 +117,7 @@ FileAnswer DoFile(const FileTask &task, Workplace *workplace) {
     return answer;
 }
 
-// Also while a job of the dead parent is still in the line.
+// Works even if a job of the dead parent is still in the line.
 bool ParentIsDead() {
     pollfd line = {kWorkerLine, 0, 0};
     return poll(&line, 1, 0) > 0 && (line.revents & POLLHUP) != 0;
@@ -126,15 +126,16 @@ bool ParentIsDead() {
 }  // namespace
 
 int RunWorker() {
-    // Ctrl-C goes to the whole group, and it is the parent that answers it.
+    // Ctrl-C goes to the whole process group, and the parent handles it.
     std::signal(SIGINT, SIG_IGN);
     std::signal(SIGHUP, SIG_IGN);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
-    // It may have died before that. What is in the line would be written beside the next run's files.
+    // The parent may have died before that. A job still in the line must not be done: its files would be
+    // nobody's.
     if (ParentIsDead()) {
         return 0;
     }
-    // To the end of the process, since the filter keeps a block of its own behind the plug-in.
+    // Lives until the process ends, since the filter keeps a block behind the module's data word.
     static Workplace workplace;
     std::vector<char> packet(kLargestPacket);
     for (;;) {

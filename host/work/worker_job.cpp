@@ -6,7 +6,7 @@
 
 namespace {
 
-// Of a document, all but its blocks.
+// A document without its blocks.
 struct Shape {
     int16_t imageMode;
     int32_t depth, colorPlanes, planes, width, height;

@@ -20,7 +20,7 @@ struct TileJob {
 
 struct WorkerJob {
     std::string pluginFolder;
-    std::optional<TileJob> tile;  // else a file
+    std::optional<TileJob> tile;  // otherwise a file
     FileTask file;
 };
 

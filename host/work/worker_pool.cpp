@@ -15,9 +15,9 @@
 
 namespace {
 
-// So often a signal that came between two calls is noticed.
+// How long a signal that arrives between two calls can go unnoticed. Chosen: users do not feel the delay.
 constexpr int kPollMilliseconds = 100;
-// Descriptors are moved up there first, since one of them could stand where another has to go.
+// Descriptors are first moved to this number or above, since one of them could be where another has to go.
 constexpr int kOutOfTheWay = 64;
 
 // Closes its descriptors and ends its process.
@@ -31,10 +31,10 @@ struct Worker {
     Worker &operator=(const Worker &) = delete;
     ~Worker() { End(); }
 
-    // What waitpid tells; 0 when it had ended before.
+    // Returns the status from waitpid, or 0 if the process had already ended.
     int End() {
         int status = 0;
-        // Before it hears that the line is closed, and would end in its own way.
+        // Killed before the line is closed, which would make it exit by itself.
         if (process > 0) {
             kill(process, SIGKILL);
             waitpid(process, &status, 0);
@@ -95,10 +95,10 @@ struct Pool {
     size_t wanted;
     std::list<Worker> workers = {};
     size_t jobs = 0;       // handed out so far
-    bool drained = false;  // no more jobs
+    bool drained = false;  // there are no more jobs
 };
 
-// Gives the worker the next job. A dead worker's line fails later, when it is listened to.
+// Gives the worker the next job. If the worker is dead, that shows when its line is read.
 void HandOut(Pool *pool, Worker *worker) {
     std::string job;
     worker->job.reset();
@@ -126,7 +126,7 @@ bool IsIdle(const Worker &worker) {
     return !worker.job.has_value();
 }
 
-// What the worker has to say; false when all are to end.
+// Takes one packet from the worker; false when all workers are to end.
 bool Listen(Pool *pool, Worker *worker) {
     static std::vector<char> packet(kLargestPacket);
     const ssize_t size = recv(worker->line, packet.data(), packet.size(), 0);

@@ -1,5 +1,5 @@
-// Worker processes of this program, which do jobs that are put into messages. The filter runs once at a time
-// in a process, so this is how several run at once.
+// Worker processes of this program, which do jobs sent as messages. A process can only run one filter at a
+// time, so this is how several run at once.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@
 // A worker is this program, started with this as its only argument.
 constexpr char kWorkerArgument[] = "--worker";
 
-// Descriptors that a worker is born with: its end of the line to the parent, then what is shared with it.
+// The descriptors that a worker starts with: its end of the line to the parent, then the shared blocks.
 constexpr int kWorkerLine = 3;
 constexpr int kFirstShared = 4;
 
@@ -19,21 +19,22 @@ constexpr int kFirstShared = 4;
 // answer to the job.
 constexpr char kProgressMark = 'p';
 constexpr char kAnswerMark = 'a';
+// In bytes: room for the nine names of a job, each of up to 4 KiB, three times over.
 constexpr size_t kLargestPacket = 1 << 17;
 
 struct WorkerCalls {
-    // The message of the next job, which gets the next number from 0 on; false when there are no more.
+    // Makes the message for the next job; jobs are numbered from 0. False when there are no more.
     std::function<bool(std::string *job)> next;
-    // A piece of the caller's own work between two messages; false when there is no more.
+    // Does a piece of the caller's own work between two messages; false when none is left.
     std::function<bool()> meanwhile = [] { return false; };
     std::function<void(size_t job, double done)> progress;
-    // Both end a job; false ends all others.
+    // Both end a job; returning false ends all the others.
     std::function<bool(size_t job, const std::string &answer)> answered;
     std::function<bool(size_t job, const std::string &how)> died;
     std::function<bool()> cancelled;
 };
 
-// What users are told of a pool that could not be started, and of a worker whose answer makes no sense.
+// What users are told when no worker can be started, and when a worker's answer makes no sense.
 constexpr char kNoWorkers[] = "no worker process can be started; --jobs 1 does without";
 constexpr char kDamagedAnswer[] = "a worker process sent a damaged answer, nothing was written";
 
@@ -41,8 +42,9 @@ enum class PoolEnd {
     done,
     stopped,  // by one of the calls
     cancelled,
-    notStarted,  // not one worker could be
+    notStarted,  // not even one worker could be started
 };
 
-// Does all jobs on up to `workers` processes, which share the descriptors. Afterwards none of them is left.
+// Does all jobs in up to `workers` processes, which inherit the descriptors in `shared`. None of the
+// processes is left afterwards.
 PoolEnd RunWorkers(int32_t workers, const std::vector<int> &shared, const WorkerCalls &calls);
