@@ -47,7 +47,7 @@ OSErr Lock(int descriptor) {
     struct stat info = {};
     fstat(descriptor, &info);
     const std::pair identity(info.st_dev, info.st_ino);
-    const bool patient = refused.count(identity) == 0;
+    const bool patient = !refused.contains(identity);
     const OSErr err =
         WaitForLock(descriptor, Clock::now() + (patient ? kLongestWait : Clock::duration::zero()));
     if (err == noErr) {
