@@ -4,9 +4,9 @@
 
 #include "hybridmedian/public.h"
 #include "photoshop/property_list.h"
+#include "resources/dialog_items.h"
 #include "resources/key_name_table.h"
 #include "resources/plugin_properties.h"
-#include "resources/radius_dialog.h"
 #include "resources/resource_file.h"
 
 int main(int argc, char **argv) {

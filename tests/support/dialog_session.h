@@ -4,7 +4,7 @@
 #include "hybridmedian/public.h"
 #include "platform/resources.h"
 #include "platform/scripted_dialogs.h"
-#include "resources/radius_dialog.h"
+#include "resources/dialog_items.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/test_images.h"
 #include "toolkit/filter_hooks.h"

@@ -1,4 +1,4 @@
-#include "resources/radius_dialog.h"
+#include "resources/dialog_items.h"
 
 #include <iterator>
 #include <string_view>
