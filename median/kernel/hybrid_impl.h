@@ -19,12 +19,12 @@ enum class Stage { kReading, kDistances, kMedians, kChoice, kWriting };
 
 // Told when a stage is done; measurements have one of their own.
 struct NoObserver {
-    void operator()(Stage) const {}
+    void operator()(Stage) {}
 };
 
 template <class Format, int R, class Observer>
 void FilterTile(const HybridBlock &block, int firstColumn, int pixels, Tile<Format, R> &tile,
-                const Observer &done) {
+                Observer &done) {
     Rings<Format, R> rings(tile, pixels);
     for (int line = -2 * R; line < block.lineCount; ++line) {
         rings.Advance();
@@ -47,9 +47,10 @@ void FilterTile(const HybridBlock &block, int firstColumn, int pixels, Tile<Form
 template <class Format, int R>
 void FilterBlock(const HybridBlock &block) {
     auto &tile = *static_cast<Tile<Format, R> *>(block.scratch);
+    NoObserver none;
     for (int column = block.firstColumn; column < block.lastColumn; column += kTilePixels[R - 1]) {
         const int rest = block.lastColumn - column;
-        FilterTile(block, column, rest < kTilePixels[R - 1] ? rest : kTilePixels[R - 1], tile, NoObserver{});
+        FilterTile(block, column, rest < kTilePixels[R - 1] ? rest : kTilePixels[R - 1], tile, none);
     }
 }
 

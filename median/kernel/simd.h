@@ -5,8 +5,10 @@
 #include <cstdint>
 #include <utility>
 
-#ifdef __SSE2__
+#if defined(__SSE2__)
 #include <immintrin.h>
+#elif defined(__aarch64__)
+#include <arm_neon.h>
 #endif
 
 namespace HYBRID_VARIANT {
@@ -57,6 +59,9 @@ inline Int SumSquaresOfPairs(Int pairs) {
 #elif defined(__SSE2__) && HYBRID_LANES == 4
     const __m128i x = reinterpret_cast<__m128i>(pairs);
     return reinterpret_cast<Int>(_mm_madd_epi16(x, x));
+#elif defined(__aarch64__) && HYBRID_LANES == 4
+    const int16x8_t x = reinterpret_cast<int16x8_t>(pairs);
+    return vpaddq_s32(vmull_s16(vget_low_s16(x), vget_low_s16(x)), vmull_high_s16(x, x));
 #else
     const Int low = pairs << 16 >> 16;
     const Int high = pairs >> 16;
