@@ -1,6 +1,6 @@
-// Where a kernel's time goes: ticks of the time-stamp counter a pixel, stage by stage and by radius, over noise of 8-bit RGB.
-// The least over all lines and tiles, so that other work on the machine does not count. In brackets, what the stage's
-// arithmetic alone takes on this processor, over data in the first-level cache.
+// Where a kernel's time goes: ticks of the time-stamp counter a pixel, stage by stage and by radius, over
+// noise of 8-bit RGB. The least over all lines and tiles, so that other work on the machine does not count.
+// In brackets, what the stage's arithmetic alone takes on this processor, over data in the first-level cache.
 //
 // Compiled for one instruction set, as the kernels are.
 #include <x86intrin.h>
@@ -76,8 +76,8 @@ double DistanceTime() {
     const double time = LeastTime([&] {
         for (int round = 0; round < kRounds; ++round) {
             for (int x = 0; x < kVectors; ++x) {
-                distances[x] = DoubledDistance(Format::SquaredDistance(
-                LoadPoint<Format>(anchors, x), LoadPoint<Format>(others, x)));
+                distances[x] = DoubledDistance(
+                    Format::SquaredDistance(LoadPoint<Format>(anchors, x), LoadPoint<Format>(others, x)));
             }
             asm volatile("" : : "r"(anchors), "r"(others), "r"(distances) : "memory");
         }
@@ -155,7 +155,9 @@ template <int... R>
 void MeasureAll(std::integer_sequence<int, R...>) {
     const double additionTime = AdditionTime();
     const double distanceTime = DistanceTime();
-    std::printf("| radius | reading | distances | medians | choice | writing | all |\n|---|---|---|---|---|---|---|\n");
+    std::printf(
+        "| radius | reading | distances | medians | choice | writing | all "
+        "|\n|---|---|---|---|---|---|---|\n");
     (Measure<R + 1>(additionTime, distanceTime), ...);
 }
 

@@ -13,9 +13,10 @@
 
 namespace HYBRID_VARIANT {
 
-// Small enough for the distances to stay in a second-level cache; and up to radius 3, such that the run and
-// its margins fill whole squares.
-constexpr int kTilePixels[kMaxRadius] = {480, 448, 416, 128, 128, 128};
+// Small enough for the distances to stay in a second-level cache, and large enough for the margins, which are
+// as wide for any run, not to outweigh what wider vectors save. Up to radius 3, such that a run and its
+// margins fill whole squares.
+constexpr int kTilePixels[kMaxRadius] = {480, 448, 416, 128, 128, kLanes == 16 ? 192 : 128};
 
 // The most successive pixels that a lane takes.
 template <int R>
