@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Prints tables of the filter's speed, by kernel and radius, as Markdown: megapixels per second, the ratio to the plain
 # routines in the same run, and nanoseconds per pair of samples. LAYOUTS (default: rgb8) names the layouts: rgb8 gray8
-# rgb16 gray16.
+# rgb16 gray16. The best of REPETITIONS (9) counts.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -10,12 +10,12 @@ cmake --preset bench >/dev/null
 cmake --build --preset bench --target filter_bench >/dev/null
 
 for layout in ${LAYOUTS:-rgb8}; do
-    # Repetitions are interleaved, so that other load on the machine affects all of them alike.
-    build/bench/filter_bench --benchmark_filter="/$layout/" --benchmark_format=csv --benchmark_min_time=0.1 \
-        --benchmark_repetitions=5 --benchmark_enable_random_interleaving=true \
+    # Repetitions are interleaved and the best counts, so that other load on the machine spoils none of the ratios.
+    build/bench/filter_bench --benchmark_filter="/$layout/" --benchmark_format=csv --benchmark_min_time=0.05 \
+        --benchmark_repetitions=${REPETITIONS:-9} --benchmark_enable_random_interleaving=true \
         --benchmark_report_aggregates_only=true 2>/dev/null |
         awk -F, -v layout="$layout" '
-            /_median"/ {
+            /_best"/ {
                 gsub(/"/, "", $1)
                 split($1, place, /[\/_]/)
                 kernel = place[1]; radius = place[3]

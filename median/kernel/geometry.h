@@ -79,15 +79,27 @@ constexpr Pair MakePair(Offset a, Offset b) {
 }
 
 // The distances of one displacement: the anchors for which they are still needed lie on the lines
-// firstLine..lastLine around the output line. They take that many lines of one bin of the store, a bin being
-// a ring of lines; the distances of anchor line dy are its ring line dy + shift (modulo the ring's length).
+// firstLine..lastLine around the output line, in the columns firstColumn..lastColumn around the output
+// column. They take that many lines of one bin of the store, a bin being a ring of lines; the distances of
+// anchor line dy are its ring line dy + shift (modulo the ring's length).
 struct Displacement {
     Offset offset;
     int firstLine, lastLine;
+    int firstColumn, lastColumn;
     int bin;
     int shift;
 
     constexpr int Lines() const { return lastLine - firstLine + 1; }
+
+    // The columns that are kept beyond as many as there are of output pixels.
+    constexpr int Margin() const { return lastColumn - firstColumn; }
+
+    constexpr void Include(Offset anchor) {
+        firstLine = anchor.dy < firstLine ? anchor.dy : firstLine;
+        lastLine = anchor.dy > lastLine ? anchor.dy : lastLine;
+        firstColumn = anchor.dx < firstColumn ? anchor.dx : firstColumn;
+        lastColumn = anchor.dx > lastColumn ? anchor.dx : lastColumn;
+    }
 };
 
 template <int R>
@@ -95,6 +107,8 @@ struct Plan {
     Displacement displacements[kMaxDisplacements];
     int count;
     int bins;
+    // The widest margin of each bin's displacements.
+    int margins[kMaxDisplacements];
 
     constexpr int Find(Offset offset) const {
         int i = 0;
@@ -105,8 +119,17 @@ struct Plan {
         return i;
     }
 
-    constexpr int RingLine(int displacement, int anchorLine) const {
-        return (anchorLine + displacements[displacement].shift + kRingLines<R>) % kRingLines<R>;
+    constexpr int RingLine(const Displacement &d, int anchorLine) const {
+        return (anchorLine + d.shift + kRingLines<R>) % kRingLines<R>;
+    }
+
+    // Where a bin begins in its line, for that many columns of output pixels; bins follow each other.
+    constexpr int BinColumn(int bin, int outputColumns) const {
+        int column = bin * outputColumns;
+        for (int i = 0; i < bin; ++i) {
+            column += margins[i];
+        }
+        return column;
     }
 };
 
@@ -117,36 +140,15 @@ constexpr void CollectDisplacements(Plan<R> &plan) {
         for (int i = 0; i < kSamples<R>; ++i) {
             for (int j = i + 1; j < kSamples<R>; ++j) {
                 const Pair pair = MakePair(samples.at[i], samples.at[j]);
-                Displacement &found = plan.displacements[plan.Find(pair.displacement)];
-                if (&found == plan.displacements + plan.count) {
-                    found = {pair.displacement, pair.anchor.dy, pair.anchor.dy, 0, 0};
-                    ++plan.count;
+                const int found = plan.Find(pair.displacement);
+                if (found == plan.count) {
+                    const Offset anchor = pair.anchor;
+                    plan.displacements[plan.count++] = {pair.displacement, anchor.dy, anchor.dy, anchor.dx,
+                                                        anchor.dx,         0,         0};
                 }
-                if (pair.anchor.dy < found.firstLine) {
-                    found.firstLine = pair.anchor.dy;
-                }
-                if (pair.anchor.dy > found.lastLine) {
-                    found.lastLine = pair.anchor.dy;
-                }
+                plan.displacements[found].Include(pair.anchor);
             }
         }
-    }
-}
-
-// By last line, so that the displacements computed from the same line follow each other; and the longest
-// kept first, so that the lines before the first output line need a leading part of each such group only.
-template <int R>
-constexpr void SortDisplacements(Plan<R> &plan) {
-    auto before = [](const Displacement &a, const Displacement &b) {
-        return a.lastLine != b.lastLine ? a.lastLine > b.lastLine : a.Lines() > b.Lines();
-    };
-    for (int i = 1; i < plan.count; ++i) {
-        const Displacement moved = plan.displacements[i];
-        int j = i;
-        for (; j > 0 && before(moved, plan.displacements[j - 1]); --j) {
-            plan.displacements[j] = plan.displacements[j - 1];
-        }
-        plan.displacements[j] = moved;
     }
 }
 
@@ -168,6 +170,9 @@ constexpr void PackBins(Plan<R> &plan) {
             if (d.bin >= plan.bins) {
                 plan.bins = d.bin + 1;
             }
+            if (d.Margin() > plan.margins[d.bin]) {
+                plan.margins[d.bin] = d.Margin();
+            }
         }
     }
 }
@@ -176,7 +181,6 @@ template <int R>
 constexpr Plan<R> MakePlan() {
     Plan<R> plan{};
     CollectDisplacements(plan);
-    SortDisplacements(plan);
     PackBins(plan);
     return plan;
 }
@@ -184,13 +188,12 @@ constexpr Plan<R> MakePlan() {
 template <int R>
 constexpr Plan<R> kPlan = MakePlan<R>();
 
-// One distance of a set's median: between samples i and j, kept on that line of that bin, dx columns to the
-// right of the output pixel.
+// One distance of a set's median: between samples i and j, kept on that line of the rings, that many columns
+// to the right of the output pixel's column.
 struct Term {
     int i, j;
     int ringLine;
-    int bin;
-    int dx;
+    int column;
 };
 
 template <int R>
@@ -200,7 +203,7 @@ struct TermList {
 
 // By i + j: every sample then meets its partners in ascending order, and neighbouring terms add to
 // different sums, so that the additions do not wait for each other.
-template <int R, int Set>
+template <int R, int Set, int OutputColumns>
 constexpr TermList<R> MakeTerms() {
     TermList<R> terms{};
     int n = 0;
@@ -211,15 +214,15 @@ constexpr TermList<R> MakeTerms() {
                 continue;
             }
             const Pair pair = MakePair(kSampleSet<R, Set>.at[i], kSampleSet<R, Set>.at[j]);
-            const int d = kPlan<R>.Find(pair.displacement);
-            terms.at[n++] = {i, j, kPlan<R>.RingLine(d, pair.anchor.dy), kPlan<R>.displacements[d].bin,
-                             pair.anchor.dx};
+            const Displacement &d = kPlan<R>.displacements[kPlan<R>.Find(pair.displacement)];
+            terms.at[n++] = {i, j, kPlan<R>.RingLine(d, pair.anchor.dy),
+                             kPlan<R>.BinColumn(d.bin, OutputColumns) + pair.anchor.dx - d.firstColumn};
         }
     }
     return terms;
 }
 
-template <int R, int Set>
-constexpr TermList<R> kTerms = MakeTerms<R, Set>();
+template <int R, int Set, int OutputColumns>
+constexpr TermList<R> kTerms = MakeTerms<R, Set, OutputColumns>();
 
 }  // namespace HYBRID_VARIANT

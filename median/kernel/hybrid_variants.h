@@ -7,3 +7,4 @@ extern const HybridKernel kHybridScalar;
 extern const HybridKernel kHybridSse2;
 extern const HybridKernel kHybridAvx2;
 extern const HybridKernel kHybridAvx512;
+extern const HybridKernel kHybridNeon;

@@ -18,12 +18,57 @@ struct Point {
     Vector component[Components];
 };
 
+// A line of vectors for each word of a pixel, or for each component of a point.
+template <std::size_t Words, std::size_t Columns>
+using PackedLine = Int[Words][Columns];
+template <class Format, std::size_t Columns>
+using PointLine = typename Format::Component[Format::kComponents][Columns];
+
+// A line of components, one after the other.
+template <class Format, std::size_t Pixels>
+using TailLine = typename Format::ComponentValue[Format::kComponents][Pixels];
+
+template <class Format, std::size_t Columns>
+inline auto LoadPoint(const typename Format::Component (&line)[Format::kComponents][Columns], int column) {
+    Point<typename Format::Component, Format::kComponents> point;
+    for (std::size_t i = 0; i < Format::kComponents; ++i) {
+        point.component[i] = line[i][column];
+    }
+    return point;
+}
+
+template <class Format, std::size_t Pixels>
+inline auto LoadTail(const typename Format::ComponentValue (&tail)[Format::kComponents][Pixels], int pixel) {
+    Point<typename Format::Component, Format::kComponents> point;
+    for (std::size_t i = 0; i < Format::kComponents; ++i) {
+        point.component[i] = Load(&tail[i][pixel]);
+    }
+    return point;
+}
+
+template <std::size_t Words, std::size_t Columns>
+inline Packed<Words> LoadPacked(const Int (&line)[Words][Columns], int column) {
+    Packed<Words> packed;
+    for (std::size_t i = 0; i < Words; ++i) {
+        packed.word[i] = line[i][column];
+    }
+    return packed;
+}
+
+template <std::size_t Words, std::size_t Columns>
+inline void StorePacked(const Packed<Words> &packed, Int (&line)[Words][Columns], int column) {
+    for (std::size_t i = 0; i < Words; ++i) {
+        line[i][column] = packed.word[i];
+    }
+}
+
 template <typename SampleType>
 struct Gray {
     using Sample = SampleType;
     static constexpr int kSamplesPerPixel = 1;
     static constexpr std::size_t kWords = 1;
-    using Component = float;
+    using Component = Float;
+    using ComponentValue = float;
     static constexpr std::size_t kComponents = 1;
 
     static void Read(const Sample *from, std::int32_t *const *words, int at) { words[0][at] = from[0]; }
@@ -46,7 +91,8 @@ struct Rgb8 {
     using Sample = std::uint8_t;
     static constexpr int kSamplesPerPixel = 3;
     static constexpr std::size_t kWords = 1;
-    using Component = std::int32_t;
+    using Component = Int;
+    using ComponentValue = std::int32_t;
     static constexpr std::size_t kComponents = 2;
 
     static void Read(const Sample *from, std::int32_t *const *words, int at) {
@@ -78,7 +124,8 @@ struct Rgb16 {
     using Sample = std::uint16_t;
     static constexpr int kSamplesPerPixel = 3;
     static constexpr std::size_t kWords = 2;
-    using Component = float;
+    using Component = Float;
+    using ComponentValue = float;
     static constexpr std::size_t kComponents = 3;
 
     static void Read(const Sample *from, std::int32_t *const *words, int at) {

@@ -23,6 +23,8 @@ struct KernelList {
             __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl")) {
             Add(kHybridAvx512);
         }
+#elif defined(__aarch64__)
+        Add(kHybridNeon);
 #endif
     }
 

@@ -3,9 +3,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
-#ifdef __SSE2__
+#if defined(__SSE2__)
 #include <immintrin.h>
+#elif defined(__aarch64__)
+#include <arm_neon.h>
 #endif
 
 namespace HYBRID_VARIANT {
@@ -47,20 +50,63 @@ inline Int SubtractPairs(Int a, Int b) {
 }
 
 inline Int SumSquaresOfPairs(Int pairs) {
-#if HYBRID_LANES == 16
+#if defined(__SSE2__) && HYBRID_LANES == 16
     const __m512i x = reinterpret_cast<__m512i>(pairs);
     return reinterpret_cast<Int>(_mm512_madd_epi16(x, x));
-#elif HYBRID_LANES == 8
+#elif defined(__SSE2__) && HYBRID_LANES == 8
     const __m256i x = reinterpret_cast<__m256i>(pairs);
     return reinterpret_cast<Int>(_mm256_madd_epi16(x, x));
-#elif HYBRID_LANES == 4
+#elif defined(__SSE2__) && HYBRID_LANES == 4
     const __m128i x = reinterpret_cast<__m128i>(pairs);
     return reinterpret_cast<Int>(_mm_madd_epi16(x, x));
+#elif defined(__aarch64__) && HYBRID_LANES == 4
+    const int16x8_t x = reinterpret_cast<int16x8_t>(pairs);
+    return vpaddq_s32(vmull_s16(vget_low_s16(x), vget_low_s16(x)), vmull_high_s16(x, x));
 #else
     const Int low = pairs << 16 >> 16;
     const Int high = pairs >> 16;
     return low * low + high * high;
 #endif
+}
+
+using EveryLane = std::make_integer_sequence<int, kLanes>;
+
+// Every lane takes its successor's value, the last lane `last`.
+template <int... Lane>
+inline Float NextLane(Float value, float last, std::integer_sequence<int, Lane...>) {
+    const Float lasts = {(static_cast<void>(Lane), last)...};
+    return __builtin_shufflevector(value, lasts, (Lane + 1)...);
+}
+
+inline Float NextLane(Float value, float last) {
+    if constexpr (kLanes == 1) {
+        return Float{last};
+    } else {
+        return NextLane(value, last, EveryLane{});
+    }
+}
+
+// In every square of 2 * Step rows and lanes, the upper right quarter and the lower left one change places.
+template <int Step, int... Lane>
+inline void ExchangeQuarters(Int (&rows)[kLanes], std::integer_sequence<int, Lane...>) {
+    for (int i = 0; i < kLanes; ++i) {
+        if ((i & Step) == 0) {
+            const Int upper = rows[i];
+            const Int lower = rows[i + Step];
+            rows[i] = __builtin_shufflevector(upper, lower, ((Lane & Step) ? kLanes + Lane - Step : Lane)...);
+            rows[i + Step] =
+                __builtin_shufflevector(upper, lower, ((Lane & Step) ? kLanes + Lane : Lane + Step)...);
+        }
+    }
+}
+
+// Lane j of row i and lane i of row j change places.
+template <int Step = kLanes / 2>
+inline void Transpose(Int (&rows)[kLanes]) {
+    if constexpr (Step > 0) {
+        ExchangeQuarters<Step>(rows, EveryLane{});
+        Transpose<Step / 2>(rows);
+    }
 }
 
 }  // namespace HYBRID_VARIANT

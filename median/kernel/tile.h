@@ -1,0 +1,96 @@
+// What the filter keeps of a tile: a block is filtered in tiles of columns, line by line.
+//
+// A tile's pixels are dealt to the lanes in runs: column c of lane l is pixel l * run + c. So every
+// displacement is a whole number of vectors, and every load is aligned. What lies beyond a lane's run is the
+// beginning of its neighbour's, one rotation of the lanes away; only the last lane needs pixels beyond the
+// tile.
+#pragma once
+
+#include "geometry.h"
+#include "hybrid_kernel.h"
+#include "pixels.h"
+#include "simd.h"
+
+namespace HYBRID_VARIANT {
+
+// Small enough for the distances to stay in a second-level cache, and large enough for the margins, which are
+// as wide for any run, not to outweigh what wider vectors save. Up to radius 3, such that a run and its
+// margins fill whole squares.
+constexpr int kTilePixels[kMaxRadius] = {480, 448, 416, 128, 128, kLanes == 16 ? 192 : 128};
+
+// The most successive pixels that a lane takes.
+template <int R>
+constexpr int kMaxRun = kTilePixels[R - 1] / kLanes;
+
+template <int R>
+constexpr int kDistanceColumns = kPlan<R>.BinColumn(kPlan<R>.bins, kMaxRun<R>);
+
+// Lines are dealt to the lanes, and collected from them, in squares.
+constexpr int WholeSquares(int columns) {
+    return (columns + kLanes - 1) / kLanes * kLanes;
+}
+
+// Pixels have R columns of margin on both sides.
+template <int R>
+constexpr int kPixelColumns = WholeSquares(kMaxRun<R> + 2 * R);
+template <int R>
+constexpr int kOutputColumns = WholeSquares(kMaxRun<R>);
+
+// The pixels around a tile's end in their order, R of them within: whole vectors, from any of the first 2 * R
+// on.
+template <int R>
+constexpr int kTailPixels = WholeSquares(2 * R) + kLanes;
+
+// A tile's pixels in their order, from R before the first to the end of the tail.
+template <int R>
+constexpr int kLinePixels = kMaxRun<R> *kLanes + kTailPixels<R>;
+
+template <class Format, int R>
+struct alignas(kHybridScratchAlignment) Tile {
+    Float distances[kRingLines<R>][kDistanceColumns<R>];
+    PointLine<Format, kPixelColumns<R>> points[kRingLines<R>];
+    TailLine<Format, kTailPixels<R>> tails[kRingLines<R>];
+    PackedLine<Format::kWords, kPixelColumns<R>> pixels[kRingLines<R>];
+    PackedLine<Format::kWords, kMaxRun<R>> medians[kSets<R>];
+    PackedLine<Format::kWords, kOutputColumns<R>> chosen;
+    std::int32_t line[Format::kWords][kLinePixels<R>];
+};
+
+// A tile at work: how long its runs are, and where the rings stand for the current output line. The pixel
+// lines are those from R above it to R below.
+template <class Format, int R>
+struct Rings {
+    int run;
+    Float *distances[kRingLines<R>];
+    PointLine<Format, kPixelColumns<R>> *points[kRingLines<R>];
+    TailLine<Format, kTailPixels<R>> *tails[kRingLines<R>];
+    PackedLine<Format::kWords, kPixelColumns<R>> *pixels[kRingLines<R>];
+
+    Rings(Tile<Format, R> &tile, int width) : run((width + kLanes - 1) / kLanes) {
+        for (int i = 0; i < kRingLines<R>; ++i) {
+            distances[i] = tile.distances[i];
+            points[i] = &tile.points[i];
+            tails[i] = &tile.tails[i];
+            pixels[i] = &tile.pixels[i];
+        }
+    }
+
+    void Advance() {
+        Rotate(distances);
+        Rotate(points);
+        Rotate(tails);
+        Rotate(pixels);
+    }
+
+  private:
+    template <typename T>
+    static void Rotate(T *(&ring)[kRingLines<R>]) {
+        T *const first = ring[0];
+        for (int i = 1; i < kRingLines<R>; ++i) {
+            ring[i - 1] = ring[i];
+        }
+        ring[kRingLines<R> - 1] = first;
+    }
+};
+
+}  // namespace HYBRID_VARIANT
