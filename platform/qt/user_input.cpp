@@ -2,7 +2,6 @@
 
 #include <QCoreApplication>
 #include <QMouseEvent>
-#include <QWheelEvent>
 #include <algorithm>
 #include <iterator>
 #include <memory>
@@ -14,21 +13,13 @@ constexpr QEvent::Type kInputEvents[] = {
     QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick, QEvent::MouseMove,   QEvent::Wheel,
 };
 
-// Copies of events with a place would not last: all of them share one position, which is the latest.
+// A copy of a mouse event would not last: all such events share one position, which is the latest.
 std::function<void(QObject *)> DeliveryOf(const QEvent &event) {
     if (const auto *mouse = dynamic_cast<const QMouseEvent *>(&event)) {
         return [type = mouse->type(), place = mouse->position(), onScreen = mouse->globalPosition(),
                 button = mouse->button(), buttons = mouse->buttons(),
                 modifiers = mouse->modifiers()](QObject *window) {
             QMouseEvent again(type, place, place, onScreen, button, buttons, modifiers);
-            QCoreApplication::sendEvent(window, &again);
-        };
-    }
-    if (const auto *wheel = dynamic_cast<const QWheelEvent *>(&event)) {
-        return [place = wheel->position(), onScreen = wheel->globalPosition(), pixels = wheel->pixelDelta(),
-                angle = wheel->angleDelta(), buttons = wheel->buttons(), modifiers = wheel->modifiers(),
-                phase = wheel->phase(), inverted = wheel->inverted()](QObject *window) {
-            QWheelEvent again(place, onScreen, pixels, angle, buttons, modifiers, phase, inverted);
             QCoreApplication::sendEvent(window, &again);
         };
     }

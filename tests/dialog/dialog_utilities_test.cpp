@@ -19,8 +19,10 @@ constexpr int32_t kUsualSystem = 0x1040;
 
 std::vector<uint16_t> hostEvents;
 
+// Leaves another port behind, as a host may that draws.
 void NoteHostEvent(EventRecord *event) {
     hostEvents.push_back(event->what);
+    SetPort(nullptr);
 }
 
 struct Title {

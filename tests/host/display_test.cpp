@@ -1,11 +1,13 @@
 // The filter's dialog on a display of its own, which nobody sees.
+#include <chrono>
+#include <functional>
 #include <thread>
 
 #include "tests/host/program_fixture.h"
 
 namespace {
 
-constexpr std::chrono::seconds kPatience(60);
+constexpr std::chrono::seconds kPatience(30);
 
 class Display : public Program {
   protected:
@@ -43,17 +45,24 @@ class Display : public Program {
         }
     }
 
-    // The screen is black until a window covers most of it.
-    bool WindowAppears() const {
+    static bool ComesTrue(const std::function<bool()> &condition) {
         const auto start = std::chrono::steady_clock::now();
-        while (std::chrono::steady_clock::now() < start + kPatience) {
-            const std::string screen = Contents(output / "Xvfb_screen0");
-            if (std::count(screen.begin(), screen.end(), '\0') < static_cast<int64_t>(screen.size()) / 2) {
-                return true;
-            }
+        while (!condition() && std::chrono::steady_clock::now() < start + kPatience) {
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }
-        return false;
+        return condition();
+    }
+
+    // The screen is black until a window covers most of it.
+    bool ShowsWindow() const {
+        const std::string screen = Contents(output / "Xvfb_screen0");
+        return std::count(screen.begin(), screen.end(), '\0') < static_cast<int64_t>(screen.size()) / 2;
+    }
+
+    static bool HasEnded(pid_t program) {
+        siginfo_t info = {};
+        waitid(P_PID, static_cast<id_t>(program), &info, WEXITED | WNOHANG | WNOWAIT);
+        return info.si_pid == program;
     }
 
     pid_t server = -1;
@@ -77,8 +86,12 @@ TEST_F(Display, DialogsEndWithItAndByInterrupts) {
             GTEST_SKIP() << "Xvfb is not installed";
         }
         const pid_t program = Start({"in.png", "-o", "new.png", "--dialog"});
-        EXPECT_TRUE(WindowAppears());
+        EXPECT_TRUE(ComesTrue([&] { return ShowsWindow(); }));
         c.serverEnds ? StopServer() : static_cast<void>(kill(program, SIGINT));
+        if (!ComesTrue([=] { return HasEnded(program); })) {
+            ADD_FAILURE() << "the program does not end";
+            kill(-program, SIGKILL);
+        }
         const Ended ended = Wait(program);
         EXPECT_EQ(ended.status, c.status);
         EXPECT_EQ(ended.err, c.sentence);
