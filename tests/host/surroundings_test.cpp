@@ -13,8 +13,9 @@ TEST_F(Surroundings, ACurrentFolderThatIsGoneStopsNothing) {
     WriteNoise("in.png", 40, 30, 3);
     const std::string commands[] = {"--version", Path("in.png") + " -o " + Path("out.png")};
     for (const std::string &command : commands) {
-        const std::string line = "cd '" + folder.string() + "' && mkdir gone && cd gone && rmdir ../gone && " +
-                                 executable + " " + command + " >/dev/null";
+        const std::string line = "cd '" + folder.string() +
+                                 "' && mkdir gone && cd gone && rmdir ../gone && " + executable + " " +
+                                 command + " >/dev/null";
         EXPECT_EQ(std::system(line.c_str()), 0) << command;
     }
     EXPECT_TRUE(fs::exists(folder / "out.png"));

@@ -1,5 +1,7 @@
 #include "tests/plugin/other_filter/test_filter.h"
 
+TestFilter testFilter;
+
 OSErr GetDefaultSettings(RunContext *context, SPBlock *settings) {
     testFilter.processedBits = 0;
     InitializeSPSettings(settings, FourCharCode("Test"), false, false);
