@@ -13,12 +13,12 @@
 #include "host/picture/picture.h"
 #include "host/picture/picture_format.h"
 #include "host/picture/picture_writer.h"
-#include "host/preferences_folder.h"
 #include "host/report/failure.h"
 #include "imagestore/named_images.h"
 #include "median/hybrid_filter.h"
 #include "photoshop/filter_record.h"
 #include "platform/faults/fault_injection.h"
+#include "platform/posix_paths.h"
 #include "toolkit/run_context.h"
 
 namespace {

@@ -1,9 +1,12 @@
 // Whole documents of every colour mode through the program, from the bytes of one TIFF file to those of
 // another, against the plug-in itself and conversions written out here.
+#include <algorithm>
 #include <cmath>
+#include <random>
 
 #include "hybridmedian/public.h"
 #include "photoshop/image_modes.h"
+#include "platform/memory.h"
 #include "tests/host/program_fixture.h"
 #include "tests/support/script_host.h"
 #include "tests/support/test_host.h"

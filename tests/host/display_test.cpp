@@ -1,5 +1,11 @@
 // The filter's dialog on a display of its own, which nobody sees.
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <functional>
 #include <thread>
 

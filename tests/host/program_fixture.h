@@ -1,20 +1,11 @@
 // Runs the program itself in a folder of its own.
 #pragma once
 
-#include <fcntl.h>
-#include <linux/capability.h>
-#include <signal.h>
-#include <sys/prctl.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <sys/types.h>
 #include <vips/vips.h>
 
-#include <algorithm>
-#include <fstream>
-#include <iterator>
-#include <random>
+#include <cstdint>
 #include <set>
 #include <string>
 #include <vector>
@@ -23,112 +14,36 @@
 #include "tests/support/scratch_folder.h"
 
 struct Ended {
-    int status;
+    int status;  // -1 for a program that a signal ended
     std::string out, err;
     int64_t megabytes;  // of memory, at its most
 };
 
-inline std::string Contents(const std::filesystem::path &path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
+std::string Contents(const std::filesystem::path &path);
 
 class Program : public ScratchFolder {
   protected:
-    static void SetUpTestSuite() { ASSERT_TRUE(StartVips("host_test")); }
+    static void SetUpTestSuite();
 
-    Program() {
-        setenv("HYMEDIAN_PREFERENCES", (output / "preferences").c_str(), 1);
-        std::filesystem::create_directory(output);
-    }
-
-    ~Program() override { std::filesystem::remove_all(output); }
+    Program();
+    ~Program() override;
 
     // Starts the program in the test's folder; what it prints goes to files outside.
-    pid_t Start(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), executable);
-        std::vector<char *> pointers;
-        for (std::string &argument : arguments) {
-            pointers.push_back(argument.data());
-        }
-        pointers.push_back(nullptr);
-        const pid_t child = fork();
-        if (child == 0) {
-            setpgid(0, 0);
-            // No windows on the developer's desktop.
-            for (const char *variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
-                unsetenv(variable);
-            }
-            if (!display.empty()) {
-                setenv("DISPLAY", display.c_str(), 1);
-            }
-            if (fileSizeLimit != 0) {
-                // Writing more fails, as on a full disk.
-                const rlimit limit = {fileSizeLimit, fileSizeLimit};
-                setrlimit(RLIMIT_FSIZE, &limit);
-                signal(SIGXFSZ, SIG_IGN);
-            }
-            if (!givesFilesAway) {
-                prctl(PR_CAPBSET_DROP, CAP_CHOWN);
-            }
-            if (descriptorLimit != 0) {
-                const rlimit limit = {descriptorLimit, descriptorLimit};
-                setrlimit(RLIMIT_NOFILE, &limit);
-            }
-            const auto redirect = [&](int descriptor, const char *name) {
-                dup2(open((output / name).c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), descriptor);
-            };
-            redirect(STDOUT_FILENO, "out");
-            redirect(STDERR_FILENO, "err");
-            // First out of the way, since one of them could stand where another has to go.
-            for (int &descriptor : descriptors) {
-                descriptor = fcntl(descriptor, F_DUPFD_CLOEXEC, 64);
-            }
-            for (size_t i = 0; i < descriptors.size(); ++i) {
-                dup2(descriptors[i], STDERR_FILENO + 1 + static_cast<int>(i));
-            }
-            if (chdir(folder.c_str()) == 0) {
-                execv(executable.c_str(), pointers.data());
-            }
-            _exit(127);
-        }
-        return child;
-    }
+    pid_t Start(std::vector<std::string> arguments);
 
-    Ended Wait(pid_t child) {
-        int status = 0;
-        rusage usage = {};
-        wait4(child, &status, 0, &usage);
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Contents(output / "out"),
-                Contents(output / "err"), usage.ru_maxrss / 1024};
-    }
+    Ended Wait(pid_t child);
 
     std::string Path(const std::string &name) const { return (folder / name).string(); }
 
-    void WriteBytes(const std::string &name, const std::string &bytes) {
-        std::ofstream(folder / name, std::ios::binary) << bytes;
-    }
+    void WriteBytes(const std::string &name, const std::string &bytes);
 
     // A picture of grey noise in the given format and colour space.
     void WriteNoise(const std::string &name, int width, int height, int bands,
                     VipsBandFormat format = VIPS_FORMAT_UCHAR,
-                    VipsInterpretation interpretation = VIPS_INTERPRETATION_sRGB) {
-        std::vector<uint8_t> bytes(static_cast<size_t>(width * height * bands) * vips_format_sizeof(format));
-        std::generate(bytes.begin(), bytes.end(), std::mt19937(3));
-        const OwnedObject<VipsImage> image(
-            vips_image_new_from_memory(bytes.data(), bytes.size(), width, height, bands, format));
-        image->Type = interpretation;
-        ASSERT_EQ(vips_image_write_to_file(image.get(), Path(name).c_str(), nullptr), 0)
-            << vips_error_buffer();
-    }
+                    VipsInterpretation interpretation = VIPS_INTERPRETATION_sRGB);
 
-    std::set<std::string> Names() const {
-        std::set<std::string> names;
-        for (const auto &entry : std::filesystem::directory_iterator(folder)) {
-            names.insert(entry.path().filename());
-        }
-        return names;
-    }
+    // Of all that is in the test's folder.
+    std::set<std::string> Names() const;
 
     std::string executable = HYMEDIAN_PROGRAM;  // that is started next
     std::vector<int> descriptors;  // that the next program is born with, behind the standard ones
@@ -137,4 +52,9 @@ class Program : public ScratchFolder {
     rlim_t descriptorLimit = 0;    // likewise
     bool givesFilesAway = true;    // where root does
     std::filesystem::path output = folder.string() + "-output";
+
+  private:
+    void ChooseDisplay() const;
+    void Limit() const;
+    void PlaceDescriptors();
 };

@@ -1,7 +1,13 @@
 // The program as its users meet it: exit status, one sentence, and what is in the folder afterwards.
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
+#include <csignal>
+#include <fstream>
+#include <iterator>
 #include <regex>
 #include <thread>
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "photoshop/image_modes.h"
+#include "platform/memory.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/script_host.h"
 #include "tests/support/test_host.h"

@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "photoshop/image_modes.h"
+#include "platform/memory.h"
 #include "tests/support/dialog_session.h"
 #include "tests/support/script_host.h"
 #include "tests/support/test_host.h"

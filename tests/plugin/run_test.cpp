@@ -5,6 +5,7 @@
 
 #include "hybridmedian/public.h"
 #include "photoshop/image_modes.h"
+#include "platform/memory.h"
 #include "plugin/color_modes.h"
 #include "plugin/entry.h"
 #include "settings/setting_registry.h"

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "imagestore/strings.h"
+#include "platform/memory.h"
 #include "settings/host_descriptors.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/script_host.h"

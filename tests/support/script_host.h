@@ -2,12 +2,10 @@
 // by the getter of its type alone.
 #pragma once
 
-#include <cstring>
 #include <string>
 #include <vector>
 
 #include "photoshop/descriptors.h"
-#include "platform/memory.h"
 
 namespace script {
 
@@ -22,120 +20,14 @@ struct Item {
     bool operator==(const Item &) const = default;
 };
 
-inline std::vector<Item> playing;      // what is read
-inline std::vector<Item> recorded;     // what was written
-inline size_t position;                // one past the item read last
-inline std::vector<OSType> askedKeys;  // those that the reader was opened with, the closing 0 aside
-inline int openTokens;                 // readers and writers that are not closed
-inline OSErr closeError = noErr;
-
-// The item read last; null when it is of another type.
-inline const Item *Current(OSType type) {
-    const Item &item = playing[position - 1];
-    return item.type == type ? &item : nullptr;
-}
-
-// Delivers the item read last as a number of the type, also where reading it gives an error.
-template <typename Value>
-OSErr GetNumber(OSType type, Value *value) {
-    const Item *item = Current(type);
-    if (item == nullptr) {
-        return paramErr;
-    }
-    *value = static_cast<Value>(item->number);
-    return item->error;
-}
-
-inline OSErr Put(Item item) {
-    recorded.push_back(std::move(item));
-    return noErr;
-}
-
-inline ReadDescriptorProcs MakeReadProcs() {
-    ReadDescriptorProcs procs = {};
-    procs.numReadDescriptorProcs = kReadDescriptorProcsCount;
-    procs.openReadDescriptorProc = [](Handle descriptor, OSType *keys) {
-        position = 0;
-        askedKeys.clear();
-        for (; *keys != 0; ++keys) {
-            askedKeys.push_back(*keys);
-        }
-        openTokens += descriptor != nullptr;
-        return reinterpret_cast<PIReadDescriptor>(descriptor);
-    };
-    procs.closeReadDescriptorProc = [](PIReadDescriptor) {
-        --openTokens;
-        return noErr;
-    };
-    procs.getKeyProc = [](PIReadDescriptor, OSType *key, OSType *type, int32_t *flags) -> Boolean {
-        if (position == playing.size()) {
-            return false;
-        }
-        *key = playing[position].key;
-        *type = playing[position].type;
-        *flags = 0;
-        ++position;
-        return true;
-    };
-    procs.getIntegerProc = [](PIReadDescriptor, int32_t *value) { return GetNumber(typeInteger, value); };
-    procs.getFloatProc = [](PIReadDescriptor, double *value) { return GetNumber(typeFloat, value); };
-    procs.getBooleanProc = [](PIReadDescriptor, Boolean *value) { return GetNumber(typeBoolean, value); };
-    procs.getEnumeratedProc = [](PIReadDescriptor, OSType *value) {
-        return GetNumber(typeEnumerated, value);
-    };
-    procs.getTextProc = [](PIReadDescriptor, Handle *text) {
-        const Item *item = Current(typeText);
-        if (item == nullptr || item->error != noErr) {
-            return item == nullptr ? paramErr : item->error;
-        }
-        *text = NewHandle(static_cast<int64_t>(item->text.size()));
-        std::memcpy(**text, item->text.data(), item->text.size());
-        return noErr;
-    };
-    return procs;
-}
-
-inline WriteDescriptorProcs MakeWriteProcs() {
-    WriteDescriptorProcs procs = {};
-    procs.numWriteDescriptorProcs = kWriteDescriptorProcsCount;
-    procs.openWriteDescriptorProc = [] {
-        recorded.clear();
-        ++openTokens;
-        return reinterpret_cast<PIWriteDescriptor>(&recorded);
-    };
-    procs.closeWriteDescriptorProc = [](PIWriteDescriptor, Handle *descriptor) {
-        --openTokens;
-        *descriptor = closeError == noErr ? NewHandle(1) : nullptr;
-        return closeError;
-    };
-    procs.putIntegerProc = [](PIWriteDescriptor, OSType key, int32_t value) {
-        return Put({key, typeInteger, static_cast<double>(value)});
-    };
-    procs.putFloatProc = [](PIWriteDescriptor, OSType key, const double *value) {
-        return Put({key, typeFloat, *value});
-    };
-    procs.putBooleanProc = [](PIWriteDescriptor, OSType key, Boolean value) {
-        return Put({key, typeBoolean, static_cast<double>(value)});
-    };
-    procs.putTextProc = [](PIWriteDescriptor, OSType key, Handle text) {
-        return Put({key, typeText, 0, std::string(*text, static_cast<size_t>(GetHandleSize(text)))});
-    };
-    procs.putEnumeratedProc = [](PIWriteDescriptor, OSType key, OSType type, OSType value) {
-        return Put({key, typeEnumerated, static_cast<double>(static_cast<int32_t>(value)), {}, type});
-    };
-    return procs;
-}
-
-inline ReadDescriptorProcs readProcs = MakeReadProcs();
-inline WriteDescriptorProcs writeProcs = MakeWriteProcs();
+extern std::vector<Item> recorded;     // what was written
+extern std::vector<OSType> askedKeys;  // those that the reader was opened with, the closing 0 aside
+extern int openTokens;                 // readers and writers that are not closed
+extern OSErr closeError;               // what closing a writer gives
+extern ReadDescriptorProcs readProcs;
+extern WriteDescriptorProcs writeProcs;
 
 // Plays `items`; a host without a recorded action has no descriptor. The caller disposes of `descriptor`.
-inline PIDescriptorParameters Parameters(std::vector<Item> items, int16_t playInfo) {
-    playing = std::move(items);
-    recorded.clear();
-    closeError = noErr;
-    return {
-        kDescriptorParametersVersion, playInfo, plugInDialogOptional, NewHandle(1), &writeProcs, &readProcs};
-}
+PIDescriptorParameters Parameters(std::vector<Item> items, int16_t playInfo);
 
 }  // namespace script

@@ -15,4 +15,4 @@ struct TestFilter {
     int processedBits = 0;  // of the samples that the last run had filtered
 };
 
-inline TestFilter testFilter;
+extern TestFilter testFilter;

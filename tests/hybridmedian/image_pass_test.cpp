@@ -3,6 +3,7 @@
 #include "tests/support/filtered_image.h"
 #include "tests/support/scratch_folder.h"
 #include "toolkit/filter_hooks.h"
+#include "toolkit/run_context.h"
 
 namespace {
 

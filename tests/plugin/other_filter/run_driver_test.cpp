@@ -7,7 +7,7 @@
 #include "photoshop/image_modes.h"
 #include "plugin/entry.h"
 #include "plugin/samples.h"
-#include "tests/outputs/test_filter.h"
+#include "tests/plugin/other_filter/test_filter.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/test_host.h"
 #include "tests/support/test_images.h"

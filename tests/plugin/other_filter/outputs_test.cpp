@@ -11,7 +11,7 @@
 #include "photoshop/image_modes.h"
 #include "platform/files.h"
 #include "platform/posix_paths.h"
-#include "tests/outputs/test_filter.h"
+#include "tests/plugin/other_filter/test_filter.h"
 #include "tests/support/dates.h"
 #include "tests/support/key_name_table.h"
 #include "tests/support/scratch_folder.h"

@@ -1,4 +1,7 @@
 // Files that are no sound pictures, or say that they are larger than anyone would want.
+#include <algorithm>
+#include <random>
+
 #include "host/picture/picture.h"
 #include "tests/host/program_fixture.h"
 #include "tests/support/test_images.h"

@@ -1,4 +1,6 @@
-#include "tests/outputs/test_filter.h"
+#include "tests/plugin/other_filter/test_filter.h"
+
+TestFilter testFilter;
 
 OSErr GetDefaultSettings(RunContext *context, SPBlock *settings) {
     testFilter.processedBits = 0;
