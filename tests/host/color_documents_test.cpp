@@ -6,9 +6,7 @@
 
 #include "hybridmedian/public.h"
 #include "photoshop/image_modes.h"
-#include "platform/memory.h"
 #include "tests/host/program_fixture.h"
-#include "tests/support/script_host.h"
 #include "tests/support/test_host.h"
 
 namespace {
@@ -149,12 +147,7 @@ class ColorDocuments : public Program {
         TestDocument document = {
             samples.kind.mode,       samples.kind.depth, static_cast<int16_t>(samples.planes),
             {0, 0, kHeight, kWidth}, samples.Bytes(),    {}};
-        PIDescriptorParameters parameters =
-            script::Parameters({{kRadiusKey, typeFloat, 2}}, plugInDialogDontDisplay);
-        TestHostOptions options;
-        options.descriptorParameters = &parameters;
-        const TestRun run = RunPlugin(document, options);
-        DisposeHandle(parameters.descriptor);
+        const TestRun run = RunScripted(document, {{kRadiusKey, typeFloat, 2}});
         EXPECT_EQ(run.result, noErr);
         return Samples::FromBytes(samples.kind, samples.planes, run.destination.data());
     }
@@ -170,7 +163,7 @@ TEST_F(ColorDocuments, MatchThePluginSampleForSample) {
             WriteTiff("in.tif", samples);
             const Ended ended = Wait(Start({"in.tif", "-o", "out.tif", "-r", "2", "-f"}));
             ASSERT_EQ(ended.status, 0) << ended.err;
-            const std::string contents = Contents(folder / "out.tif");
+            const std::string contents = ContentsOf(folder / "out.tif");
             const Samples result = ReadTiff(samples, contents);
 
             const Conversion extraIn = kind.depth == 8 ? Same : To32768;
@@ -188,7 +181,7 @@ TEST_F(ColorDocuments, MatchThePluginSampleForSample) {
             // What the program wrote, it reads as it was: outside of a rectangle nothing changes any more.
             ASSERT_EQ(Wait(Start({"out.tif", "-o", "in.tif", "-f", "--select", "0,0,1,1", "-r", "1"})).status,
                       0);
-            const Samples again = ReadTiff(samples, Contents(folder / "in.tif"));
+            const Samples again = ReadTiff(samples, ContentsOf(folder / "in.tif"));
             const auto planes = static_cast<ptrdiff_t>(samples.planes);
             EXPECT_TRUE(std::equal(again.values.begin() + planes, again.values.end(),
                                    result.values.begin() + planes));

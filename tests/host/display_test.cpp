@@ -61,7 +61,7 @@ class Display : public Program {
 
     // The screen is black until a window covers most of it.
     bool ShowsWindow() const {
-        const std::string screen = Contents(output / "Xvfb_screen0");
+        const std::string screen = ContentsOf(output / "Xvfb_screen0");
         return std::count(screen.begin(), screen.end(), '\0') < static_cast<int64_t>(screen.size()) / 2;
     }
 

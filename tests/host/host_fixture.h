@@ -17,8 +17,6 @@ class HostTest : public ScratchFolder {
     // The module stays loaded, and keeps a block of its own from its first call on.
     static void SetUpTestSuite();
 
-    std::string Path(const std::string &name) const { return (folder / name).string(); }
-
     static Module realFilter;
 };
 

@@ -8,14 +8,7 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <random>
-
-std::string Contents(const std::filesystem::path &path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 void Program::SetUpTestSuite() {
     ASSERT_TRUE(StartVips("host_test"));
@@ -96,12 +89,8 @@ Ended Program::Wait(pid_t child) {
     int status = 0;
     rusage usage = {};
     wait4(child, &status, 0, &usage);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Contents(output / "out"), Contents(output / "err"),
-            usage.ru_maxrss / 1024};
-}
-
-void Program::WriteBytes(const std::string &name, const std::string &bytes) {
-    std::ofstream(folder / name, std::ios::binary) << bytes;
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ContentsOf(output / "out"),
+            ContentsOf(output / "err"), usage.ru_maxrss / 1024};
 }
 
 void Program::WriteNoise(const std::string &name, int width, int height, int bands, VipsBandFormat format,
@@ -112,12 +101,4 @@ void Program::WriteNoise(const std::string &name, int width, int height, int ban
         vips_image_new_from_memory(bytes.data(), bytes.size(), width, height, bands, format));
     image->Type = interpretation;
     ASSERT_EQ(vips_image_write_to_file(image.get(), Path(name).c_str(), nullptr), 0) << vips_error_buffer();
-}
-
-std::set<std::string> Program::Names() const {
-    std::set<std::string> names;
-    for (const auto &entry : std::filesystem::directory_iterator(folder)) {
-        names.insert(entry.path().filename());
-    }
-    return names;
 }

@@ -6,7 +6,6 @@
 #include <vips/vips.h>
 
 #include <cstdint>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -18,8 +17,6 @@ struct Ended {
     std::string out, err;
     int64_t megabytes;  // of memory, at its most
 };
-
-std::string Contents(const std::filesystem::path &path);
 
 class Program : public ScratchFolder {
   protected:
@@ -33,17 +30,10 @@ class Program : public ScratchFolder {
 
     Ended Wait(pid_t child);
 
-    std::string Path(const std::string &name) const { return (folder / name).string(); }
-
-    void WriteBytes(const std::string &name, const std::string &bytes);
-
     // A picture of grey noise in the given format and colour space.
     void WriteNoise(const std::string &name, int width, int height, int bands,
                     VipsBandFormat format = VIPS_FORMAT_UCHAR,
                     VipsInterpretation interpretation = VIPS_INTERPRETATION_sRGB);
-
-    // Of all that is in the test's folder.
-    std::set<std::string> Names() const;
 
     std::string executable = HYMEDIAN_PROGRAM;  // that is started next
     std::vector<int> descriptors;  // that the next program is born with, behind the standard ones

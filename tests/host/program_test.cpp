@@ -31,20 +31,20 @@ TEST_F(Program, FailsWithOneSentenceAndLeavesNothing) {
     WriteNoise("other.png", 40, 30, 3);
     WriteNoise("whole.jpg", 40, 30, 3);
     for (const char *name : {"whole.jpg", "good.png", "good.tif"}) {
-        const std::string whole = Contents(folder / name);
+        const std::string whole = ContentsOf(folder / name);
         WriteBytes(std::string("cut-") + name, whole.substr(0, whole.size() * 2 / 3));
     }
     // A PNG whose width says 0.
-    std::string zero = Contents(folder / "good.png");
+    std::string zero = ContentsOf(folder / "good.png");
     std::fill_n(zero.begin() + 16, 4, '\0');
     WriteBytes("zero.png", zero);
     // Two frames of animation are announced right behind the header.
-    std::string animated = Contents(folder / "good.png");
+    std::string animated = ContentsOf(folder / "good.png");
     animated.insert(33, std::string("\0\0\0\x08"
                                     "acTL\0\0\0\2\0\0\0\0\xF3\x8D\x93\x70",
                                     20));
     WriteBytes("animated.png", animated);
-    std::string checksum = Contents(folder / "good.png");
+    std::string checksum = ContentsOf(folder / "good.png");
     checksum[29] ^= 1;
     WriteBytes("checksum.png", checksum);
     WriteBytes("empty.png", "");
@@ -61,7 +61,7 @@ TEST_F(Program, FailsWithOneSentenceAndLeavesNothing) {
         fs::create_directory(folder / name);
         fs::create_symlink(plugin / "HybridMedian.so", folder / name / "HybridMedian.so");
     }
-    std::string resources = Contents(plugin / "HybridMedian.rsrc");
+    std::string resources = ContentsOf(plugin / "HybridMedian.rsrc");
     WriteBytes("cut/HybridMedian.rsrc", resources.substr(0, resources.size() - 5));
     resources[resources.find("mode") + 12] = 0;
     WriteBytes("modes/HybridMedian.rsrc", resources);
@@ -151,22 +151,22 @@ TEST_F(Program, WritesWhereItMay) {
     WriteNoise("in.png", 40, 30, 3);
     WriteNoise("old.png", 8, 8, 3);
     fs::create_symlink("in.png", folder / "link.png");
-    const std::string noise = Contents(folder / "in.png");
+    const std::string noise = ContentsOf(folder / "in.png");
 
     const Ended plain = Wait(Start({"in.png", "-o", "out [x=1].png", "-r", "2"}));
     EXPECT_EQ(plain.status, 0) << plain.err;
     EXPECT_EQ(plain.out.find("in.png -> out [x=1].png: 40 x 30 RGB, 8 bits, radius 2, "), 0U) << plain.out;
     EXPECT_EQ(plain.err, "") << "a bar without a terminal";
 
-    const std::string filtered = Contents(folder / "out [x=1].png");
+    const std::string filtered = ContentsOf(folder / "out [x=1].png");
     const Ended forced = Wait(Start({"in.png", "-o", "old.png", "-f", "-q", "-r", "2"}));
     EXPECT_EQ(forced.out, "");
-    EXPECT_EQ(Contents(folder / "old.png"), filtered);
-    EXPECT_EQ(Contents(folder / "in.png"), noise);
+    EXPECT_EQ(ContentsOf(folder / "old.png"), filtered);
+    EXPECT_EQ(ContentsOf(folder / "in.png"), noise);
 
     EXPECT_EQ(Wait(Start({"link.png", "--in-place", "-r", "2"})).status, 0);
     EXPECT_TRUE(fs::is_symlink(folder / "link.png"));
-    EXPECT_EQ(Contents(folder / "in.png"), filtered);
+    EXPECT_EQ(ContentsOf(folder / "in.png"), filtered);
     EXPECT_EQ(FileCount(), 4U) << "something was left over";
 }
 
@@ -228,14 +228,14 @@ TEST_F(Program, ReplacedInputsKeepOwnerAndPermissions) {
         SCOPED_TRACE(testing::Message() << test.givesAway << test.force << test.permissions);
         fs::remove(folder / "in.png");
         WriteNoise("in.png", 40, 30, 3);
-        const std::string noise = Contents(folder / "in.png");
+        const std::string noise = ContentsOf(folder / "in.png");
         fs::permissions(folder / "in.png", static_cast<fs::perms>(test.permissions));
         ASSERT_EQ(chown(Path("in.png").c_str(), owner, group), 0);
         givesFilesAway = test.givesAway;
         std::vector<std::string> arguments = {"in.png", "--in-place", "-r", "1"};
         arguments.resize(arguments.size() + test.force, "--force");
         EXPECT_EQ(Wait(Start(arguments)).err, test.told);
-        EXPECT_EQ(Contents(folder / "in.png") == noise, *test.told != '\0');
+        EXPECT_EQ(ContentsOf(folder / "in.png") == noise, *test.told != '\0');
         EXPECT_EQ(PermissionsOf(folder / "in.png"), test.permissions);
         struct stat info = {};
         ASSERT_EQ(stat(Path("in.png").c_str(), &info), 0);
@@ -255,7 +255,7 @@ TEST_F(Program, LinksUnderItsOwnNamesAreNotFollowed) {
     }
     fs::create_symlink("precious", folder / ".hymedian-XXXXXX.png");
     EXPECT_EQ(Wait(Start({"in.png", "-o", "out.png", "-r", "3"})).status, 0);
-    EXPECT_EQ(Contents(folder / "precious"), "precious");
+    EXPECT_EQ(ContentsOf(folder / "precious"), "precious");
     const Ended remembered = Wait(Start({"in.png", "-o", "out.png", "-f"}));
     EXPECT_NE(remembered.out.find("radius 3"), std::string::npos) << remembered.out;
 }
@@ -345,8 +345,8 @@ TEST_F(Program, AnyNumberOfJobsGivesTheSameFile) {
             withJobs.insert(withJobs.end(), {"--jobs", jobs});
             const Ended ended = Wait(Start(withJobs));
             ASSERT_EQ(ended.status, 0) << ended.err;
-            results.insert(Contents(folder / "out.tif"));
-            preferences.insert(Contents(output / "preferences/WEMBpref"));
+            results.insert(ContentsOf(folder / "out.tif"));
+            preferences.insert(ContentsOf(output / "preferences/WEMBpref"));
             summaries.insert(ended.out.substr(0, ended.out.rfind(',')));
         }
         EXPECT_EQ(results.size(), 1u);
@@ -403,9 +403,9 @@ TEST_F(Program, SelectionsAndMasksKeepTheRest) {
     const auto result = [&](std::vector<std::string> options) {
         options.insert(options.begin(), {"in.tif", "-o", "out.tif", "-f", "-r", "2"});
         EXPECT_EQ(Wait(Start(options)).status, 0);
-        return Contents(folder / "out.tif");
+        return ContentsOf(folder / "out.tif");
     };
-    const std::string in = Contents(folder / "in.tif").substr(8, 60 * 40 * 8);
+    const std::string in = ContentsOf(folder / "in.tif").substr(8, 60 * 40 * 8);
     const std::string whole = result({}).substr(8, 60 * 40 * 8);
     EXPECT_EQ(result({"--mask", "white16.png"}).substr(8, 60 * 40 * 8), whole);
     EXPECT_EQ(result({"--mask", "black16.png"}).substr(8, 60 * 40 * 8), in);
@@ -429,8 +429,8 @@ TEST_F(Program, RecordsAndPlays) {
     EXPECT_EQ(Wait(Start({"in.png", "-o", "b.png", "-r", "1"})).status, 0);
     const Ended played = Wait(Start({"in.png", "-o", "c.png", "--play", "r.json"}));
     EXPECT_NE(played.out.find("radius 2,"), std::string::npos) << played.out;
-    EXPECT_EQ(Contents(folder / "a.png"), Contents(folder / "c.png"));
-    EXPECT_NE(Contents(folder / "a.png"), Contents(folder / "b.png"));
+    EXPECT_EQ(ContentsOf(folder / "a.png"), ContentsOf(folder / "c.png"));
+    EXPECT_NE(ContentsOf(folder / "a.png"), ContentsOf(folder / "b.png"));
     const OwnedObject<VipsImage> both(vips_image_new_from_file(Path("both.png").c_str(), nullptr));
     ASSERT_NE(both, nullptr);
     EXPECT_EQ(vips_image_get_width(both.get()), 2 * 40 + 8);
@@ -439,7 +439,7 @@ TEST_F(Program, RecordsAndPlays) {
     WriteBytes("half.json", R"({"event": "HyMd", "parameters": {"nRad": {"type": "float", "value": 2.5}}})");
     const Ended half = Wait(Start({"in.png", "-o", "half.png", "--play", "half.json"}));
     EXPECT_NE(half.out.find("radius 2,"), std::string::npos) << half.out;
-    EXPECT_EQ(Contents(folder / "half.png"), Contents(folder / "a.png"));
+    EXPECT_EQ(ContentsOf(folder / "half.png"), ContentsOf(folder / "a.png"));
     // A radius that no action keeps is known only when the filter has run.
     EXPECT_EQ(Wait(Start({"in.png", "-o", "five.png", "-r", "5"})).status, 0);
     const std::set<std::string> before = Names();
@@ -475,7 +475,7 @@ TEST_F(Program, OneFailureDoesNotStopABatch) {
 TEST_F(Program, WithoutWorkersEveryPictureFails) {
     WriteNoise("a.png", 40, 30, 3);
     WriteNoise("b.png", 40, 30, 3);
-    const std::string noise = Contents(folder / "a.png");
+    const std::string noise = ContentsOf(folder / "a.png");
     descriptorLimit = 60;  // too few to pass any on
     const Ended ended = Wait(Start({"a.png", "b.png", "--in-place", "-j", "2"}));
     EXPECT_EQ(ended.status, 1);
@@ -483,7 +483,7 @@ TEST_F(Program, WithoutWorkersEveryPictureFails) {
     EXPECT_EQ(ended.err,
               "hymedian: a.png: no worker process can be started; --jobs 1 does without.\n"
               "hymedian: b.png: no worker process can be started; --jobs 1 does without.\n");
-    EXPECT_EQ(Contents(folder / "a.png"), noise);
+    EXPECT_EQ(ContentsOf(folder / "a.png"), noise);
 }
 
 // Where a file may not grow any more, as on a full disk.
@@ -571,8 +571,8 @@ std::set<std::string> OptionsIn(const std::string &text, const char *line) {
 
 TEST_F(Program, HelpReadmeAndManualNameTheSameOptions) {
     const std::string help = Wait(Start({"--help"})).out;
-    const std::string readme = Contents(HYMEDIAN_README);
-    const std::string manual = Contents(HYMEDIAN_MANUAL);
+    const std::string readme = ContentsOf(HYMEDIAN_README);
+    const std::string manual = ContentsOf(HYMEDIAN_MANUAL);
     const std::set<std::string> options = OptionsIn(help, R"(\n  (-.*?)(?=\n|  | Excludes))");
     EXPECT_GT(options.size(), 15u);
     EXPECT_EQ(OptionsIn(readme, R"(\n\| `(-[^`]*)` \|)"), options);

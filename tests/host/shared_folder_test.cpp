@@ -4,10 +4,9 @@
 
 #include <vector>
 
+#include "hybridmedian/public.h"
 #include "photoshop/image_modes.h"
-#include "platform/memory.h"
 #include "tests/support/scratch_folder.h"
-#include "tests/support/script_host.h"
 #include "tests/support/test_host.h"
 #include "tests/support/test_images.h"
 
@@ -18,12 +17,7 @@ constexpr int kRounds = 100;
 class SharedFolder : public ScratchFolder {
   protected:
     static std::vector<uint8_t> Filter(const TestDocument &document, double radius) {
-        PIDescriptorParameters parameters =
-            script::Parameters({{FourCharCode("nRad"), typeFloat, radius}}, plugInDialogDontDisplay);
-        TestHostOptions options;
-        options.descriptorParameters = &parameters;
-        const TestRun run = RunPlugin(document, options);
-        DisposeHandle(parameters.descriptor);
+        const TestRun run = RunScripted(document, {{kRadiusKey, typeFloat, radius}});
         return run.result == noErr ? run.destination : std::vector<uint8_t>();
     }
 

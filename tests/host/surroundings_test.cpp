@@ -39,7 +39,7 @@ TEST_F(Surroundings, LockedPreferencesAreDoneWithout) {
     std::vector<std::string> withRadius = command;
     withRadius.insert(withRadius.end(), {"-r", "3"});
     ASSERT_EQ(Wait(Start(withRadius)).status, 0);
-    const std::string remembered = Contents(preferences);
+    const std::string remembered = ContentsOf(preferences);
 
     const HeldLock other(preferences, std::chrono::seconds(10));
     const Ended ended = Wait(Start(command));
@@ -47,7 +47,7 @@ TEST_F(Surroundings, LockedPreferencesAreDoneWithout) {
     EXPECT_EQ(ended.status, 0);
     EXPECT_EQ(ended.err, "");
     EXPECT_NE(ended.out.find("radius 1"), std::string::npos) << ended.out;
-    EXPECT_EQ(Contents(preferences), remembered);
+    EXPECT_EQ(ContentsOf(preferences), remembered);
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include <cfloat>
 #include <cmath>
 #include <cstring>
-#include <fstream>
 #include <functional>
 
 #include "imagestore/strings.h"
@@ -65,10 +64,7 @@ class Log : public ScratchFolder {
 
     void PlaceBeside(const char *path) { DuplicateCString(path, basePath, kTextSize); }
 
-    std::string Page(const char *path) const {
-        std::ifstream file(folder / path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    std::string Page(const char *path) const { return ContentsOf(folder / path); }
 
     char basePath[kTextSize] = {};
     RunContext context = {};
@@ -103,14 +99,14 @@ TEST_F(Log, PagesGrowByARunAtATime) {
     EXPECT_EQ(Page("photo/index.html"), expected);
 
     // A page that was cut short is written from its start.
-    std::ofstream(folder / "photo/index.html") << "short";
+    WriteBytes("photo/index.html", "short");
     LogCString(&context, "x");
     _CloseIndexHTML();
     EXPECT_EQ(Page("photo/index.html"), "x\r<br>\r<hr>\r</body>\r</html>\r");
 }
 
 TEST_F(Log, PlaceOfThePageFollowsTheDocument) {
-    std::ofstream(folder / "taken") << "a document";
+    WriteBytes("taken", "a document");
     const struct {
         const char *document;
         OSErr result;
@@ -132,7 +128,7 @@ TEST_F(Log, PlaceOfThePageFollowsTheDocument) {
         }
     }
     std::filesystem::create_directory(folder / "My.Folder/plain+HTML");
-    std::ofstream(folder / "My.Folder/plain+HTML/index.html") << "</body>\r</html>\r";
+    WriteBytes("My.Folder/plain+HTML/index.html", "</body>\r</html>\r");
     PlaceBeside("Disk:My.Folder:plain");
     EXPECT_EQ(LogCString(&context, "x"), noErr);
     _CloseIndexHTML();

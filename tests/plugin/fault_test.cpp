@@ -4,9 +4,7 @@
 #include <iterator>
 
 #include "photoshop/image_modes.h"
-#include "platform/memory.h"
 #include "tests/support/dialog_session.h"
-#include "tests/support/script_host.h"
 #include "tests/support/test_host.h"
 
 namespace {
@@ -56,19 +54,16 @@ TestDocument DocumentOf(const RunCase &c) {
 
 class Faults : public DialogTest {
   protected:
-    TestRun Play(const RunCase &c, const TestDocument &document, TestHostOptions options = {}) {
+    TestRun Play(const RunCase &c, const TestDocument &document, const TestHostOptions &options = {}) {
         const int64_t blocks = faults::BlocksInUse();
         const int64_t bytes = faults::BytesInUse();
-        PIDescriptorParameters parameters = script::Parameters(
-            {{FourCharCode("nRad"), typeFloat, 2}}, c.dialog ? plugInDialogDisplay : plugInDialogDontDisplay);
-        options.descriptorParameters = &parameters;
         session = {};
         session.actions = kAnswer;
         UseScriptedDialogs(&session);
         faults::RefuseTemporaryMemory(c.onDisk);
-        TestRun run = RunPlugin(document, options);
+        TestRun run = RunScripted(document, {{kRadiusKey, typeFloat, 2}}, options,
+                                  c.dialog ? plugInDialogDisplay : plugInDialogDontDisplay);
         faults::RefuseTemporaryMemory(false);
-        DisposeHandle(parameters.descriptor);
         ExpectNothingKeptButLineBuffers(c, faults::BlocksInUse() - blocks, faults::BytesInUse() - bytes);
         return run;
     }

@@ -1,7 +1,6 @@
 // Whole runs of the plug-in through its entry.
 #include <bit>
 #include <cstring>
-#include <fstream>
 
 #include "hybridmedian/public.h"
 #include "photoshop/image_modes.h"
@@ -11,7 +10,6 @@
 #include "settings/setting_registry.h"
 #include "tests/support/filtered_image.h"
 #include "tests/support/scratch_folder.h"
-#include "tests/support/script_host.h"
 #include "tests/support/test_host.h"
 #include "toolkit/filter_hooks.h"
 #include "toolkit/run_context.h"
@@ -21,12 +19,7 @@ namespace {
 class Run : public ScratchFolder {
   protected:
     TestRun Play(const TestDocument &document, double radius, TestHostOptions options = {}) {
-        PIDescriptorParameters parameters =
-            script::Parameters({{kRadiusKey, typeFloat, radius}}, plugInDialogDontDisplay);
-        options.descriptorParameters = &parameters;
-        TestRun run = RunPlugin(document, options);
-        DisposeHandle(parameters.descriptor);
-        return run;
+        return RunScripted(document, {{kRadiusKey, typeFloat, radius}}, options);
     }
 };
 
@@ -272,7 +265,7 @@ TEST_F(Run, RecordsTheRadiusThatWasUsed) {
 TEST_F(Run, LeftOversOfDeadRunsGoAndLivingRunsKeepTheirs) {
     const char *names[] = {"BackingStore", "TempImage", "AlphaImage", "SelectionImage"};
     for (const char *name : names) {
-        std::ofstream(folder / name) << "left by a run that died";
+        WriteBytes(name, "left by a run that died");
     }
     const TestDocument document = Document(plugInModeRGBColor, 8, 3, 5, 4);
     EXPECT_EQ(Play(document, 1).result, noErr);

@@ -1,8 +1,6 @@
 #include "settings/key_names.h"
+
 #include "hybridmedian/public.h"
-
-#include <fstream>
-
 #include "imagestore/strings.h"
 #include "platform/files.h"
 #include "platform/posix_paths.h"
@@ -15,13 +13,7 @@
 
 namespace {
 
-class KeyNames : public ScratchFolder {
-  protected:
-    void TearDown() override {
-        faults::RemoveResources();
-        ScratchFolder::TearDown();
-    }
-};
+class KeyNames : public ScratchFolder {};
 
 TEST_F(KeyNames, UnitsFollowTheirCode) {
     AddKeyNameTable({{"aaaa", "Width", "cur1"},
@@ -116,8 +108,7 @@ TEST_F(KeyNames, SettingsAreDumpedByKind) {
     SetSPInputSettingCString(block, 4, nullptr);
     _DisposeSPBlock(block);
 
-    std::ifstream dump(folder / "dump", std::ios::binary);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(dump), {}),
+    EXPECT_EQ(ContentsOf(folder / "dump"),
               "0: Type = FLOAT\tKey = nRad\tMin = 0.0\tMax = 4.00000\tValue = 2.50000\r"
               "1: Type = LONG\tKey = long\tMin = -5\tMax = 5\tValue = 1\r"
               "2: Type = RADIO/rBsh\tKey = shap\tMin = 1\tMax = 3\tValue = 2\r"

@@ -8,15 +8,12 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <fstream>
 #include <functional>
 #include <thread>
 
 #include "imagestore/strings.h"
 #include "photoshop/image_modes.h"
-#include "platform/memory.h"
 #include "tests/support/scratch_folder.h"
-#include "tests/support/script_host.h"
 #include "tests/support/test_host.h"
 
 namespace {
@@ -25,21 +22,14 @@ constexpr int64_t kFileSize = 53248;
 
 class PreferencesFile : public ScratchFolder {
   protected:
-    std::string Contents() const {
-        std::ifstream file(folder / "WEMBpref", std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    std::string Contents() const { return ContentsOf(folder / "WEMBpref"); }
 
-    void Replace(const std::string &contents) const {
-        std::ofstream(folder / "WEMBpref", std::ios::binary) << contents;
-    }
+    void Replace(const std::string &contents) const { WriteBytes("WEMBpref", contents); }
 
     // A run of the plug-in over a tiny picture; returns the radius that it recorded.
     double Run(std::vector<script::Item> action) {
         const TestDocument document = {plugInModeGrayScale, 8, 1, {0, 0, 2, 2}, {1, 2, 3, 4}, {}};
-        PIDescriptorParameters parameters = script::Parameters(std::move(action), plugInDialogDontDisplay);
-        EXPECT_EQ(RunPlugin(document, {true, -1, &parameters}).result, noErr);
-        DisposeHandle(parameters.descriptor);
+        EXPECT_EQ(RunScripted(document, std::move(action)).result, noErr);
         return script::recorded.at(0).number;
     }
 

@@ -16,11 +16,6 @@ uint8_t *ItemBounds(std::vector<uint8_t> *list, int16_t item) {
     return list->data() + at + 4;
 }
 
-void DialogTest::TearDown() {
-    faults::RemoveResources();
-    ScratchFolder::TearDown();
-}
-
 void DialogTest::PutShort(uint8_t *bytes, int32_t value) {
     bytes[0] = static_cast<uint8_t>(value >> 8);
     bytes[1] = static_cast<uint8_t>(value);

@@ -42,8 +42,6 @@ class DialogTest : public ScratchFolder {
     DialogTest() { InstallDialog(100, 80); }
     ~DialogTest() override { UseScriptedDialogs(nullptr); }
 
-    void TearDown() override;
-
     // The dialog with a preview of another size at its usual place.
     void InstallDialog(int16_t previewWidth, int16_t previewHeight);
 

@@ -1,8 +1,13 @@
 #include "tests/support/scratch_folder.h"
 
 #include <cstdlib>
+#include <fstream>
 #include <iterator>
-#include <string>
+
+std::string ContentsOf(const std::filesystem::path &path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
 
 ScratchFolder::ScratchFolder() {
     std::string name = testing::TempDir() + "hymedian-XXXXXX";
@@ -21,10 +26,23 @@ ScratchFolder::~ScratchFolder() {
 }
 
 void ScratchFolder::TearDown() {
+    faults::RemoveResources();
     EXPECT_EQ(faults::BlocksInUse(), blocksBefore + blocksKept) << "blocks were not released";
 }
 
 size_t ScratchFolder::FileCount() const {
-    const auto count = std::distance(std::filesystem::directory_iterator(folder), {});
-    return static_cast<size_t>(count) - (std::filesystem::exists(folder / "WEMBpref") ? 1 : 0);
+    const std::set<std::string> names = Names();
+    return names.size() - names.count("WEMBpref");
+}
+
+std::set<std::string> ScratchFolder::Names(const std::string &subfolder) const {
+    std::set<std::string> names;
+    for (const auto &entry : std::filesystem::directory_iterator(folder / subfolder)) {
+        names.insert(entry.path().filename());
+    }
+    return names;
+}
+
+void ScratchFolder::WriteBytes(const std::string &name, const std::string &bytes) const {
+    std::ofstream(folder / name, std::ios::binary) << bytes;
 }

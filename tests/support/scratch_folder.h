@@ -5,8 +5,12 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <set>
+#include <string>
 
 #include "platform/faults/fault_injection.h"
+
+std::string ContentsOf(const std::filesystem::path &path);
 
 class ScratchFolder : public testing::Test {
   protected:
@@ -17,6 +21,13 @@ class ScratchFolder : public testing::Test {
 
     // Files that a run leaves behind, the preferences aside.
     size_t FileCount() const;
+
+    std::string Path(const std::string &name) const { return (folder / name).string(); }
+
+    // Of all that is in the folder, or in the one of that name in it.
+    std::set<std::string> Names(const std::string &subfolder = ".") const;
+
+    void WriteBytes(const std::string &name, const std::string &bytes) const;
 
     std::filesystem::path folder;
     int64_t blocksKept = 0;  // that were seen to stay, and are to

@@ -153,3 +153,12 @@ TestRun RunPlugin(const TestDocument &document, const TestHostOptions &options) 
     session = nullptr;
     return current.run;
 }
+
+TestRun RunScripted(const TestDocument &document, std::vector<script::Item> items, TestHostOptions options,
+                    int16_t playInfo) {
+    PIDescriptorParameters parameters = script::Parameters(std::move(items), playInfo);
+    options.descriptorParameters = &parameters;
+    TestRun run = RunPlugin(document, options);
+    DisposeHandle(parameters.descriptor);
+    return run;
+}

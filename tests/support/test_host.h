@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "photoshop/filter_record.h"
+#include "tests/support/script_host.h"
 
 struct TestDocument {
     int16_t imageMode;
@@ -35,5 +36,9 @@ struct TestRun {
 
 // Prepare, Start, Continue, Finish, then disposes of the plug-in's data.
 TestRun RunPlugin(const TestDocument &document, const TestHostOptions &options);
+
+// With a recorded action that holds `items`.
+TestRun RunScripted(const TestDocument &document, std::vector<script::Item> items,
+                    TestHostOptions options = {}, int16_t playInfo = plugInDialogDontDisplay);
 
 int32_t RowBytes(const TestDocument &document);

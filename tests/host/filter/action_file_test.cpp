@@ -14,7 +14,7 @@ class ActionFile : public HostTest {
   protected:
     // The sentence; empty for success.
     std::string Read(const std::string &text, Action *action) {
-        std::ofstream(folder / "action.json", std::ios::binary) << text;
+        WriteBytes("action.json", text);
         const MaybeFailure failure = ReadAction(Path("action.json"), action);
         return failure ? failure->sentence : "";
     }

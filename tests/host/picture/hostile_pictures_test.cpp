@@ -15,15 +15,7 @@ class HostilePictures : public Program {
   protected:
     std::string NoiseIn(const char *name) {
         WriteNoise(name, 24, 18, 3);
-        return Contents(folder / name);
-    }
-
-    std::set<std::string> NamesIn(const fs::path &path) {
-        std::set<std::string> names;
-        for (const auto &entry : fs::directory_iterator(path)) {
-            names.insert(entry.path().filename());
-        }
-        return names;
+        return ContentsOf(folder / name);
     }
 };
 
@@ -68,7 +60,7 @@ TEST_F(HostilePictures, EndInOneSentenceAndTakeNoMemory) {
     const std::string webp = NoiseIn("a.webp");
     const std::string noise = png.substr(60) + jpeg.substr(60);
     WriteNoise("frames.webp[page-height=9]", 24, 18, 3);
-    const std::string frames = Contents(folder / "frames.webp");
+    const std::string frames = ContentsOf(folder / "frames.webp");
     const char *const tooLarge = "--max-megapixels";
     const struct {
         const char *name;
@@ -146,7 +138,7 @@ TEST_F(HostilePictures, AnyDamageIsSurvived) {
     arguments.insert(arguments.end(), {"-o", "out", "-q", "-r", "1", "-j", "2", "--max-megapixels", "1"});
     const Ended ended = Wait(Start(arguments));
     EXPECT_EQ(ended.status, 1);
-    std::set<std::string> done = NamesIn(folder / "out");
+    std::set<std::string> done = Names("out");
     size_t failed = 0;
     for (const std::string &input : inputs) {
         const bool told = ("\n" + ended.err).find("\nhymedian: " + input + ": ") != std::string::npos;

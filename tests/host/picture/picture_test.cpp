@@ -2,8 +2,6 @@
 #include "host/picture/picture.h"
 #include "host/picture/file_probe.h"
 
-#include <fstream>
-
 #include "host/picture/picture_format.h"
 #include "host/picture/picture_mode.h"
 #include "host/picture/picture_writer.h"
@@ -177,7 +175,7 @@ TEST_F(PictureFile, DepthOfTiffIsReadInEveryLayout) {
         {"", 0},
     };
     for (const auto &test : cases) {
-        std::ofstream(folder / "a.tif", std::ios::binary) << test.bytes;
+        WriteBytes("a.tif", test.bytes);
         EXPECT_EQ(TiffDepth(Path("a.tif")), test.depth) << &test - cases;
     }
 }

@@ -4,7 +4,6 @@
 #include <sys/xattr.h>
 
 #include <cmath>
-#include <fstream>
 
 #include "imagestore/strings.h"
 #include "log/html_log.h"
@@ -59,17 +58,7 @@ class Outputs : public ScratchFolder {
         testFilter = {DeclareEveryKind, MeasureAPath};
     }
 
-    void TearDown() override {
-        testFilter = {};
-        faults::RemoveResources();
-        ScratchFolder::TearDown();
-    }
-
-    std::string File(const char *name) const {
-        std::ifstream file(folder / name, std::ios::binary);
-        std::string text(std::istreambuf_iterator<char>(file), {});
-        return WithoutDates(text);
-    }
+    std::string File(const char *name) const { return WithoutDates(ContentsOf(folder / name)); }
 
     OSErr Run(const char *documentName, int32_t maxVersion = 1) {
         FSSpec spec;
@@ -148,7 +137,7 @@ TEST_F(Outputs, WithoutAPathThereIsNoFileAndWithoutItsTextNoLog) {
 // Any other error leaves it alone.
 TEST_F(Outputs, AFileThatCannotBeCreatedIsDeletedFirst) {
     constexpr char kBefore[] = "what stood there\r";
-    std::ofstream(folder / "measured.txt") << kBefore;
+    WriteBytes("measured.txt", kBefore);
     SPBlock *settings = _AllocateSPBlock(3);
     AddSPOutputSettingLong(settings, kCountKey, 0, 9, 4);
     RunContext context = {};

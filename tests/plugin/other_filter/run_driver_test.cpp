@@ -48,11 +48,6 @@ class RunDriver : public ScratchFolder {
         };
     }
 
-    void TearDown() override {
-        testFilter = {};
-        ScratchFolder::TearDown();
-    }
-
     Offer offer = {};
 };
 
