@@ -8,7 +8,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <iterator>
 #include <random>
+#include <sstream>
+
+unsigned PermissionsOf(const std::filesystem::path &file) {
+    return static_cast<unsigned>(std::filesystem::status(file).permissions());
+}
 
 void Program::SetUpTestSuite() {
     ASSERT_TRUE(StartVips("host_test"));
@@ -91,6 +97,26 @@ Ended Program::Wait(pid_t child) {
     wait4(child, &status, 0, &usage);
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ContentsOf(output / "out"),
             ContentsOf(output / "err"), usage.ru_maxrss / 1024};
+}
+
+void Program::ExpectOneSentence(const Ended &ended, const std::string &start) {
+    EXPECT_EQ(ended.out, "");
+    EXPECT_EQ(ended.err.find("hymedian: " + start), 0u) << ended.err;
+    EXPECT_EQ(std::count(ended.err.begin(), ended.err.end(), '\n'), 1) << ended.err;
+}
+
+void Program::ExpectRefusals(const std::vector<Refusal> &refusals) {
+    const std::set<std::string> before = Names();
+    for (const auto &[command, status, named] : refusals) {
+        SCOPED_TRACE(command);
+        std::istringstream words(command);
+        const std::vector<std::string> arguments(std::istream_iterator<std::string>(words), {});
+        const Ended ended = Wait(Start(arguments));
+        EXPECT_EQ(ended.status, status);
+        ExpectOneSentence(ended, "");
+        EXPECT_NE(ended.err.find(named), std::string::npos) << "expected: " << named << "; " << ended.err;
+        ASSERT_EQ(Names(), before);
+    }
 }
 
 void Program::WriteNoise(const std::string &name, int width, int height, int bands, VipsBandFormat format,

@@ -18,6 +18,15 @@ struct Ended {
     int64_t megabytes;  // of memory, at its most
 };
 
+// What the program is to refuse.
+struct Refusal {
+    const char *command;  // its arguments, with blanks between them
+    int status;
+    const char *named;  // somewhere in the sentence
+};
+
+unsigned PermissionsOf(const std::filesystem::path &file);
+
 class Program : public ScratchFolder {
   protected:
     static void SetUpTestSuite();
@@ -29,6 +38,12 @@ class Program : public ScratchFolder {
     pid_t Start(std::vector<std::string> arguments);
 
     Ended Wait(pid_t child);
+
+    // The program said one sentence, which begins with `start`, and nothing else.
+    static void ExpectOneSentence(const Ended &ended, const std::string &start);
+
+    // Each with one sentence, and with nothing changed in the test's folder.
+    void ExpectRefusals(const std::vector<Refusal> &refusals);
 
     // A picture of grey noise in the given format and colour space.
     void WriteNoise(const std::string &name, int width, int height, int bands,

@@ -95,8 +95,7 @@ TEST_F(HostilePictures, EndInOneSentenceAndTakeNoMemory) {
         const Ended ended = Wait(Start({test.name, "-o", "new.tif", "--max-megapixels", test.limit}));
         SCOPED_TRACE(test.name + ": "s + ended.err);
         EXPECT_EQ(ended.status, 1);
-        EXPECT_EQ(ended.err.find("hymedian: "s + test.name + ": "), 0u);
-        EXPECT_EQ(std::count(ended.err.begin(), ended.err.end(), '\n'), 1);
+        ExpectOneSentence(ended, test.name + ": "s);
         EXPECT_NE(ended.err.find(test.reason), std::string::npos);
         EXPECT_EQ(Names(), before);
         EXPECT_LT(ended.megabytes, 256);

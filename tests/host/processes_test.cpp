@@ -1,0 +1,167 @@
+// Several pictures, several processes, and what becomes of the others when one of them ends too early.
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <fstream>
+#include <iterator>
+#include <thread>
+
+#include "tests/host/program_fixture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST_F(Program, OneFailureDoesNotStopABatch) {
+    fs::create_directory(folder / "out");
+    for (const char *name : {"a.png", "b.tif", "c.webp"}) {
+        WriteNoise(name, 40, 30, 3);
+    }
+    WriteNoise("large.tif", 900, 500, 3);
+    WriteBytes("bad.png", "nonsense");
+    for (const char *jobs : {"1", "3"}) {
+        const Ended ended = Wait(Start(
+            {"a.png", "bad.png", "large.tif", "b.tif", "c.webp", "-o", "out", "-f", "-j", jobs, "-r", "1"}));
+        EXPECT_EQ(ended.status, 1);
+        EXPECT_NE(ended.out.find("\n5 pictures: 4 done, 1 failed\n"), std::string::npos) << ended.out;
+        EXPECT_EQ(ended.err.find("hymedian: bad.png: "), 0u) << ended.err;
+        for (const char *name : {"a.png", "b.tif", "c.webp", "large.tif"}) {
+            EXPECT_TRUE(fs::remove(folder / "out" / name)) << name;
+        }
+        EXPECT_TRUE(fs::is_empty(folder / "out"));
+    }
+    EXPECT_EQ(Wait(Start({"a.png", "b.tif", "--in-place", "-q", "-r", "1"})).status, 0);
+}
+
+TEST_F(Program, WithoutWorkersEveryPictureFails) {
+    WriteNoise("a.png", 40, 30, 3);
+    WriteNoise("b.png", 40, 30, 3);
+    const std::string noise = ContentsOf(folder / "a.png");
+    descriptorLimit = 60;  // too few to pass any on
+    const Ended ended = Wait(Start({"a.png", "b.png", "--in-place", "-j", "2"}));
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(ended.out, "2 pictures: 0 done, 2 failed\n");
+    EXPECT_EQ(ended.err,
+              "hymedian: a.png: no worker process can be started; --jobs 1 does without.\n"
+              "hymedian: b.png: no worker process can be started; --jobs 1 does without.\n");
+    EXPECT_EQ(ContentsOf(folder / "a.png"), noise);
+}
+
+TEST_F(Program, InterruptLeavesNothing) {
+    for (const char *name : {"in.png", "next.png", "last.png"}) {
+        WriteNoise(name, 2000, 2000, 3);
+    }
+    const std::set<std::string> before = Names();
+    const struct {
+        int signal;
+        std::vector<std::string> arguments;
+        const char *out;
+    } cases[] = {
+        {SIGINT, {"in.png", "-o", "out.png", "-r", "4"}, ""},
+        {SIGTERM, {"in.png", "-o", "out.png", "-r", "4"}, ""},
+        {SIGINT,
+         {"in.png", "next.png", "last.png", "--in-place", "-r", "4"},
+         "3 pictures: 0 done, 0 failed, 3 left undone\n"},
+    };
+    for (const auto &[signal, arguments, out] : cases) {
+        const pid_t child = Start(arguments);
+        // The temporary file shows that the work has begun.
+        while (Names() == before && waitpid(child, nullptr, WNOHANG) == 0) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+        kill(-child, signal);
+        const Ended ended = Wait(child);
+        EXPECT_EQ(ended.status, 130) << ended.err;
+        EXPECT_EQ(ended.out, out);
+        EXPECT_EQ(ended.err, "hymedian: in.png: interrupted, nothing was written.\n");
+        EXPECT_EQ(Names(), before);
+        EXPECT_EQ(kill(-child, 0), -1) << "a worker is left";
+    }
+}
+
+TEST_F(Program, KilledRunsAreClearedUpAfterAndLivingOnesLeftAlone) {
+    WriteNoise("in.png", 2000, 2000, 3);
+    WriteNoise("small.png", 20, 20, 3);
+    const std::set<std::string> before = Names();
+    // Until there is a file that was not there.
+    const auto startLongRun = [&](const char *out, const std::set<std::string> &known) {
+        const pid_t child = Start({"in.png", "-o", out, "-r", "4", "--jobs", "1"});
+        std::set<std::string> names = known;
+        while (std::includes(known.begin(), known.end(), names.begin(), names.end())) {
+            names = Names();
+        }
+        return child;
+    };
+    const pid_t dying = startLongRun("never.png", before);
+    kill(-dying, SIGKILL);
+    Wait(dying);
+    const std::set<std::string> withTemporary = Names();
+    EXPECT_EQ(withTemporary.size(), before.size() + 1);
+    EXPECT_EQ(PermissionsOf(folder / *withTemporary.begin()), 0600U) << "of " << *withTemporary.begin();
+    const pid_t living = startLongRun("later.png", withTemporary);
+    kill(-living, SIGSTOP);
+    EXPECT_EQ(Wait(Start({"small.png", "-o", "small-out.png"})).status, 0);
+    kill(-living, SIGCONT);
+    EXPECT_EQ(Wait(living).status, 0);
+    std::set<std::string> after = before;
+    after.insert({"small-out.png", "later.png"});
+    EXPECT_EQ(Names(), after);
+}
+
+// Finds the program's children through the process table, which lists them for its first thread.
+std::vector<pid_t> ChildrenOf(pid_t process) {
+    const std::string number = std::to_string(process);
+    std::ifstream list("/proc/" + number + "/task/" + number + "/children");
+    return {std::istream_iterator<pid_t>(list), {}};
+}
+
+TEST_F(Program, DeadWorkersAreToldAndLeaveNothing) {
+    WriteNoise("large.png", 1500, 1500, 3);
+    WriteNoise("small.png", 300, 250, 3);
+    WriteNoise("small2.png", 300, 250, 3);
+    fs::create_directory(folder / "out");
+    const std::set<std::string> before = Names();
+    const std::vector<std::string> commands[] = {
+        {"large.png", "-o", "new.png", "-r", "4", "-j", "2"},
+        {"small.png", "small2.png", "-o", "out", "-r", "4", "-j", "2"},
+    };
+    for (const auto &command : commands) {
+        const pid_t program = Start(command);
+        std::vector<pid_t> children;
+        while (children.empty() && waitpid(program, nullptr, WNOHANG) == 0) {
+            children = ChildrenOf(program);
+        }
+        ASSERT_FALSE(children.empty());
+        kill(children[0], SIGKILL);
+        const Ended ended = Wait(program);
+        EXPECT_EQ(ended.status, 1);
+        EXPECT_NE(ended.err.find("worker process was ended by signal 9"), std::string::npos) << ended.err;
+        EXPECT_EQ(Names(), before);
+        // Nobody of the program's group is left.
+        EXPECT_EQ(kill(-program, 0), -1);
+    }
+    EXPECT_EQ(Names("out").size(), 1u) << "the other picture was done";
+}
+
+// The workers are at the first bands by the time the file turns out to be cut short.
+TEST_F(Program, CutPicturesEndRunsThatHaveBegun) {
+    WriteNoise("large.png", 900, 700, 3);
+    WriteNoise("large.jpg", 900, 700, 3);
+    for (const char *name : {"large.png", "large.jpg"}) {
+        fs::resize_file(folder / name, fs::file_size(folder / name) * 2 / 3);
+    }
+    const std::set<std::string> before = Names();
+    for (const std::string name : {"large.png", "large.jpg"}) {
+        for (const char *select : {"0,0,900,700", "0,0,900,400"}) {
+            const Ended ended =
+                Wait(Start({name, "-o", "new.tif", "-r", "4", "-j", "3", "--select", select}));
+            EXPECT_EQ(ended.status, 1);
+            ExpectOneSentence(ended, name + ": cannot be read");
+            EXPECT_EQ(Names(), before);
+        }
+    }
+}
+
+}  // namespace
