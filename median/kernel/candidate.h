@@ -14,11 +14,11 @@ struct Candidate {
 // The later candidate takes over only where its sum is strictly smaller.
 template <std::size_t Words>
 inline Candidate<Words> Better(const Candidate<Words> &earlier, const Candidate<Words> &later) {
-    const Int takesOver = later.sum < earlier.sum;
+    const Int takesOver = Less(later.sum, earlier.sum);
     Candidate<Words> better;
-    better.sum = takesOver ? later.sum : earlier.sum;
+    better.sum = Select(takesOver, later.sum, earlier.sum);
     for (std::size_t i = 0; i < Words; ++i) {
-        better.pixel.word[i] = takesOver ? later.pixel.word[i] : earlier.pixel.word[i];
+        better.pixel.word[i] = Select(takesOver, later.pixel.word[i], earlier.pixel.word[i]);
     }
     return better;
 }

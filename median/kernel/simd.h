@@ -1,4 +1,4 @@
-// Vectors of HYBRID_LANES pixels, in the compiler's own vector types.
+// Vectors of HYBRID_LANES pixels, in the compiler's own vector types; a single lane is a plain number.
 #pragma once
 
 #include <cstddef>
@@ -15,8 +15,13 @@ namespace HYBRID_VARIANT {
 
 constexpr int kLanes = HYBRID_LANES;
 
+#if HYBRID_LANES == 1
+using Float = float;
+using Int = std::int32_t;
+#else
 typedef float Float __attribute__((vector_size(4 * kLanes)));
 typedef std::int32_t Int __attribute__((vector_size(4 * kLanes)));
+#endif
 typedef std::int16_t Int16Pairs __attribute__((vector_size(4 * kLanes)));
 typedef Float UnalignedFloat __attribute__((aligned(4), may_alias));
 typedef Int UnalignedInt __attribute__((aligned(4), may_alias));
@@ -35,18 +40,22 @@ inline void Store(std::int32_t *to, Int value) {
 }
 
 inline Int Bits(Float value) {
-    return reinterpret_cast<Int>(value);
+    return __builtin_bit_cast(Int, value);
 }
 inline Float FromBits(Int bits) {
-    return reinterpret_cast<Float>(bits);
+    return __builtin_bit_cast(Float, bits);
 }
 inline Float ToFloat(Int value) {
+#if HYBRID_LANES == 1
+    return static_cast<Float>(value);
+#else
     return __builtin_convertvector(value, Float);
+#endif
 }
 
 // Each lane two 16-bit numbers: their differences, and the sum of their squares.
 inline Int SubtractPairs(Int a, Int b) {
-    return reinterpret_cast<Int>(reinterpret_cast<Int16Pairs>(a) - reinterpret_cast<Int16Pairs>(b));
+    return __builtin_bit_cast(Int, __builtin_bit_cast(Int16Pairs, a) - __builtin_bit_cast(Int16Pairs, b));
 }
 
 inline Int SumSquaresOfPairs(Int pairs) {
@@ -69,6 +78,35 @@ inline Int SumSquaresOfPairs(Int pairs) {
 #endif
 }
 
+// Less gives a mask of all bits or none for each lane, and Select takes by it.
+#if HYBRID_LANES == 1
+inline Int Less(Float a, Float b) {
+    return -static_cast<Int>(a < b);
+}
+
+// Without a branch, which noise would make impossible to predict.
+inline Int Select(Int mask, Int a, Int b) {
+    return (a & mask) | (b & ~mask);
+}
+inline Float Select(Int mask, Float a, Float b) {
+    return FromBits(Select(mask, Bits(a), Bits(b)));
+}
+
+inline Float NextLane(Float, float last) {
+    return last;
+}
+
+inline void Transpose(Int (&)[1]) {}
+#else
+inline Int Less(Float a, Float b) {
+    return a < b;
+}
+
+template <typename Vector>
+inline Vector Select(Int mask, Vector a, Vector b) {
+    return mask ? a : b;
+}
+
 using EveryLane = std::make_integer_sequence<int, kLanes>;
 
 // Every lane takes its successor's value, the last lane `last`.
@@ -79,11 +117,7 @@ inline Float NextLane(Float value, float last, std::integer_sequence<int, Lane..
 }
 
 inline Float NextLane(Float value, float last) {
-    if constexpr (kLanes == 1) {
-        return Float{last};
-    } else {
-        return NextLane(value, last, EveryLane{});
-    }
+    return NextLane(value, last, EveryLane{});
 }
 
 // In every square of 2 * Step rows and lanes, the upper right quarter and the lower left one change places.
@@ -108,5 +142,6 @@ inline void Transpose(Int (&rows)[kLanes]) {
         Transpose<Step / 2>(rows);
     }
 }
+#endif
 
 }  // namespace HYBRID_VARIANT
