@@ -106,7 +106,8 @@ TEST_F(Program, FailsWithOneSentenceOverPlugins) {
     WriteNoise("good.png", 40, 30, 3);
     const fs::path build = fs::path(HYMEDIAN_PROGRAM).parent_path();
     const fs::path plugin = build / "HybridMedian.plugin";
-    // Resources that are missing, cut short, and without the two modes of grey and RGB 8; a module of another kind.
+    // Resources that are missing, cut short, and without the two modes of grey and RGB 8; a module of another
+    // kind.
     for (const char *name : {"bare", "cut", "modes"}) {
         fs::create_directory(folder / name);
         fs::create_symlink(plugin / "HybridMedian.so", folder / name / "HybridMedian.so");
