@@ -11,4 +11,5 @@ cmake -S scripts/arm -B build/arm -G Ninja -DCMAKE_BUILD_TYPE=Release \
     -DCMAKE_CROSSCOMPILING_EMULATOR="qemu-aarch64;-L;/usr/aarch64-linux-gnu" \
     -DCMAKE_DISABLE_FIND_PACKAGE_Qt6=ON >/dev/null
 cmake --build build/arm --target system_test resources
-qemu-aarch64 -L /usr/aarch64-linux-gnu build/arm/system_test "$@"
+# Memory and files fail alike on any processor; tests of that take minutes in an emulator.
+qemu-aarch64 -L /usr/aarch64-linux-gnu build/arm/system_test --gtest_filter=-Faults.* "$@"
