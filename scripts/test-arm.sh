@@ -11,4 +11,5 @@ cmake -S /usr/src/googletest -B build/arm/googletest -G Ninja -DCMAKE_BUILD_TYPE
 cmake --build build/arm/googletest --target install >/dev/null
 cmake --preset arm -DCMAKE_PREFIX_PATH="$PWD/build/arm/prefix" >/dev/null
 cmake --build --preset arm
-ctest --preset arm
+# Memory and files fail alike on any processor; tests of that take minutes in an emulator.
+ctest --preset arm -E '^Faults'
