@@ -26,10 +26,10 @@ struct Layout {
 };
 
 constexpr Layout kLayouts[] = {
-    {"gray8", PixelFormat::kGray8, 1},
-    {"gray16", PixelFormat::kGray16, 2},
-    {"rgb8", PixelFormat::kRgb8, 3},
-    {"rgb16", PixelFormat::kRgb16, 6},
+    {"gray8", PixelFormat::gray8, 1},
+    {"gray16", PixelFormat::gray16, 2},
+    {"rgb8", PixelFormat::rgb8, 3},
+    {"rgb16", PixelFormat::rgb16, 6},
 };
 
 std::vector<uint8_t> Noise(int16_t width, int16_t bytesPerPixel) {

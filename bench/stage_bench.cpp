@@ -97,11 +97,11 @@ struct LeastTimes {
 
     void operator()(Stage stage) {
         // Before the first output line, not all distances are computed.
-        if (leadingLines <= 0 || stage == Stage::kReading) {
+        if (leadingLines <= 0 || stage == Stage::reading) {
             double &time = least[static_cast<int>(stage)];
             time = std::min(time, Now() - last);
         }
-        leadingLines -= stage == Stage::kDistances;
+        leadingLines -= stage == Stage::distances;
         last = Now();
     }
 };
@@ -119,7 +119,7 @@ void Measure(double additionTime, double distanceTime) {
         targetLines.push_back(target.data() + y * kRowBytes);
     }
     const auto tile = std::make_unique<Tile<Format, R>>();
-    const HybridBlock block = {PixelFormat::kRgb8, R,      kWidth, kLines, 0, kWidth, sourceLines.data(),
+    const HybridBlock block = {PixelFormat::rgb8,  R,      kWidth, kLines, 0, kWidth, sourceLines.data(),
                                targetLines.data(), nullptr};
 
     constexpr int kPixels = kTilePixels[R - 1];

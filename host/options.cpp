@@ -28,6 +28,7 @@ bool HasSuffix(const std::string &file, const std::string &suffix) {
 }
 
 constexpr char kRadii[] = "any number from 1 to 6";
+static_assert(kMinRadius == 1 && kMaxRadius == 6);
 
 // Also refuses NaN.
 bool IsRadius(double radius) {

@@ -25,10 +25,10 @@ struct Layout {
 };
 
 constexpr Layout kLayouts[] = {
-    {1, PixelFormat::kGray8},
-    {2, PixelFormat::kGray16},
-    {3, PixelFormat::kRgb8},
-    {6, PixelFormat::kRgb16},
+    {1, PixelFormat::gray8},
+    {2, PixelFormat::gray16},
+    {3, PixelFormat::rgb8},
+    {6, PixelFormat::rgb16},
 };
 
 // Null for a layout that is not filtered.

@@ -15,7 +15,7 @@
 namespace HYBRID_VARIANT {
 
 // What is done for an output line, in this order. Lines before the first have the first two alone.
-enum class Stage { kReading, kDistances, kMedians, kChoice, kWriting };
+enum class Stage { reading, distances, medians, choice, writing };
 
 // Told when a stage is done; measurements have one of their own.
 struct NoObserver {
@@ -29,18 +29,18 @@ void FilterTile(const HybridBlock &block, int firstColumn, int pixels, Tile<Form
     for (int line = -2 * R; line < block.lineCount; ++line) {
         rings.Advance();
         ReadLine(block.source[line + 2 * R], block.width, firstColumn, rings, tile);
-        done(Stage::kReading);
+        done(Stage::reading);
         ComputeDistances(rings, line < 0 ? -line : 0);
-        done(Stage::kDistances);
+        done(Stage::distances);
         if (line < 0) {
             continue;
         }
         ComputeMedians(rings, tile);
-        done(Stage::kMedians);
+        done(Stage::medians);
         ChoosePixels(rings, tile);
-        done(Stage::kChoice);
+        done(Stage::choice);
         WriteLine(rings, tile, firstColumn, pixels, block.target[line]);
-        done(Stage::kWriting);
+        done(Stage::writing);
     }
 }
 
@@ -68,13 +68,13 @@ Entry FindEntry(int radius, std::integer_sequence<int, R...>) {
 inline Entry FindEntry(PixelFormat format, int radius) {
     constexpr std::make_integer_sequence<int, kMaxRadius> kRadii;
     switch (format) {
-        case PixelFormat::kGray8:
+        case PixelFormat::gray8:
             return FindEntry<Gray<std::uint8_t>>(radius, kRadii);
-        case PixelFormat::kGray16:
+        case PixelFormat::gray16:
             return FindEntry<Gray<std::uint16_t>>(radius, kRadii);
-        case PixelFormat::kRgb8:
+        case PixelFormat::rgb8:
             return FindEntry<Rgb8>(radius, kRadii);
-        case PixelFormat::kRgb16:
+        case PixelFormat::rgb16:
             break;
     }
     return FindEntry<Rgb16>(radius, kRadii);

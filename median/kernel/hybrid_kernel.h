@@ -5,7 +5,7 @@
 
 // Lines are arrays of 8-bit or 16-bit samples, the latter aligned and in the machine's byte order; RGB
 // samples are interleaved.
-enum class PixelFormat { kGray8, kGray16, kRgb8, kRgb16 };
+enum class PixelFormat { gray8, gray16, rgb8, rgb16 };
 
 constexpr int kHybridMinRadius = 1;
 constexpr int kHybridMaxRadius = 6;

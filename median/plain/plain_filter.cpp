@@ -119,13 +119,13 @@ struct Samples {
 
 void FilterPlainly(const PlainImage &image, int32_t radius, uint8_t *filtered) {
     switch (image.format) {
-        case PixelFormat::kGray8:
+        case PixelFormat::gray8:
             return Samples<uint8_t, 1>::Filter(image, radius, filtered);
-        case PixelFormat::kGray16:
+        case PixelFormat::gray16:
             return Samples<uint16_t, 1>::Filter(image, radius, filtered);
-        case PixelFormat::kRgb8:
+        case PixelFormat::rgb8:
             return Samples<uint8_t, 3>::Filter(image, radius, filtered);
-        case PixelFormat::kRgb16:
+        case PixelFormat::rgb16:
             return Samples<uint16_t, 3>::Filter(image, radius, filtered);
     }
 }

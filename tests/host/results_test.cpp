@@ -48,7 +48,7 @@ TEST_F(Program, EveryRadiusGivesWhatItsDefinitionGives) {
     const std::vector<uint8_t> noise = PixelsOf(Path("in.png"));
     for (int32_t radius = 1; radius <= 6; ++radius) {
         std::vector<uint8_t> defined(noise.size());
-        FilterPlainly({PixelFormat::kRgb8, kWidth, kHeight, noise.data()}, radius, defined.data());
+        FilterPlainly({PixelFormat::rgb8, kWidth, kHeight, noise.data()}, radius, defined.data());
         const std::string digit = std::to_string(radius);
         const std::string fraction = radius < 6 ? ".9" : "";
         const Ended asked = Wait(Start({"in.png", "-o", "out.png", "-f", "-r", digit + fraction}));

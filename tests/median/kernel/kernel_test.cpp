@@ -20,10 +20,10 @@ struct Format {
 };
 
 constexpr Format kFormats[] = {
-    {PixelFormat::kGray8, 1, 1},
-    {PixelFormat::kGray16, 1, 2},
-    {PixelFormat::kRgb8, 3, 1},
-    {PixelFormat::kRgb16, 3, 2},
+    {PixelFormat::gray8, 1, 1},
+    {PixelFormat::gray16, 1, 2},
+    {PixelFormat::rgb8, 3, 1},
+    {PixelFormat::rgb16, 3, 2},
 };
 
 // Random samples decide by distance, few values and flat pictures by the order of the samples.
