@@ -45,12 +45,12 @@ class FullDisk {
     rlimit usual;
 };
 
-class ParameterDialog : public DialogTest {
+class RadiusDialog : public DialogTest {
   protected:
     const TestImage image = RandomImage(250, 181, 3, 1);
 };
 
-TEST_F(ParameterDialog, SessionsGiveTheRadius) {
+TEST_F(RadiusDialog, SessionsGiveTheRadius) {
     InstallDialog(20, 16);
     const float kNaN = std::numeric_limits<float>::quiet_NaN();
     const struct {
@@ -111,7 +111,7 @@ TEST_F(ParameterDialog, SessionsGiveTheRadius) {
     }
 }
 
-TEST_F(ParameterDialog, SessionsPan) {
+TEST_F(RadiusDialog, SessionsPan) {
     const struct {
         int16_t width, height;
         Actions actions;
@@ -180,7 +180,7 @@ TEST_F(ParameterDialog, SessionsPan) {
     }
 }
 
-TEST_F(ParameterDialog, RebuildsOncePerHandledItem) {
+TEST_F(RadiusDialog, RebuildsOncePerHandledItem) {
     const struct {
         int16_t width, height;
         Actions actions;
@@ -208,7 +208,7 @@ TEST_F(ParameterDialog, RebuildsOncePerHandledItem) {
     }
 }
 
-TEST_F(ParameterDialog, EndsByButtonsAndKeys) {
+TEST_F(RadiusDialog, EndsByButtonsAndKeys) {
     const struct {
         UserAction end;
         OSErr result;
@@ -231,13 +231,13 @@ TEST_F(ParameterDialog, EndsByButtonsAndKeys) {
     EXPECT_EQ(Run(image, 2, {Key('.'), Click(kOKItem)}).Field(), ".") << "a period alone is text";
 }
 
-TEST_F(ParameterDialog, AnswersForThoseWhoDoNotWatch) {
+TEST_F(RadiusDialog, AnswersForThoseWhoDoNotWatch) {
     const DialogOutcome outcome = Run(image, 2.5f, user::Answer(kRadiusFieldItem, "5"));
     EXPECT_EQ(outcome.result, noErr);
     EXPECT_EQ(outcome.stored, 5);
 }
 
-TEST_F(ParameterDialog, WithoutADisplayItIsCancelled) {
+TEST_F(RadiusDialog, WithoutADisplayItIsCancelled) {
     UseScriptedDialogs(nullptr);
     setenv("QT_QPA_PLATFORM", "none of these", 1);
     const OSErr problem = UseScreenDialogs();
@@ -247,7 +247,7 @@ TEST_F(ParameterDialog, WithoutADisplayItIsCancelled) {
     unsetenv("QT_QPA_PLATFORM");
 }
 
-TEST_F(ParameterDialog, OpensWithTheTextSelectedAndThePreviewOn) {
+TEST_F(RadiusDialog, OpensWithTheTextSelectedAndThePreviewOn) {
     const DialogOutcome outcome = Run(image, 3, {});
     const EditedText &field = outcome.Last().texts[kRadiusFieldItem - 1];
     EXPECT_EQ(field.selectionStart, 0u);
@@ -256,7 +256,7 @@ TEST_F(ParameterDialog, OpensWithTheTextSelectedAndThePreviewOn) {
     EXPECT_EQ(Run(image, 3, {Click(kPreviewCheckBoxItem)}).Value(kPreviewCheckBoxItem), 0);
 }
 
-TEST_F(ParameterDialog, EnabledItemsWithoutARoleAreIgnored) {
+TEST_F(RadiusDialog, EnabledItemsWithoutARoleAreIgnored) {
     std::vector<uint8_t> items = DialogItemList();
     for (const int16_t item : std::initializer_list<int16_t>{4, 7, 10, 11, 12, 13}) {
         ItemBounds(&items, item)[8] &= 0x7F;
@@ -268,7 +268,7 @@ TEST_F(ParameterDialog, EnabledItemsWithoutARoleAreIgnored) {
     EXPECT_EQ(outcome.rebuilds, 1);
 }
 
-TEST_F(ParameterDialog, WithoutItsResourcesNothingOpens) {
+TEST_F(RadiusDialog, WithoutItsResourcesNothingOpens) {
     faults::RemoveResources();
     EXPECT_EQ(Run(image, 3, {Click(kOKItem)}).result, userCanceledErr);
     faults::AddResource(kDialogType, kRadiusDialogID, DialogTemplate());
@@ -277,7 +277,7 @@ TEST_F(ParameterDialog, WithoutItsResourcesNothingOpens) {
     EXPECT_TRUE(outcome.states.empty());
 }
 
-TEST_F(ParameterDialog, WorksWithoutAWorkImage) {
+TEST_F(RadiusDialog, WorksWithoutAWorkImage) {
     const FullDisk disk;
     refuseTemporaryMemory = true;
     const struct {
@@ -295,7 +295,7 @@ TEST_F(ParameterDialog, WorksWithoutAWorkImage) {
     EXPECT_EQ(FileCount(), 0u);
 }
 
-TEST_F(ParameterDialog, SurvivesEveryFailureOfMemory) {
+TEST_F(RadiusDialog, SurvivesEveryFailureOfMemory) {
     InstallDialog(20, 16);
     for (const bool refuse : {false, true}) {
         refuseTemporaryMemory = refuse;

@@ -1,6 +1,5 @@
 // Preferences that another process keeps locked.
 #include <cstring>
-#include <fstream>
 #include <optional>
 
 #include "settings/preferences_file.h"
@@ -11,10 +10,7 @@ namespace {
 
 class PreferencesLock : public ScratchFolder {
   protected:
-    std::string Contents() const {
-        std::ifstream file(folder / "WEMBpref", std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    std::string Contents() const { return ContentsOf(folder / "WEMBpref"); }
 
     static void WriteAll(uint8_t byte, int16_t refNum) {
         RunContext context = {};
