@@ -18,7 +18,7 @@ std::string Variable(const char *name) {
 }  // namespace
 
 std::string PreferencesPath() {
-    if (const std::string own = Variable("HYMEDIAN_PREFERENCES"); !own.empty()) {
+    if (std::string own = Variable("HYMEDIAN_PREFERENCES"); !own.empty()) {
         return own;
     }
     const std::string configHome = Variable("XDG_CONFIG_HOME");

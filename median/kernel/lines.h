@@ -1,6 +1,8 @@
 // Lines of samples into a tile, and out of it.
 #pragma once
 
+#include <cstddef>
+
 #include "tile.h"
 
 namespace HYBRID_VARIANT {
@@ -28,7 +30,7 @@ void ReadPixels(const void *source, int width, int first, int count, std::int32_
 inline void Deal(const std::int32_t *line, int run, int columns, Int *dealt) {
     for (int x = 0; x < columns; x += kLanes) {
         Int square[kLanes];
-        for (int lane = 0; lane < kLanes; ++lane) {
+        for (std::ptrdiff_t lane = 0; lane < kLanes; ++lane) {
             square[lane] = Load(line + lane * run + x);
         }
         Transpose(square);
@@ -47,7 +49,7 @@ inline void Collect(const Int *dealt, int run, std::int32_t *line) {
             square[column] = dealt[x + column];
         }
         Transpose(square);
-        for (int lane = 0; lane < kLanes; ++lane) {
+        for (std::ptrdiff_t lane = 0; lane < kLanes; ++lane) {
             Store(line + lane * run + x, square[lane]);
         }
     }
