@@ -96,7 +96,8 @@ struct Samples {
     static Samples FromBytes(const Kind &kind, int planes, const uint8_t *bytes) {
         Samples samples = {kind, planes, {}};
         for (int i = 0; i < kWidth * kHeight * planes; ++i) {
-            samples.values.push_back(kind.depth == 8 ? bytes[i] : bytes[2 * i] | bytes[2 * i + 1] << 8);
+            samples.values.push_back(
+                kind.depth == 8 ? bytes[i] : uint32_t{bytes[2 * i]} | uint32_t{bytes[2 * i + 1]} << 8);
         }
         return samples;
     }
