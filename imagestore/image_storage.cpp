@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int64_t kLargestMemoryImage = 0x20000008;  // 512 MiB and 8
+constexpr int64_t kLargestMemoryImage = 0x20000008;  // 512 MiB plus 8; larger images go to disk
 
 }  // namespace
 

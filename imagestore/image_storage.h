@@ -1,4 +1,4 @@
-// How an image's bytes lie, and the memory and file behind them. Internal to this folder.
+// The layout of an image's bytes, and the memory and file behind them. Internal to this folder.
 #pragma once
 
 #include "imagestore/named_images.h"
@@ -9,10 +9,10 @@ constexpr int16_t kNoImageFile = -1;
 
 int64_t ImageRowBytes(const NamedImage *image);
 int64_t ImageRowOffset(const NamedImage *image, int64_t y);
-// Header place and all rows.
+// The space for the header, and all rows.
 int64_t ImageContentsSize(const NamedImage *image);
 
-// Takes memory, all zeros, for the contents where it is there and the image not too large for it.
+// Allocates zeroed memory for the contents, unless the image is too large to be kept in memory.
 OSErr TakeImageMemory(NamedImage *image);
 void ReleaseImageMemory(NamedImage *image);
 

@@ -22,7 +22,7 @@ OSErr ReadHeader(NamedImage *image) {
     return err == noErr && negative ? paramErr : err;
 }
 
-// The image stays in its file where there is no memory for it.
+// Without enough memory the image stays in its file.
 void CopyIntoMemory(NamedImage *image) {
     if (TakeImageMemory(image) == noErr) {
         ReadAt(image->fileRef, kImageHeaderSize, ImageContentsSize(image) - kImageHeaderSize,

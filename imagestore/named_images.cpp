@@ -13,7 +13,7 @@ namespace {
 
 constexpr int64_t kClearingBlockSize = 0x80000;
 
-// The codes under which backing files are known, placeholders as they look.
+// The codes of backing files; they look like placeholders, but they are the real ones.
 constexpr OSType kCreator = FourCharCode("CREA");
 constexpr OSType kFileType = FourCharCode("TYPE");
 
@@ -26,7 +26,7 @@ OSErr WriteHeader(const NamedImage *image) {
     return WriteAt(image->fileRef, 0, kImageHeaderSize, &image->data);
 }
 
-// Memory for one block of zeros could be had. A zero-sized image makes one empty write.
+// Used when a block of zeros could be allocated. A zero-sized image makes one empty write.
 OSErr ClearInBlocks(NamedImage *image, const void *zeros) {
     if (image->memory == nullptr) {
         WriteHeader(image);
@@ -78,7 +78,7 @@ OSErr OpenBackingFile(Folder folder, ConstStringPtr name, NamedImage *image) {
     return err;
 }
 
-// Space in one piece, so that row seeks stay cheap. Where it cannot be had, clearing tells.
+// Contiguous space keeps row seeks cheap. If there is too little, clearing fails.
 OSErr FillBackingFile(NamedImage *image) {
     WriteHeader(image);
     int64_t size = ImageContentsSize(image);
@@ -93,7 +93,7 @@ OSErr FillBackingFile(NamedImage *image) {
     return dskFulErr;
 }
 
-// Where a run of bytes lies, or nothing when there is nothing to copy.
+// The position of a run of bytes; empty when there is nothing to copy.
 struct Span {
     int64_t offset;
     int64_t count;

@@ -10,7 +10,7 @@ namespace {
 
 constexpr int32_t kRootDirectory = 2;
 constexpr int32_t kMaxLevels = 64;
-// The volume, its folders and a name, each with a colon or the zero behind it.
+// A volume, its folders and a name, each followed by a colon or the terminating zero.
 constexpr size_t kMaxPathSize = (kMaxLevels + 2) * sizeof(Str63);
 constexpr int64_t kReadingBlockSize = 32768;
 constexpr char kCarriageReturn = 13;
@@ -20,13 +20,14 @@ int32_t Length(const char *text) {
     return static_cast<int32_t>(std::strlen(text));
 }
 
-// The position of the last colon, 0 without one.
+// The position of the last colon; 0 if there is none.
 int32_t LastColon(const char *path) {
     const char *colon = std::strrchr(path, ':');
     return colon == nullptr ? 0 : static_cast<int32_t>(colon - path);
 }
 
-// Copies `length` characters and a zero; more than `size` are cut to one less and an ellipsis.
+// Copies `length` characters and a zero; a text longer than `size` is cut to size - 1 characters and an
+// ellipsis.
 void CopyCut(const char *text, int32_t length, char *out, int32_t size) {
     if (length > size) {
         BlockMoveData(text, out, size - 1);
@@ -82,7 +83,7 @@ void CStringToFSSpec(const char *path, FSSpec *spec) {
         *spec = {-1, kRootDirectory, {}};
         return;
     }
-    // The length byte keeps the low 8 bits, and only that many characters count.
+    // The length byte holds only the low 8 bits of the length, and only that many characters count.
     Str255 name;
     name[0] = static_cast<uint8_t>(std::strlen(path));
     BlockMoveData(path, name + 1, name[0]);
@@ -128,7 +129,7 @@ void FSSpecToCString(const FSSpec *spec, char *path, int32_t size) {
     if (size <= 0) {
         return;
     }
-    // Joined whole first, so that the cut falls where the room ends and not between folders.
+    // Joined first and cut afterwards, so that the cut falls where the room ends and not between folders.
     char whole[kMaxPathSize];
     PathFromDirID(spec->parID, spec->vRefNum, whole, sizeof whole);
     const int32_t folderLength = Length(whole);
@@ -190,6 +191,6 @@ void StripFileNameOffPath(const char *path, char *folder, int32_t size) {
         folder[0] = 0;
         return;
     }
-    // Without a colon only the first character is kept.
+    // Without a colon, only the first character is kept.
     CopyCut(path, LastColon(path) + 1, folder, size);
 }

@@ -1,7 +1,7 @@
-// Files named by zero-terminated colon paths in Mac Roman, shorter than 256 characters. A null path stands
-// for the root directory of volume -1, with an empty name. Every OSErr is the File Manager's.
+// Files identified by zero-terminated colon paths in Mac Roman, shorter than 256 characters. A null path
+// means the root directory of volume -1, with an empty name. Every OSErr is the File Manager's.
 //
-// Where a text is cut to fit, its last place holds the character 201, an ellipsis, followed by a zero.
+// A text cut to fit ends in character 201, an ellipsis, followed by a zero.
 #pragma once
 
 #include "platform/files.h"
@@ -10,20 +10,20 @@ void CStringToFSSpec(const char *path, FSSpec *spec);
 OSErr FSOpenPath(const char *path, int16_t *refNum);
 OSErr FSCreatePath(const char *path, OSType creator, OSType fileType);
 OSErr FSDeletePath(const char *path);
-// Opens for reading and writing with the mark at the end. `lineCount` receives the number of carriage returns
-// in the file.
+// Opens the file for reading and writing, with the mark at the end. `lineCount` receives the number of
+// carriage returns in the file.
 OSErr FSOpenAndAppendPath(const char *path, int16_t *refNum, int32_t *lineCount);
 // Has no lasting effect.
 void SetDefaultPath(const char *path);
 
-// The full path, in at most `size` bytes; a longer one is cut to size - 2 characters and an ellipsis. Without
-// a folder that can be found, the name alone.
+// The full path, in at most `size` bytes; a longer one is cut to size - 2 characters and an ellipsis. If the
+// folder cannot be found, the name alone.
 void FSSpecToCString(const FSSpec *spec, char *path, int32_t size);
-// The folder's full path, each component followed by a colon; as many components as `size` has room for. An
-// error leaves an empty text: the catalogue's, or fnfErr for a chain of more than 64 folders.
+// The folder's full path, each component followed by a colon, with as many components as fit `size`. On error
+// the text is empty; the error is the catalogue's, or fnfErr for more than 64 nested folders.
 OSErr PathFromDirID(int32_t dirID, int16_t vRefNum, char *path, int32_t size);
 
-// Split a path at its last colon: the name keeps the colon in front of it, the folder the one behind it. Both
-// may write size + 1 bytes; callers pass one less than their buffer has.
+// Split a path at its last colon, which both results include. Both may write size + 1 bytes; callers pass one
+// less than their buffer's size.
 void FileNameFromPath(const char *path, char *name, int32_t size);
 void StripFileNameOffPath(const char *path, char *folder, int32_t size);

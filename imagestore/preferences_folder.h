@@ -1,4 +1,4 @@
-// Where backing files and preferences lie.
+// The folder that holds backing files and preferences.
 #pragma once
 
 #include "platform/types.h"
@@ -8,6 +8,6 @@ struct Folder {
     int32_t dirID;
 };
 
-// The Preferences folder of the system disk. One that is missing makes every call on it fail, which is all
-// that callers need to know.
+// The Preferences folder of the system disk. If it is missing, every call on it fails, which is all that
+// callers need to know.
 Folder PreferencesFolder();

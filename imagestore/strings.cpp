@@ -9,9 +9,10 @@ namespace {
 
 constexpr int32_t kMaxPStringLength = 255;
 constexpr char kDeletedMark[] = "<deleted>";
+// Too small for "<deleted>" and its zero.
 constexpr int64_t kLargestUnmarkedBlock = 9;
 
-// The characters before the zero, at most `limit`.
+// The number of characters before the zero, at most `limit`.
 int32_t BoundedLength(const char *text, int32_t limit) {
     return text == nullptr ? 0 : static_cast<int32_t>(strnlen(text, static_cast<size_t>(limit)));
 }
@@ -26,7 +27,7 @@ void DisposeCString(char *text) {
     if (text == nullptr) {
         return;
     }
-    // Volatile, or the compiler drops stores to memory that is freed next.
+    // Volatile, or the compiler would drop stores to memory that is about to be freed.
     volatile char *remains = text;
     if (GetPtrSize(text) > kLargestUnmarkedBlock) {
         for (size_t i = 0; i < sizeof kDeletedMark; ++i) {
@@ -82,7 +83,7 @@ int32_t ConcatPStrings(ConstStringPtr a, ConstStringPtr b, StringPtr out) {
     }
     const int32_t aLength = a == nullptr ? 0 : a[0];
     const int32_t bLength = std::min(b == nullptr ? 0 : b[0], kMaxPStringLength - aLength);
-    // The second text first: `out` may be either of them.
+    // The second text first, because `out` may be `a` or `b`.
     BlockMoveData(b == nullptr ? nullptr : b + 1, out + 1 + aLength, bLength);
     BlockMoveData(a == nullptr ? nullptr : a + 1, out + 1, aLength);
     out[0] = static_cast<uint8_t>(aLength + bLength);

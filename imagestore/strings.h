@@ -1,13 +1,13 @@
-// Texts in the two forms used side by side: zero-terminated (CString) and length-prefixed, at most 255
-// characters (PString). All conversions are byte moves: no character set, no case.
+// Operations on the two kinds of text used side by side: zero-terminated (CString) and length-prefixed, at
+// most 255 characters (PString). Conversions only move bytes; they know no character sets or case.
 //
-// Null texts count as empty, null results are ignored. Sizes of buffers include the terminating zero; a size
-// of 0 or less does nothing. Source and result may overlap.
+// Null texts count as empty, and null destinations are ignored. Buffer sizes include the terminating zero; a
+// size of 0 or less does nothing. Source and destination may overlap.
 #pragma once
 
 #include "platform/types.h"
 
-// The room of every preference string, setting text and path: 513 characters and the zero.
+// The buffer size of every preference string, setting text and path: 513 characters and the zero.
 constexpr int32_t kTextSize = 514;
 
 // Zero-filled, at least one byte; null when memory is short. The caller releases it with DisposeCString.
@@ -16,16 +16,16 @@ char *AllocateCString(int32_t size);
 // their first byte.
 void DisposeCString(char *text);
 
-// In place. The block holds one byte more than the text has characters.
+// In place. The block has room for one byte more than the text's characters.
 void ConvertPStringToCString(char *text);
-// In place. Texts longer than 255 keep their first 255 characters.
+// In place. Texts longer than 255 characters keep the first 255.
 void ConvertCStringToPString(char *text);
 
 // Cuts to size - 1 characters.
 void DuplicateCString(const char *source, char *destination, int32_t size);
 void DuplicatePString(ConstStringPtr source, StringPtr destination);
 
-// `out` may be `a`. The second text is cut where the sum exceeds 255. Returns the new length.
+// `out` may be `a`. The second text is cut so that the total does not exceed 255. Returns the new length.
 int32_t ConcatPStrings(ConstStringPtr a, ConstStringPtr b, StringPtr out);
-// Cuts to size - 1 characters, `a` whole when it fits.
+// Cuts to size - 1 characters, taking from `a` first.
 void ConcatCStrings(const char *a, const char *b, char *out, int32_t size);

@@ -1,5 +1,5 @@
-// Streams an image through the kernel: a block of lines is filtered at a time, and written back a line per
-// step.
+// Streams an image through the kernel, which filters a block of lines at a time; each step writes one line
+// back.
 #include "median/hybrid_filter.h"
 
 #include <algorithm>
@@ -11,11 +11,10 @@
 
 namespace {
 
-// Steps before the first line is written, and beyond the image's height in all. Hosts see them in the
-// progress.
+// Steps before the first line is written, in addition to one per line. Hosts see them in the progress.
 constexpr int32_t kLeadingSteps = 2 * kHybridMaxRadius;
 
-// More lines than this make blocks no faster.
+// Larger blocks are no faster.
 constexpr int32_t kMaxBlockLines = 32;
 constexpr int32_t kMaxWindowLines = kMaxBlockLines + 2 * kHybridMaxRadius;
 
@@ -31,7 +30,7 @@ constexpr Layout kLayouts[] = {
     {6, PixelFormat::rgb16},
 };
 
-// Null for a layout that is not filtered.
+// Null for a layout that the filter leaves alone.
 const Layout *FindLayout(int16_t bytesPerPixel) {
     const auto *found = std::find_if(std::begin(kLayouts), std::end(kLayouts), [=](const Layout &layout) {
         return layout.bytesPerPixel == bytesPerPixel;
@@ -46,18 +45,18 @@ int32_t WholeRadius(float radius) {
     return radius >= float{kHybridMinRadius} ? static_cast<int32_t>(radius) : 0;
 }
 
-// The lines around a block, each fetched once and before it is written, and the block's filtered lines.
+// The lines around a block, each fetched once and before it is overwritten, and the block's filtered lines.
 struct Stream {
     NamedImage *image;
     PixelFormat format;
-    int32_t radius;  // 0: lines come out as they are
+    int32_t radius;  // 0 leaves lines unchanged
     int32_t width;
     int32_t height;
     int32_t rowBytes;
     const HybridKernel *kernel;
     int32_t blockLines;
     int32_t windowLines;
-    int32_t fetchedLines;  // from the image's top
+    int32_t fetchedLines;  // counted from the image's top
     OwnedBlock<uint8_t> window;
     OwnedBlock<uint8_t> filtered;
     OwnedBlock<uint8_t> scratch;

@@ -1,4 +1,5 @@
-// The Control Manager. A control is also gone with its window; calls about one that is gone do nothing.
+// The Control Manager. Closing a window disposes of its controls too; calls on a control that no longer
+// exists do nothing.
 #pragma once
 
 #include "platform/windows.h"
@@ -26,13 +27,13 @@ ControlRef NewControl(WindowRef window, const Rect *bounds, ConstStringPtr title
                       intptr_t reference);
 void DisposeControl(ControlRef control);
 
-// The part that was pressed and let go at `point`, in local coordinates; 0 for none. The thumb leaves its new
-// value in the control, no other part changes it. Without an action procedure nothing happens while the
-// button is held.
+// The part in which the mouse was pressed at `point`, in local coordinates, and released; 0 for none. Only
+// the thumb changes the control's value. Without an action procedure nothing happens while the button is
+// held.
 int16_t TrackControl(ControlRef control, Point point, ControlActionUPP action);
 
 int16_t GetControlValue(ControlRef control);
-// Kept within the control's limits.
+// Clamped to the control's limits.
 void SetControlValue(ControlRef control, int16_t value);
 void GetControlTitle(ControlRef control, StringPtr title);
 void SetControlTitle(ControlRef control, ConstStringPtr title);

@@ -7,7 +7,7 @@ namespace {
 // From the start of 1904 to that of 1970: 66 years, 17 of them leap years.
 constexpr int64_t kSecondsTo1970 = (66 * 365 + 17) * int64_t{86400};
 
-// Local seconds are taken apart as if they were UTC: they have the offset in them already.
+// Local seconds are broken down as if they were UTC: they already include the offset.
 void Format(uint32_t seconds, const char *format, Str255 text) {
     const auto local = static_cast<time_t>(seconds - kSecondsTo1970);
     tm fields;

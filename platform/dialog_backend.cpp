@@ -1,4 +1,4 @@
-// Owns the choice of the back end, and opens the module with the one for the screen.
+// Owns the choice of back end, and loads the module that holds the screen one.
 #include <dlfcn.h>
 
 #include <string>
@@ -20,7 +20,7 @@ constexpr DialogBackend kShowsNothing = {
 const DialogBackend *chosen;
 bool triedScreen;
 
-// The module lies beside this library.
+// The module is in the same folder as this library.
 std::string ModulePath() {
     Dl_info self;
     if (dladdr(reinterpret_cast<const void *>(&UseScreenDialogs), &self) == 0) {
@@ -33,7 +33,7 @@ std::string ModulePath() {
 }  // namespace
 
 const DialogBackend &CurrentDialogBackend() {
-    // Tried once: what is missing then is not going to come.
+    // Tried only once: what is missing now will not appear later.
     if (chosen == nullptr && !triedScreen) {
         triedScreen = true;
         (void)UseScreenDialogs();
@@ -46,7 +46,7 @@ void SetDialogBackend(const DialogBackend *backend) {
 }
 
 OSErr UseScreenDialogs() {
-    // Stays open: what it registers with the toolkit must not go away.
+    // Never closed: what the module registers with the toolkit must outlive every dialog.
     void *module = dlopen(ModulePath().c_str(), RTLD_NOW | RTLD_LOCAL);
     if (module == nullptr) {
         return kNoScreenModule;

@@ -1,5 +1,5 @@
-// How a dialog meets its user. Dialogs, items, controls and pictures live in platform/dialog_model.h; a back
-// end shows them and hands in what the user does.
+// Back ends for dialogs. Dialogs, items, controls and pictures live in platform/internal/dialog_model.h; a
+// back end shows them and passes on what the user does.
 #pragma once
 
 #include "platform/dialogs.h"
@@ -8,7 +8,7 @@
 
 struct ScriptedSession;
 
-// What became of a press on a control; `value` counts only for the thumb.
+// The outcome of a press on a control; `value` is meaningful only for the thumb.
 struct TrackedPart {
     int16_t part;
     int16_t value;
@@ -16,36 +16,35 @@ struct TrackedPart {
 
 struct DialogBackend {
     Rect (*screen)();
-    // False when the dialog cannot be shown. Its picture and its items are complete, its controls come later.
+    // False when the dialog cannot be shown. Its picture and items are complete by now; controls may be added
+    // later.
     bool (*open)(DialogRecord *dialog);
     void (*close)(DialogRecord *dialog);
 
-    // Shows the dialog as it stands now and waits for what happens next. False when nothing can happen any
-    // more.
+    // Shows the dialog's current state and waits for the next event. False when no more events can come.
     bool (*nextEvent)(DialogRecord *dialog, EventRecord *event);
 
-    // The following tell how what began with the latest event went on.
+    // The rest continue what the latest event began.
     TrackedPart (*track)(ControlRecord *control);
-    // Does in the text field what the event, a key or a click, means there.
+    // Applies the event, a key or a click, to the text field.
     void (*edit)(DialogRecord *dialog, int16_t item, const EventRecord &event);
-    // Where the mouse was let go, on the screen.
+    // Where the mouse was released, on the screen.
     Point (*drag)(DialogRecord *dialog, Point start);
 };
 
-// Dialogs from now on are answered by `wanted`, which stays the caller's and lives as long as it is in
-// use.
+// From now on `wanted` answers dialogs. The caller keeps ownership and must keep it alive while it is in use.
 void UseScriptedDialogs(ScriptedSession *wanted);
 
 constexpr OSErr kNoScreenModule = -30001;
 constexpr OSErr kNoDisplay = -30002;
 
-// Dialogs from now on are shown on the screen. Otherwise kNoScreenModule or kNoDisplay, and everything stays
-// as it was. Where nobody has chosen, the first dialog tries this.
+// From now on dialogs appear on the screen. On kNoScreenModule or kNoDisplay nothing changes. If no back end
+// has been chosen, the first dialog tries this one.
 OSErr UseScreenDialogs();
-// One sentence for the user about a result of UseScreenDialogs other than noErr.
+// One sentence telling the user why UseScreenDialogs failed; `problem` is not noErr.
 const char *ScreenDialogProblem(OSErr problem);
 
-// The back end in use; without one, one that can show nothing.
+// The back end in use; if there is none, one that cannot show anything.
 const DialogBackend &CurrentDialogBackend();
 void SetDialogBackend(const DialogBackend *backend);
 

@@ -1,4 +1,4 @@
-// The two resources that a dialog is made from. Their numbers are in native byte order here.
+// The two resources that define a dialog. By now their numbers are in native byte order.
 #include <cstring>
 
 #include "platform/internal/dialog_model.h"
@@ -6,7 +6,7 @@
 
 namespace {
 
-// Reads a resource from front to back; past its end everything is 0 and `sound` is lost.
+// Reads a resource from front to back; reads past its end give 0 and clear `sound`.
 struct Reader {
     const uint8_t *next;
     const uint8_t *end;
@@ -40,7 +40,7 @@ Reader ReaderOf(Handle resource) {
     return {bytes, bytes + GetHandleSize(resource)};
 }
 
-// Width and height are numbers of 16 bits, and not negative.
+// Width and height must fit 16 bits and not be negative.
 bool IsSound(const Rect &bounds) {
     const int32_t width = bounds.right - bounds.left;
     const int32_t height = bounds.bottom - bounds.top;
@@ -70,7 +70,7 @@ bool model::ReadItemList(Handle resource, DialogRecord *dialog) {
     Reader reader = ReaderOf(resource);
     const int32_t count = reader.Read<int16_t>() + 1;
     for (int32_t i = 0; i < count && reader.sound; ++i) {
-        reader.Read<int32_t>();  // where the loaded item list keeps its handles
+        reader.Read<int32_t>();  // where a loaded item list keeps its handles
         DialogItem item = {};
         item.bounds = reader.Read<Rect>();
         reader.sound = reader.sound && IsSound(item.bounds);

@@ -1,7 +1,7 @@
 // The Dialog Manager: dialogs made from 'DLOG' and 'DITL' resources, their items, and the modal loop.
 //
-// Items count from 1. What the user sees and does goes through one of the back ends of
-// platform/dialog_backend.h.
+// Items are numbered from 1. The dialog is shown, and the user's actions arrive, through one of the back ends
+// of platform/dialog_backend.h.
 #pragma once
 
 #include "platform/controls.h"
@@ -36,22 +36,22 @@ enum : int16_t {
 
 extern "C" {
 
-// Null without the resources, when they are not sound, and when there is no back end to show the dialog.
-// `storage` is null; a new dialog is in front whatever `behind` says.
+// Null when a resource is missing or malformed, or no back end can show the dialog. `storage` must be null; a
+// new dialog is always frontmost, whatever `behind` says.
 DialogRef GetNewDialog(int16_t id, void *storage, WindowRef behind);
 void DisposeDialog(DialogRef dialog);
 WindowRef GetDialogWindow(DialogRef dialog);
 CGrafPtr GetDialogPort(DialogRef dialog);
 
-// `handle` stands for the text of a text item, is the ControlRef of a control, and the drawing procedure of a
-// user item. Nothing for an item that does not exist.
+// `handle` stands for the text of a text item, and is the ControlRef of a control or the drawing procedure of
+// a user item. Calls on an item that does not exist do nothing.
 void GetDialogItem(DialogRef dialog, int16_t item, int16_t *type, Handle *handle, Rect *bounds);
 void SetDialogItem(DialogRef dialog, int16_t item, int16_t type, Handle handle, const Rect *bounds);
-// Empty, and nothing, for handles that are not of text items.
+// For a handle that is not a text item's, the first gives an empty text and the second does nothing.
 void GetDialogItemText(Handle handle, StringPtr text);
 void SetDialogItemText(Handle handle, ConstStringPtr text);
-// Selects characters of a text field and moves the keyboard focus there; ends past the text stand for its
-// end.
+// Selects characters of a text field and moves the keyboard focus there; positions past the end of the text
+// mean its end.
 void SelectDialogItemText(DialogRef dialog, int16_t item, int16_t start, int16_t end);
 OSErr SetDialogDefaultItem(DialogRef dialog, int16_t item);
 OSErr SetDialogCancelItem(DialogRef dialog, int16_t item);
@@ -59,10 +59,10 @@ OSErr SetDialogCancelItem(DialogRef dialog, int16_t item);
 ModalFilterUPP NewModalFilterUPP(ModalFilterProc procedure);
 UserItemUPP NewUserItemUPP(UserItemProc procedure);
 
-// Handles events of the frontmost dialog, each after the filter has seen it, until an enabled item is hit.
-// When no more events can come, the hit is one on item 2.
+// Handles events for the frontmost dialog, passing each to the filter first, until an enabled item is hit.
+// When no more events can come, it reports a hit on item 2.
 void ModalDialog(ModalFilterUPP filter, int16_t *itemHit);
-// Return and Enter hit the default item; Escape and command-period the cancel item.
+// Return and Enter hit the default item; Escape and Command-period hit the cancel item.
 Boolean StdFilterProc(DialogRef dialog, EventRecord *event, int16_t *itemHit);
 
 }  // extern "C"

@@ -7,9 +7,9 @@
 
 struct EventRecord {
     uint16_t what;
-    uintptr_t message;  // of a key its character; of an update or activate event the window
+    uintptr_t message;  // the character of a key event; the window of an update or activate event
     uint32_t when;
-    Point where;  // of the mouse, on the screen
+    Point where;  // the mouse, in screen coordinates
     uint16_t modifiers;
 };
 
@@ -33,7 +33,7 @@ enum : uint8_t {
 
 extern "C" {
 
-// Where the mouse was at the latest event, in the current port's coordinates.
+// The mouse position at the latest event, in the current port's coordinates.
 void GetMouse(Point *mouse);
 
 }  // extern "C"

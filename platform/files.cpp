@@ -1,4 +1,4 @@
-// Owns the table of open files. The mark of a file is the descriptor's own position.
+// Owns the table of open files. A file's mark is its descriptor's own position.
 #include "platform/files.h"
 
 #include <fcntl.h>
@@ -17,6 +17,7 @@
 
 namespace {
 
+// Never 0, which callers take for no file; with the table's limit every reference fits 16 bits.
 constexpr int16_t kFirstReference = 256;
 constexpr size_t kMaxOpenFiles = 4096;
 
@@ -49,7 +50,8 @@ void PutBigEndian(OSType code, uint8_t *bytes) {
     }
 }
 
-// The Finder's 32 bytes: type, creator, then fields that are nobody's here. Not every file system takes it.
+// The Finder's 32 bytes: type, creator, then fields that are unused here. Not every file system accepts the
+// attribute.
 void SetTypeAndCreator(int descriptor, OSType fileType, OSType creator) {
     uint8_t finderInfo[32] = {};
     PutBigEndian(fileType, finderInfo);
@@ -57,7 +59,7 @@ void SetTypeAndCreator(int descriptor, OSType fileType, OSType creator) {
     (void)fsetxattr(descriptor, "user.com.apple.FinderInfo", finderInfo, sizeof finderInfo, 0);
 }
 
-// ENOENT means a missing file, but only while its folder is there.
+// ENOENT means a missing file only if its folder exists.
 OSErr ErrorForItem(int error, int16_t vRefNum, int32_t dirID) {
     std::string folder;
     struct stat info;

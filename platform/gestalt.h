@@ -1,4 +1,4 @@
-// What the system tells about itself.
+// Queries about the system.
 #pragma once
 
 #include "platform/types.h"
@@ -10,7 +10,7 @@ constexpr OSErr gestaltUnknownErr = -5550;
 
 extern "C" {
 
-// The system's version is 0x1040; there are no other selectors.
+// gestaltSystemVersion gives 0x1040; no other selector is supported.
 OSErr Gestalt(OSType selector, int32_t *response);
 
 }  // extern "C"

@@ -1,4 +1,4 @@
-// Owns the memory of which locks could not be had.
+// Owns the list of locks that could not be obtained.
 #include "platform/locks.h"
 
 #include <fcntl.h>
@@ -21,7 +21,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds kLongestWait{2};
-// flock has no time limit, so the lock is tried again and again.
+// flock has no timeout, so the lock is polled; a millisecond is short for the user and cheap for the
+// processor.
 constexpr timespec kBetweenTries = {0, 1'000'000};
 
 std::set<std::pair<dev_t, ino_t>> refused;
@@ -35,7 +36,7 @@ OSErr WaitForLock(int descriptor, Clock::time_point end) {
         if (Clock::now() >= end) {
             return fBsyErr;
         }
-        // Cut short by handled signals alone, be they such as restart other calls.
+        // Only a handled signal interrupts the sleep, even one whose handler restarts system calls.
         if (nanosleep(&kBetweenTries, nullptr) != 0) {
             return userCanceledErr;
         }

@@ -1,23 +1,23 @@
-// Advisory locks between processes that share a folder: held while several file calls must not be torn apart.
+// Advisory locks between processes that share a folder, held over file calls that must not be interleaved.
 //
-// A lock that another process keeps is waited for, but two seconds at most, and a signal that the process
-// handles ends the wait. A lock that was not had is then only tried, without a wait, until it is had again.
-// Where the file system has no locks, all go on without.
+// If another process holds the lock, the call waits, but for two seconds at most; a signal that the process
+// handles also ends the wait. After a failure the same lock is only tried, without waiting, until it is
+// obtained again. On file systems without locks everything proceeds unlocked.
 //
-// Both locks give noErr, fBsyErr when another process kept the lock, or userCanceledErr after a signal; then
-// nothing is locked, and what the lock is for is left undone.
+// Both locks return noErr, fBsyErr when another process holds the lock, or userCanceledErr after a signal. On
+// an error nothing is locked, and the caller skips the work that the lock protects.
 #pragma once
 
 #include "platform/types.h"
 
 #pragma GCC visibility push(default)
 
-// `lock` goes to UnlockFolder in any case. A folder that cannot be opened is no error here, but is to every
-// call on it.
+// Always pass `lock` to UnlockFolder. A folder that cannot be opened is not an error here: every call on it
+// fails anyway.
 OSErr LockFolder(int16_t vRefNum, int32_t dirID, int *lock);
 void UnlockFolder(int lock);
 
-// Until UnlockFile or FSClose. An unknown reference gives rfNumErr.
+// Held until UnlockFile or FSClose. An unknown reference gives rfNumErr.
 OSErr LockFile(int16_t refNum);
 void UnlockFile(int16_t refNum);
 

@@ -27,8 +27,8 @@ void AppendUTF8(char16_t character, std::string *out) {
     }
 }
 
-// Takes one character off the front; malformed bytes come out as U+FFFD, one at a time. A character written
-// with more bytes than it needs is malformed: a name could else hide a separator.
+// Removes one character from the front; each malformed byte yields U+FFFD. Overlong encodings are malformed:
+// otherwise a name could hide a separator.
 char32_t TakeCharacter(std::string_view *text) {
     const auto first = static_cast<uint8_t>(text->front());
     const size_t length = first < 0x80       ? 1

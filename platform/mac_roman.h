@@ -1,4 +1,4 @@
-// Text between Mac Roman and UTF-8.
+// Conversion between Mac Roman and UTF-8.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 #pragma GCC visibility push(default)
 
 std::string MacRomanToUTF8(std::string_view text);
-// What has no place in Mac Roman becomes '?'.
+// Characters that Mac Roman lacks become '?'.
 std::string UTF8ToMacRoman(std::string_view text);
 
 #pragma GCC visibility pop

@@ -24,6 +24,7 @@ struct Master {
     Ptr block;
 };
 
+// 4 MiB always contains a whole 2 MiB page, wherever the block starts.
 constexpr size_t kWorthLargePages = size_t{1} << 22;
 
 std::atomic<int64_t> bytesInUse = 0;
@@ -33,7 +34,7 @@ Header *HeaderOf(Ptr block) {
     return reinterpret_cast<Header *>(block) - 1;
 }
 
-// Fresh pages of big blocks cost a quarter by the large.
+// Faulting in a big block costs a quarter as much with large pages.
 void TakeLargePages(void *memory, size_t size) {
     if (size < kWorthLargePages) {
         return;

@@ -1,4 +1,4 @@
-// The modal loop. Owns the position of the mouse.
+// The modal loop. Owns the mouse position.
 #include <algorithm>
 #include <iterator>
 
@@ -13,7 +13,7 @@ bool IsEnabled(const DialogItem &item) {
     return (item.type & kItemDisableBit) == 0;
 }
 
-// An update event comes before all else, so that the picture is right whenever the user can act.
+// Update events come first, so that the picture is up to date whenever the user can act.
 bool NextEvent(DialogRecord *dialog, EventRecord *event) {
     if (!ports::IsEmpty(dialog->window.invalid)) {
         *event = {updateEvt, reinterpret_cast<uintptr_t>(&dialog->window), 0, mousePosition, 0};
@@ -73,7 +73,7 @@ int16_t Update(DialogRecord *dialog, const EventRecord &event) {
     return 0;
 }
 
-// What each kind of event does to the dialog; the item that was hit by it, or 0.
+// What each kind of event does to the dialog; returns the item hit, or 0.
 constexpr struct {
     uint16_t what;
     int16_t (*handle)(DialogRecord *dialog, const EventRecord &event);

@@ -1,4 +1,4 @@
-// Between POSIX paths, as people and hosts on POSIX give them, and FSSpecs.
+// Converts between FSSpecs and POSIX paths, as users and POSIX hosts give them.
 #pragma once
 
 #include <string>
@@ -7,15 +7,15 @@
 
 #pragma GCC visibility push(default)
 
-// fnfErr when nothing has the path's last name; the FSSpec is sound all the same.
+// fnfErr when nothing has the path's last name; the FSSpec is valid all the same.
 OSErr SpecFromPosixPath(const std::string &path, FSSpec *spec);
 OSErr PosixPathFromSpec(const FSSpec &spec, std::string *path);
 
-// The folder that FindFolder finds as the Preferences folder: $HYMEDIAN_PREFERENCES, else
+// The folder that FindFolder returns as the Preferences folder: $HYMEDIAN_PREFERENCES, else
 // hymedian/Preferences below $XDG_CONFIG_HOME or ~/.config.
 std::string PreferencesPath();
-// Makes it, open to its owner alone. Without one the filter still runs, from its defaults and in memory, so
-// that a failure is nobody's business.
+// Creates it, accessible only to its owner. Failures are not reported: without the folder the filter still
+// runs, with default settings and images in memory.
 void MakePreferencesFolder();
 
 #pragma GCC visibility pop

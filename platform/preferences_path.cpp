@@ -1,4 +1,4 @@
-// Where the Preferences folder lies on POSIX.
+// The location of the Preferences folder on POSIX.
 #include <sys/stat.h>
 
 #include <cstdlib>
@@ -27,7 +27,7 @@ std::string PreferencesPath() {
 
 void MakePreferencesFolder() {
     fs::path folder = PreferencesPath();
-    // The folder before a trailing slash is not its own parent.
+    // With a trailing slash, parent_path would be the folder itself.
     while (!folder.has_filename() && folder.has_relative_path()) {
         folder = folder.parent_path();
     }

@@ -13,8 +13,9 @@
 namespace {
 
 constexpr int32_t kBytesPerPixel = 4;
-// Rows are aligned, and so longer than their pixels.
+// Rows are padded, so rowBytes exceeds the pixels' own bytes, as callers must allow for.
 constexpr int32_t kRowAlignment = 16;
+// All but the two flag bits of rowBytes.
 constexpr int32_t kRowBytesMask = 0x3FFF;
 constexpr int16_t kPixMapFlag = INT16_MIN;
 constexpr RGBColor kBlack = {0, 0, 0};
@@ -24,7 +25,7 @@ constexpr PenState kNormalPen = {{0, 0}, {1, 1}, srcCopy};
 GrafPort desktopPort = {{}, nullptr, nullptr, kBlack, kWhite, kNormalPen, {}, {}};
 GrafPort *currentPort = &desktopPort;
 
-// The four bytes of a pixel of one colour.
+// One pixel's four bytes.
 struct Pixel {
     uint8_t bytes[kBytesPerPixel];
 };
@@ -116,7 +117,7 @@ GDHandle GetMainDevice() {
     return &master;
 }
 
-// Neither back end leaves another cursor behind.
+// Neither back end ever changes the cursor.
 void InitCursor() {}
 
 void GetPort(GrafPtr *port) {
@@ -225,7 +226,7 @@ const BitMap *GetPortBitMapForCopyBits(CGrafPtr port) {
 
 void CopyBits(const BitMap *source, const BitMap *destination, const Rect *sourceRect,
               const Rect *destinationRect, int16_t, RgnHandle) {
-    // Rectangles may lie so far apart that the way between them has no 16 bits.
+    // The distance between two rectangles may not fit 16 bits.
     const int32_t dh = destinationRect->left - sourceRect->left;
     const int32_t dv = destinationRect->top - sourceRect->top;
     const Rect from = ports::Common(*sourceRect, source->bounds);

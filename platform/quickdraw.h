@@ -1,8 +1,8 @@
 // Drawing: rectangles, ports with 32-bit pictures, off-screen graphics worlds, and copying between them.
 //
-// A pixel is four bytes: 0, red, green, blue. Every drawing call goes into the current port, in its local
-// coordinates, and is cut at its bounds. Where nobody made a port current, the current one is the desktop's,
-// which shows nothing.
+// A pixel is four bytes: 0, red, green, blue. Every drawing call draws into the current port, in its local
+// coordinates, clipped to its bounds. Until some port is made current, that is the desktop's, which shows
+// nothing.
 #pragma once
 
 #include "platform/types.h"
@@ -22,7 +22,7 @@ struct PixMap {
     int16_t pixelSize;
 };
 using PixMapHandle = PixMap **;
-using BitMap = PixMap;  // pictures have one depth here
+using BitMap = PixMap;  // all pictures have the same depth
 
 struct PenState {
     Point pnLoc;
@@ -51,23 +51,24 @@ extern "C" {
 void OffsetRect(Rect *rect, int16_t dh, int16_t dv);
 void InsetRect(Rect *rect, int16_t dh, int16_t dv);
 
-// The screen with the menu bar.
+// The screen that has the menu bar.
 GDHandle GetMainDevice();
 // Sets the arrow cursor.
 void InitCursor();
 
 void GetPort(GrafPtr *port);
 void SetPort(GrafPtr port);
-// There is one device, so that a graphics world is all that these two pass on.
+// There is only one device, so these just get and set the graphics world.
 void GetGWorld(CGrafPtr *port, GDHandle *device);
 void SetGWorld(CGrafPtr port, GDHandle device);
 
-// `depth` is 32. Null with memFullErr, or with paramErr when a row would not fit into `rowBytes`.
+// `depth` must be 32. On failure `*world` is null: memFullErr, or paramErr when a row would not fit
+// `rowBytes`.
 OSErr NewGWorld(GWorldPtr *world, int16_t depth, const Rect *bounds, CTabHandle colors, GDHandle device,
                 GWorldFlags flags);
 void DisposeGWorld(GWorldPtr world);
 PixMapHandle GetGWorldPixMap(GWorldPtr world);
-// Pixels never move, so locking is a statement of intent.
+// Pixels never move, so locking merely states intent.
 Boolean LockPixels(PixMapHandle pixels);
 void UnlockPixels(PixMapHandle pixels);
 Ptr GetPixBaseAddr(PixMapHandle pixels);
@@ -76,13 +77,13 @@ void RGBForeColor(const RGBColor *color);
 void RGBBackColor(const RGBColor *color);
 void GetPenState(PenState *state);
 void SetPenState(const PenState *state);
-// Both in the fore colour; a frame lies inside the rectangle, as thick as the pen.
+// Both use the foreground colour; the frame lies inside the rectangle and is as thick as the pen.
 void PaintRect(const Rect *rect);
 void FrameRect(const Rect *rect);
 
 const BitMap *GetPortBitMapForCopyBits(CGrafPtr port);
-// Black comes out in the current port's fore colour and white in its back colour. The rectangles are of one
-// size, the mode is srcCopy, and there is no mask.
+// Black becomes the current port's foreground colour, and white its background colour. The rectangles must be
+// the same size, the mode srcCopy, and the mask null.
 void CopyBits(const BitMap *source, const BitMap *destination, const Rect *sourceRect,
               const Rect *destinationRect, int16_t mode, RgnHandle mask);
 

@@ -1,4 +1,4 @@
-// Owns the resources of all open resource files. A file is read whole and checked once, when it is opened.
+// Owns the resources of all open resource files. Each file is read whole and checked once, on opening.
 #include "platform/resources.h"
 
 #include <algorithm>
@@ -14,7 +14,9 @@
 
 namespace {
 
+// Holds the resources that tests add; real files count from 1.
 constexpr int16_t kTestFile = 0;
+// The map's offsets into the data are 24 bits wide.
 constexpr int64_t kLargestFile = 16 << 20;
 
 struct Resource {
@@ -24,7 +26,7 @@ struct Resource {
     Handle data;
 };
 
-// The file opened last comes first.
+// Those of the most recently opened file come first.
 std::vector<Resource> resources;
 std::set<int16_t> openFiles;
 OSErr lastError = noErr;
@@ -62,7 +64,7 @@ OSErr Add(int16_t file, OSType type, int16_t id, const uint8_t *bytes, size_t si
     return noErr;
 }
 
-// The lowest one that no open file has.
+// Takes the lowest number that no open file has.
 OSErr TakeNumber(int16_t *file) {
     if (openFiles.size() == std::numeric_limits<int16_t>::max()) {
         return tmfoErr;

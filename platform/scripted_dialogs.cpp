@@ -1,4 +1,4 @@
-// Owns the session in use.
+// The scripted back end. Owns the session in use.
 #include "platform/scripted_dialogs.h"
 
 #include <algorithm>
@@ -6,7 +6,7 @@
 namespace {
 
 ScriptedSession *session;
-// Stands for any window but the dialog.
+// Stands for any window other than the dialog.
 WindowRecord otherWindow;
 
 const UserAction &CurrentAction() {

@@ -1,4 +1,4 @@
-// Whole numbers and their decimal texts.
+// Conversion between integers and decimal text.
 #pragma once
 
 #include "platform/types.h"
@@ -8,8 +8,8 @@
 extern "C" {
 
 void NumToString(int32_t number, StringPtr text);
-// Blanks, a sign, digits; what follows is not looked at. Too large a number becomes the largest; no digits
-// give 0.
+// Reads blanks, a sign and digits, and ignores the rest. Numbers that are too large become the largest;
+// without digits the result is 0.
 void StringToNum(ConstStringPtr text, int32_t *number);
 
 }  // extern "C"

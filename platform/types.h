@@ -10,7 +10,7 @@ using Fixed = int32_t;  // 16.16
 using Ptr = char *;
 using Handle = Ptr *;  // a relocatable block: the block's address is read through the handle
 using StringPtr = uint8_t *;
-using ConstStringPtr = const uint8_t *;  // length byte, then that many characters
+using ConstStringPtr = const uint8_t *;  // a length byte, then that many characters
 using Str255 = uint8_t[256];
 using Str63 = uint8_t[64];
 

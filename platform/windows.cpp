@@ -5,7 +5,7 @@
 
 namespace {
 
-// Of window definitions: the plain modal box cannot be moved, all others of dialogs can.
+// The one window definition that cannot be moved; the other dialog windows can.
 constexpr int16_t kPlainModalBox = 1;
 
 Rect DragBar(const WindowRecord &window) {

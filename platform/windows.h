@@ -1,4 +1,4 @@
-// The Window Manager, as far as a modal dialog needs it.
+// The Window Manager, as far as modal dialogs need it.
 #pragma once
 
 #include "platform/quickdraw.h"
@@ -19,13 +19,13 @@ extern "C" {
 intptr_t GetWRefCon(WindowRef window);
 void SetWRefCon(WindowRef window, intptr_t value);
 
-// Marks a part of the window, in its local coordinates, for the next update event.
+// Adds part of the window, in its local coordinates, to what the next update event redraws.
 void InvalWindowRect(WindowRef window, const Rect *rect);
 
-// What lies under a point of the screen, and the window it belongs to. Only movable windows have a part to
-// drag: a bar of 20 pixels above the contents.
+// The part of a window under a point on the screen, and that window. Only movable windows have a drag region:
+// a bar of 20 pixels above the contents.
 int16_t FindWindow(Point point, WindowRef *window);
-// Follows the mouse until it is released; a window whose mouse is let go outside `bounds` stays where it was.
+// Follows the mouse until it is released; if that is outside `bounds`, the window stays where it was.
 void DragWindow(WindowRef window, Point start, const Rect *bounds);
 
 // The desktop.

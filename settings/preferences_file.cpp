@@ -52,7 +52,7 @@ void WriteHeader(const RunContext *context, int16_t refNum, const uint8_t *zeros
     WriteBlock(refNum, kPreferenceHeaderSize - written, zeros);
 }
 
-// The buffer is not cleared between slots: behind a short text stands what an earlier, longer one left.
+// The buffer is not cleared between slots: after a short text come the remains of an earlier, longer one.
 void PutSlotText(const char *text, uint8_t *buffer) {
     buffer[0] = 0;
     if (text != nullptr) {
@@ -94,7 +94,7 @@ int16_t ReadPreferences(RunContext *context) {
     if (FSRead(refNum, &count, context->preferencesHeader) == noErr) {
         ReadStrings(context, refNum);
     }
-    // From wherever the mark is: right behind a header that was too short for strings to follow.
+    // From wherever the mark is: directly after the header if the header was too short for strings to follow.
     count = kPreferenceTailSize;
     FSRead(refNum, &count, context->preferencesTail);
     UnlockFile(refNum);

@@ -1,4 +1,4 @@
-// A pixel in the running for a median, and the sum of its distances.
+// A candidate for a median: a pixel and the sum of its distances.
 #pragma once
 
 #include "pixels.h"
@@ -11,7 +11,7 @@ struct Candidate {
     Packed<Words> pixel;
 };
 
-// The later candidate takes over only where its sum is strictly smaller.
+// The later candidate wins only if its sum is strictly smaller.
 template <std::size_t Words>
 inline Candidate<Words> Better(const Candidate<Words> &earlier, const Candidate<Words> &later) {
     const Int takesOver = Less(later.sum, earlier.sum);

@@ -1,4 +1,4 @@
-// The result: the median of the sets' medians and the centre pixel.
+// The final choice: the median of the sets' medians and the centre pixel.
 #pragma once
 
 #include "candidate.h"
@@ -22,8 +22,8 @@ inline Packed<Format::kWords> ChooseOfThree(const Packed<Format::kWords> (&candi
     return Better(Better(first, second), third).pixel;
 }
 
-// The median of the four medians and the centre taken three times. The second and third centre have the
-// first one's sum and so never take over, and are at no distance from it.
+// The median of the four medians and the centre, counted three times. The second and third copies of the
+// centre have the same sum as the first, so they never win, and their distance from it is zero.
 template <class Format>
 inline Packed<Format::kWords> ChooseOfSeven(const Packed<Format::kWords> (&candidate)[5]) {
     constexpr int kCentre = 4;

@@ -1,5 +1,5 @@
-// Compile-time geometry of the filter: which samples each median takes, which displacements lie between
-// them, and where the distances of each displacement are kept.
+// Compile-time geometry of the filter: which samples each median uses, which displacements lie between them,
+// and where the distances of each displacement are kept.
 #pragma once
 
 #include <utility>
@@ -7,6 +7,7 @@
 namespace HYBRID_VARIANT {
 
 constexpr int kMaxRadius = 6;
+// The number of different displacements at radius 6, the most of any radius; bins are no more numerous.
 constexpr int kMaxDisplacements = 188;
 
 struct Offset {
@@ -20,7 +21,7 @@ constexpr int kSamples = 4 * R + 1;
 template <int R>
 constexpr int kPairs = kSamples<R> *(kSamples<R> - 1) / 2;
 
-// Lines that one output line depends on, and so the length of every ring of lines.
+// The number of lines that one output line depends on, and thus the length of every ring of lines.
 template <int R>
 constexpr int kRingLines = 2 * R + 1;
 
@@ -29,7 +30,7 @@ struct SampleSet {
     Offset at[kSamples<R>];
 };
 
-// The order of the samples decides ties and must not change.
+// The order of the samples breaks ties and must not change.
 template <int R>
 constexpr SampleSet<R> MakeSampleSet(int set) {
     SampleSet<R> samples{};
@@ -64,7 +65,7 @@ constexpr SampleSet<R> MakeSampleSet(int set) {
 template <int R, int Set>
 constexpr SampleSet<R> kSampleSet = MakeSampleSet<R>(Set);
 
-// A pair of samples seen from its anchor, the later of the two in raster order: the other sample lies at
+// A pair of samples as seen from its anchor, the later of the two in raster order: the other sample is at
 // anchor - displacement.
 struct Pair {
     Offset anchor;
@@ -78,10 +79,10 @@ constexpr Pair MakePair(Offset a, Offset b) {
     return {anchor, {anchor.dy - other.dy, anchor.dx - other.dx}};
 }
 
-// The distances of one displacement: the anchors for which they are still needed lie on the lines
-// firstLine..lastLine around the output line, in the columns firstColumn..lastColumn around the output
-// column. They take that many lines of one bin of the store, a bin being a ring of lines; the distances of
-// anchor line dy are its ring line dy + shift (modulo the ring's length).
+// The distances of one displacement. The anchors still needed lie on lines firstLine..lastLine relative to
+// the output line, in columns firstColumn..lastColumn relative to the output column. They take that many
+// lines of one bin, which is a ring of lines; the distances of anchor line dy are on ring line dy + shift
+// (modulo the ring's length).
 struct Displacement {
     Offset offset;
     int firstLine, lastLine;
@@ -91,7 +92,7 @@ struct Displacement {
 
     constexpr int Lines() const { return lastLine - firstLine + 1; }
 
-    // The columns that are kept beyond as many as there are of output pixels.
+    // The number of columns kept in addition to one per output pixel.
     constexpr int Margin() const { return lastColumn - firstColumn; }
 
     constexpr void Include(Offset anchor) {
@@ -123,7 +124,7 @@ struct Plan {
         return (anchorLine + d.shift + kRingLines<R>) % kRingLines<R>;
     }
 
-    // Where a bin begins in its line, for that many columns of output pixels; bins follow each other.
+    // Where a bin starts in its line, given the number of output columns; bins follow each other.
     constexpr int BinColumn(int bin, int outputColumns) const {
         int column = bin * outputColumns;
         for (int i = 0; i < bin; ++i) {
@@ -152,7 +153,8 @@ constexpr void CollectDisplacements(Plan<R> &plan) {
     }
 }
 
-// Displacements share the lines of a bin: the longest kept first, each into the first bin with room.
+// Several displacements share a bin: those that take the most lines are placed first, each in the first bin
+// with room.
 template <int R>
 constexpr void PackBins(Plan<R> &plan) {
     int used[kMaxDisplacements] = {};
@@ -188,8 +190,8 @@ constexpr Plan<R> MakePlan() {
 template <int R>
 constexpr Plan<R> kPlan = MakePlan<R>();
 
-// One distance of a set's median: between samples i and j, kept on that line of the rings, that many columns
-// to the right of the output pixel's column.
+// One distance used by a set's median: between samples i and j, kept on line `ringLine` of the rings,
+// `column` columns to the right of the output pixel's.
 struct Term {
     int i, j;
     int ringLine;
@@ -201,8 +203,8 @@ struct TermList {
     Term at[kPairs<R>];
 };
 
-// By i + j: every sample then meets its partners in ascending order, and neighbouring terms add to
-// different sums, so that the additions do not wait for each other.
+// Ordered by i + j, so that every sample still meets its partners in ascending order, while neighbouring
+// terms go to different sums and their additions need not wait for each other.
 template <int R, int Set, int OutputColumns>
 constexpr TermList<R> MakeTerms() {
     TermList<R> terms{};

@@ -14,10 +14,10 @@
 
 namespace HYBRID_VARIANT {
 
-// What is done for an output line, in this order. Lines before the first have the first two alone.
+// The stages of an output line, in order. Lines before the first output line go through the first two only.
 enum class Stage { reading, distances, medians, choice, writing };
 
-// Told when a stage is done; measurements have one of their own.
+// Called after each stage; benchmarks supply their own.
 struct NoObserver {
     void operator()(Stage) {}
 };

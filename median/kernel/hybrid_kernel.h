@@ -10,20 +10,20 @@ enum class PixelFormat { gray8, gray16, rgb8, rgb16 };
 constexpr int kHybridMinRadius = 1;
 constexpr int kHybridMaxRadius = 6;
 
-// Filters the columns firstColumn .. lastColumn - 1 of lineCount successive lines.
+// Describes the work: columns firstColumn .. lastColumn - 1 of lineCount successive lines.
 struct HybridBlock {
     PixelFormat format;
     int radius;
     int width;
     int lineCount;
     int firstColumn, lastColumn;
-    // lineCount + 2 * radius lines of width pixels; the first lies radius lines above the first output line.
-    // Lines beyond the image's top and bottom are given by repeating its first and last line.
+    // lineCount + 2 * radius lines of width pixels; the first is radius lines above the first output line.
+    // Lines beyond the top and bottom of the image repeat its first and last line.
     const void *const *source;
     // lineCount lines of width pixels, none of them a source line. Other columns are left alone.
     void *const *target;
-    // At least scratchBytes() bytes, aligned to kHybridScratchAlignment; contents are of no account. Blocks
-    // filtered at the same time need scratch memory of their own.
+    // At least scratchBytes() bytes, aligned to kHybridScratchAlignment; the contents do not matter. Blocks
+    // filtered concurrently need separate scratch memory.
     void *scratch;
 };
 
@@ -31,8 +31,8 @@ constexpr std::size_t kHybridScratchAlignment = 64;
 
 struct HybridKernel {
     const char *name;
-    // As many pixels as are filtered in some ten milliseconds at the largest radius, for callers that look up
-    // between blocks.
+    // The number of pixels filtered in about ten milliseconds at the largest radius, for callers that check
+    // for other work between blocks.
     int pixelsPerBlock;
     std::size_t (*scratchBytes)(PixelFormat format, int radius);
     void (*filter)(const HybridBlock &block);

@@ -1,6 +1,6 @@
-// The distance between two pixels depends on nothing else, and every set of samples meets the same
-// displacements at many places, so each displacement's distances are computed once per line and kept as long
-// as some set still needs them.
+// Computes and keeps distances. A distance depends only on its two pixels, and every set of samples meets the
+// same displacements in many places, so each displacement's distances are computed once per line and kept as
+// long as any set needs them.
 #pragma once
 
 #include "distance.h"
@@ -25,7 +25,7 @@ constexpr BinColumns<R> MakeBinColumns() {
 template <int R>
 constexpr BinColumns<R> kBinColumns = MakeBinColumns<R>();
 
-// Computes a line of distances for the displacements that are kept longer than for `ahead` more output lines.
+// Computes a line of distances for each displacement whose distances are kept for more than `ahead` lines.
 template <class Format, int R>
 void ComputeDistances(const Rings<Format, R> &rings, int ahead) {
     constexpr const Plan<R> &plan = kPlan<R>;

@@ -1,4 +1,4 @@
-// Lines of samples into a tile, and out of it.
+// Reads lines of samples into a tile and writes them out of it.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 
 namespace HYBRID_VARIANT {
 
-// `count` pixels from column `first` on, the image's outermost columns repeated beyond it.
+// Reads `count` pixels starting at column `first`; beyond the image its outermost columns repeat.
 template <class Format>
 void ReadPixels(const void *source, int width, int first, int count, std::int32_t *const *words) {
     const auto *samples = static_cast<const typename Format::Sample *>(source);
@@ -26,7 +26,7 @@ void ReadPixels(const void *source, int width, int first, int count, std::int32_
     }
 }
 
-// From pixels in their order to columns of lanes.
+// Distributes pixels in image order to columns of lanes.
 inline void Deal(const std::int32_t *line, int run, int columns, Int *dealt) {
     for (int x = 0; x < columns; x += kLanes) {
         Int square[kLanes];
@@ -40,8 +40,8 @@ inline void Deal(const std::int32_t *line, int run, int columns, Int *dealt) {
     }
 }
 
-// The way back. From the right, and lane by lane, because the squares reach beyond their run into the next
-// one.
+// The inverse. Squares extend past their own run into the next one, so it goes from right to left and lane by
+// lane: later stores overwrite what spilled over.
 inline void Collect(const Int *dealt, int run, std::int32_t *line) {
     for (int x = WholeSquares(run) - kLanes; x >= 0; x -= kLanes) {
         Int square[kLanes];

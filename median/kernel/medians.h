@@ -1,4 +1,4 @@
-// The median of each set of samples: of the sample with the smallest sum of kept distances to all others.
+// The median of each set of samples: the one whose kept distances to all others have the smallest sum.
 #pragma once
 
 #include "candidate.h"
@@ -6,7 +6,7 @@
 
 namespace HYBRID_VARIANT {
 
-// What the medians of one output line are made of; formats with as many words share the code.
+// The input of one output line's medians; formats with equally many words share the code.
 template <std::size_t Words, int R>
 struct Neighbourhood {
     int run;
@@ -14,7 +14,7 @@ struct Neighbourhood {
     const PackedLine<Words, kPixelColumns<R>> *const *pixels;
 };
 
-// A set's sums that fit the registers, for samples First..Last - 1.
+// As many of a set's sums as fit in registers, for samples First..Last - 1.
 template <int R, int Set, int First, int Last>
 struct SumGroup {
     static constexpr std::size_t kSums = Last - First;
@@ -48,7 +48,8 @@ struct SumGroup {
         (AddTerm<K>(rings, x), ...);
     }
 
-    // The best of Count samples from sample From on. A tournament keeps the order's rule and waits less.
+    // The best of Count samples, starting with sample From. A tournament breaks ties as a linear scan would,
+    // with a shorter dependency chain.
     template <std::size_t Words, int From, int Count>
     [[gnu::always_inline]] Candidate<Words> Best(const Neighbourhood<Words, R> &around, int x) const {
         if constexpr (Count == 1) {
@@ -81,9 +82,9 @@ template <std::size_t Words, int R, int Set, int First = 0>
     }
 }
 
-// The order of the columns. Where a vector is a whole cache line, from both ends in turn: loads that go
-// through memory in equal steps have the processor fetch the next line ahead of time, and it is out of the
-// first-level cache again before its turn comes.
+// The order of the columns. Where a vector is a whole cache line, columns are taken from both ends
+// alternately: with evenly spaced loads the processor prefetches the next line too early, and it is evicted
+// from the first-level cache before it is used.
 constexpr int MedianColumn(int turn, int run) {
     constexpr int kCacheLine = 64;
     if (sizeof(Float) < kCacheLine) {
@@ -92,7 +93,7 @@ constexpr int MedianColumn(int turn, int run) {
     return turn % 2 == 0 ? turn / 2 : run - 1 - turn / 2;
 }
 
-// The median of one set for each column.
+// One set's median for each column.
 template <std::size_t Words, int R, int Set>
 void ComputeMedians(const Neighbourhood<Words, R> &around, PackedLine<Words, kMaxRun<R>> &medians) {
     for (int turn = 0; turn < around.run; ++turn) {

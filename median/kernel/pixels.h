@@ -1,7 +1,8 @@
-// How pixels of each format are read, computed with and written.
+// How pixels of each format are read, used in calculations and written.
 //
-// Between source and target a pixel is kept as one or two words holding its samples, so that a median can
-// carry its choice along in few registers. Distances are taken between points, unpacked from them.
+// Between source and target a pixel is packed into one or two words that hold its samples, so that carrying
+// the current choice through a median takes few registers. Distances are computed between points, which are
+// unpacked from them.
 #pragma once
 
 #include "simd.h"
@@ -24,7 +25,7 @@ using PackedLine = Int[Words][Columns];
 template <class Format, std::size_t Columns>
 using PointLine = typename Format::Component[Format::kComponents][Columns];
 
-// A line of components, one after the other.
+// A line of components, in image order.
 template <class Format, std::size_t Pixels>
 using TailLine = typename Format::ComponentValue[Format::kComponents][Pixels];
 
@@ -79,7 +80,7 @@ struct Gray {
 
     static Point<Float, 1> Unpack(const Packed<1> &p) { return {{ToFloat(p.word[0])}}; }
 
-    // Of three equal components.
+    // As for three equal components.
     static Float SquaredDistance(const Point<Float, 1> &a, const Point<Float, 1> &b) {
         const Float d = a.component[0] - b.component[0];
         const Float square = d * d;
@@ -111,8 +112,7 @@ struct Rgb8 {
         return {{p.word[0] & 0x00FF00FF, p.word[0] >> 8 & 0xFF}};
     }
 
-    // The squares and their sums are whole numbers below 2^24, so the order of the additions is of no
-    // account.
+    // The squares and their sums are integers below 2^24, so the order of the additions does not matter.
     static Float SquaredDistance(const Point<Int, 2> &a, const Point<Int, 2> &b) {
         const Int redBlue = SumSquaresOfPairs(SubtractPairs(a.component[0], b.component[0]));
         const Int green = SumSquaresOfPairs(SubtractPairs(a.component[1], b.component[1]));

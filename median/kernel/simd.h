@@ -1,4 +1,5 @@
-// Vectors of HYBRID_LANES pixels, in the compiler's own vector types; a single lane is a plain number.
+// Vectors of HYBRID_LANES pixels, in the compiler's own vector types; with a single lane they are plain
+// numbers.
 #pragma once
 
 #include <cstddef>
@@ -53,7 +54,7 @@ inline Float ToFloat(Int value) {
 #endif
 }
 
-// Each lane two 16-bit numbers: their differences, and the sum of their squares.
+// Each lane holds two 16-bit numbers: their differences, and the sum of their squares.
 inline Int SubtractPairs(Int a, Int b) {
     return __builtin_bit_cast(Int, __builtin_bit_cast(Int16Pairs, a) - __builtin_bit_cast(Int16Pairs, b));
 }
@@ -78,13 +79,13 @@ inline Int SumSquaresOfPairs(Int pairs) {
 #endif
 }
 
-// Less gives a mask of all bits or none for each lane, and Select takes by it.
+// Less gives a mask per lane, all ones or all zeros, and Select chooses by it.
 #if HYBRID_LANES == 1
 inline Int Less(Float a, Float b) {
     return -static_cast<Int>(a < b);
 }
 
-// Without a branch, which noise would make impossible to predict.
+// Branchless, because noise would make a branch unpredictable.
 inline Int Select(Int mask, Int a, Int b) {
     return (a & mask) | (b & ~mask);
 }
@@ -109,7 +110,7 @@ inline Vector Select(Int mask, Vector a, Vector b) {
 
 using EveryLane = std::make_integer_sequence<int, kLanes>;
 
-// Every lane takes its successor's value, the last lane `last`.
+// Every lane takes its successor's value; the last lane takes `last`.
 template <int... Lane>
 inline Float NextLane(Float value, float last, std::integer_sequence<int, Lane...>) {
     const Float lasts = {(static_cast<void>(Lane), last)...};
@@ -120,7 +121,7 @@ inline Float NextLane(Float value, float last) {
     return NextLane(value, last, EveryLane{});
 }
 
-// In every square of 2 * Step rows and lanes, the upper right quarter and the lower left one change places.
+// In every square of 2 * Step rows and lanes, swaps the upper right and lower left quarters.
 template <int Step, int... Lane>
 inline void ExchangeQuarters(Int (&rows)[kLanes], std::integer_sequence<int, Lane...>) {
     for (int i = 0; i < kLanes; ++i) {
@@ -134,7 +135,7 @@ inline void ExchangeQuarters(Int (&rows)[kLanes], std::integer_sequence<int, Lan
     }
 }
 
-// Lane j of row i and lane i of row j change places.
+// Swaps lane j of row i with lane i of row j.
 template <int Step = kLanes / 2>
 inline void Transpose(Int (&rows)[kLanes]) {
     if constexpr (Step > 0) {

@@ -1,9 +1,8 @@
-// What the filter keeps of a tile: a block is filtered in tiles of columns, line by line.
+// The filter's working memory. A block is filtered in tiles of columns, line by line.
 //
-// A tile's pixels are dealt to the lanes in runs: column c of lane l is pixel l * run + c. So every
-// displacement is a whole number of vectors, and every load is aligned. What lies beyond a lane's run is the
-// beginning of its neighbour's, one rotation of the lanes away; only the last lane needs pixels beyond the
-// tile.
+// A tile's pixels are dealt to the lanes in runs: column c of lane l is pixel l * run + c. Every displacement
+// is thus a whole number of vectors, and every load is aligned. What lies beyond a lane's run is the start of
+// its neighbour's, one lane rotation away; only the last lane needs pixels from beyond the tile.
 #pragma once
 
 #include "geometry.h"
@@ -13,35 +12,35 @@
 
 namespace HYBRID_VARIANT {
 
-// Small enough for the distances to stay in a second-level cache, and large enough for the margins, which are
-// as wide for any run, not to outweigh what wider vectors save. Up to radius 3, such that a run and its
+// Small enough for the distances to stay in a second-level cache, yet large enough that the margins, which
+// are equally wide for any run, do not outweigh the gain from wider vectors. Up to radius 3, a run and its
 // margins fill whole squares.
 constexpr int kTilePixels[kMaxRadius] = {480, 448, 416, 128, 128, kLanes == 16 ? 192 : 128};
 
-// The most successive pixels that a lane takes.
+// The largest number of successive pixels that a lane takes.
 template <int R>
 constexpr int kMaxRun = kTilePixels[R - 1] / kLanes;
 
 template <int R>
 constexpr int kDistanceColumns = kPlan<R>.BinColumn(kPlan<R>.bins, kMaxRun<R>);
 
-// Lines are dealt to the lanes, and collected from them, in squares.
+// Rounds up to whole squares, in which lines are dealt to the lanes and collected again.
 constexpr int WholeSquares(int columns) {
     return (columns + kLanes - 1) / kLanes * kLanes;
 }
 
-// Pixels have R columns of margin on both sides.
+// Pixels have a margin of R columns on both sides.
 template <int R>
 constexpr int kPixelColumns = WholeSquares(kMaxRun<R> + 2 * R);
 template <int R>
 constexpr int kOutputColumns = WholeSquares(kMaxRun<R>);
 
-// The pixels around a tile's end in their order, R of them within: whole vectors, from any of the first 2 * R
-// on.
+// The pixels around a tile's end in image order, starting R pixels inside it, so that whole vectors can be
+// loaded from any of the first 2 * R.
 template <int R>
 constexpr int kTailPixels = WholeSquares(2 * R) + kLanes;
 
-// A tile's pixels in their order, from R before the first to the end of the tail.
+// A tile's pixels in image order, from R before the first to the end of the tail.
 template <int R>
 constexpr int kLinePixels = kMaxRun<R> *kLanes + kTailPixels<R>;
 
@@ -56,8 +55,8 @@ struct alignas(kHybridScratchAlignment) Tile {
     std::int32_t line[Format::kWords][kLinePixels<R>];
 };
 
-// A tile at work: how long its runs are, and where the rings stand for the current output line. The pixel
-// lines are those from R above it to R below.
+// A tile in use: the length of its runs, and the position of its rings for the current output line. The pixel
+// lines are those from R above that line to R below it.
 template <class Format, int R>
 struct Rings {
     int run;

@@ -30,7 +30,7 @@ void FillUpright(int32_t radius, PixelOffset *next) {
     }
 }
 
-// Two perpendicular lines; `side` 1 or -1 mirrors them.
+// Two perpendicular lines; a `side` of -1 instead of 1 mirrors them.
 void FillSlanted(int32_t radius, int32_t side, PixelOffset *next) {
     for (int32_t k = 1; k <= radius; ++k) {
         *next++ = {k, side * Slope(k)};

@@ -8,11 +8,11 @@ constexpr int32_t kMaxSetSize = 4 * kMaxRadius + 1;
 
 struct PixelOffset {
     int32_t dy;  // lines below the centre
-    int32_t dx;  // pixels right of it
+    int32_t dx;  // pixels to its right
 };
 
-// The first two sets serve every radius, the slanted ones, turned about 27 degrees, from radius 2 on. Within
-// a set the order decides ties.
+// The first two sets are used at every radius; the slanted ones, turned by about 27 degrees, from radius 2
+// on. Within a set the order breaks ties.
 struct Neighborhood {
     int32_t setSize;  // 4 * radius + 1
     PixelOffset diagonal[kMaxSetSize];

@@ -19,7 +19,7 @@ struct Color {
     float r, g, b;
 };
 
-// The 13 lines around the one being computed; image pixel x sits at x + kMargin.
+// The 13 lines around the one being computed; image pixel x is at x + kMargin.
 using Band = std::array<Color *, kBandLines>;
 
 struct Candidates {
@@ -54,21 +54,21 @@ Color FilteredPixel(const Band &band, int32_t x, const Neighborhood &sets, const
     Candidates candidates;
     SetCandidate(&candidates, 0, SetMedian(band, x, sets.diagonal, sets.setSize));
     SetCandidate(&candidates, 1, SetMedian(band, x, sets.upright, sets.setSize));
-    // At radius 1 the slanted sets would be the diagonals over again.
+    // At radius 1 the slanted sets would equal the diagonals.
     if (sets.setSize < 4 * 2 + 1) {
         SetCandidate(&candidates, 2, center);
         return CandidateAt(candidates, returnMedian(3, candidates.r, candidates.g, candidates.b, table));
     }
     SetCandidate(&candidates, 2, SetMedian(band, x, sets.firstSlanted, sets.setSize));
     SetCandidate(&candidates, 3, SetMedian(band, x, sets.secondSlanted, sets.setSize));
-    // The centre counts three times: what differs little from its surroundings stays.
+    // The centre counts three times, so that a pixel that differs little from its surroundings stays.
     for (int32_t i = 4; i < 7; ++i) {
         SetCandidate(&candidates, i, center);
     }
     return CandidateAt(candidates, returnMedianScheduling(7, candidates.r, candidates.g, candidates.b));
 }
 
-// How samples of a layout become colours and go back; a grey sample stands for three equal components.
+// Converts a layout's samples to colours and back; a grey sample stands for three equal components.
 template <typename Sample, size_t kSamples>
 struct Samples {
     static constexpr size_t kGreen = kSamples == 3 ? 1 : 0;

@@ -1,5 +1,5 @@
-// The hybrid median filter as it is defined, pixel by pixel. The kernels give the same results faster; this
-// is what they are tested and measured against.
+// The hybrid median filter by definition, pixel by pixel. The kernels give the same results faster; they are
+// tested and benchmarked against this.
 #pragma once
 
 #include <cstdint>

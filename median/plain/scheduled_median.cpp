@@ -1,5 +1,5 @@
-// Owns the schedule: the list of sample pairs, rebuilt only when the number of samples changes. The work of a
-// call is three flat passes over that list.
+// Owns the schedule: the list of sample pairs, rebuilt only when the number of samples changes. Each call
+// makes three passes over that list.
 #include "median/plain/scheduled_median.h"
 
 #include "median/plain/smallest_sum.h"
@@ -18,7 +18,7 @@ SamplePair scheduleptr[kMaxPairs];
 float schedulesumsquares[kMaxPairs];
 uint32_t schedulesqrtseed[kMaxPairs];
 
-// Every pair i < j, i outer: the order of the additions fixes how the sums round.
+// Every pair i < j, with i in the outer loop: the order of the additions determines how the sums round.
 void BuildSchedule(int32_t count) {
     int32_t k = 0;
     for (int32_t i = 0; i < count - 1; ++i) {

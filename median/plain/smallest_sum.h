@@ -1,5 +1,4 @@
-// Which of the samples has the smallest sum of distances; the lowest of equals. A sum that is not a number
-// never wins.
+// Finds the sample with the smallest sum of distances; the lowest index if several tie. A NaN sum never wins.
 #pragma once
 
 #include <cstdint>

@@ -1,6 +1,6 @@
-// The approximate square roots by which medians measure distance. q is a squared distance, never negative.
+// The approximate square roots with which medians measure distance. q is a squared distance, never negative.
 //
-// The reciprocal estimate is the well-known one: a seed from half the bit pattern, and one Newton step.
+// The reciprocal estimate is the well-known one: a seed from half the bit pattern, then one Newton step.
 #pragma once
 
 #include <bit>
@@ -17,15 +17,15 @@ inline uint32_t ReciprocalRootSeed(float q) {
     return 0x5F3759DFu - static_cast<uint32_t>(std::bit_cast<int32_t>(q) >> 1);
 }
 
-// The distance from a squared one and its seed; 0 for 0.
+// The distance, given its square and the seed; 0 for 0.
 inline float DistanceFromSeed(float q, uint32_t seed) {
     const float y = std::bit_cast<float>(seed);
     const float t = ((q * 0.5f) * y) * y;
     return ((1.5f - t) * y) * q;
 }
 
-// Halves the exponent, rounding down, and looks the mantissa's top seven bits up, in the upper half of the
-// table when the exponent is odd.
+// Halves the exponent, rounding down, and looks up the top seven bits of the mantissa, in the upper half of
+// the table when the exponent is odd.
 inline float TableDistance(float q, const uint32_t *table) {
     if (q == 0) {
         return 0;

@@ -7,7 +7,7 @@ namespace {
 
 constexpr int kBlock = 4;
 
-// One Newton step whose last product is taken in double precision.
+// One Newton step, with the last product in double precision.
 float BlockDistance(float q, uint32_t seed) {
     const float y = std::bit_cast<float>(seed);
     const float t = y * ((q * 0.5f) * y);
@@ -33,7 +33,7 @@ int32_t returnMedian(int32_t count, const float *a, const float *b, const float 
         return SquaredDistance(a[i], b[i], c[i], a[j], b[j], c[j]);
     };
     for (int32_t i = 0; i < count - 1; ++i) {
-        // The seeds come from squared distances of before this i, not from the block's own.
+        // The seeds come from what earlier rounds of i left, not from the block's own squared distances.
         uint32_t seeds[kBlock];
         for (int lane = 0; lane < kBlock; ++lane) {
             seeds[lane] = ReciprocalRootSeed(scratch[lane]);

@@ -1,5 +1,5 @@
-// Switches for tests: memory and disk space that run out, files that fail, volumes and resources of their
-// own, and the system's version.
+// Switches for tests: running out of memory and disk space, failing file calls, extra volumes and resources,
+// and the system's version.
 #pragma once
 
 #include <cstdint>
@@ -10,36 +10,36 @@
 
 namespace faults {
 
-// Requests that would take the bytes in use beyond `bytes` fail; a negative number lifts the limit.
+// Requests that would push the bytes in use beyond `bytes` fail; a negative number lifts the limit.
 void SetMemoryLimit(int64_t bytes);
 
-// The n-th request from now on fails, once; 0 disarms.
+// The n-th request from now on fails, once; 0 disarms it.
 void FailAllocation(int64_t n);
 
-// TempNewHandle fails while set, which sends images to disk.
+// While set, TempNewHandle fails, which sends images to disk.
 void RefuseTemporaryMemory(bool refuse);
 
-// The n-th call on a file, name or folder from now on does nothing and gives `err`, once; 0 disarms. Closing
-// closes all the same.
+// The n-th call on a file, name or folder from now on does nothing and returns `err`, once; 0 disarms it.
+// Close calls still close the file.
 void FailFileCall(int64_t n, OSErr err);
 
-// Whether the failure that was armed last has happened.
+// Whether the most recently armed failure has happened.
 bool FaultStruck();
 
-// FSWrite writes no more than so many bytes in all, then gives dskFulErr; a negative number lifts the limit.
+// FSWrite writes at most this many bytes in all, then returns dskFulErr; a negative number lifts the limit.
 void SetDiskSpace(int64_t bytes);
 
 int64_t BytesInUse();
 int64_t BlocksInUse();
 
-// A further volume on the POSIX directory `root`; a mounted one of that name moves there.
+// Adds a volume on the POSIX directory `root`; if one of that name is already mounted, it moves there.
 void MountVolume(const std::string &name, const std::string &root);
 
-// As if an open resource file held it; removed again with RemoveResources.
+// Adds a resource as if an open resource file held it. RemoveResources removes them all.
 void AddResource(OSType type, int16_t id, const std::vector<uint8_t> &bytes);
 void RemoveResources();
 
-// What Gestalt tells; with a negative number it tells nothing.
+// What Gestalt reports; with a negative number it reports nothing.
 void SetSystemVersion(int32_t version);
 
 }  // namespace faults

@@ -1,5 +1,5 @@
-// What the switches of fault_injection.h say, for the calls that ask. Nothing ever fails where they are not
-// compiled in.
+// How the switches of fault_injection.h are set, for the calls that check them. Nothing ever fails in builds
+// without fault injection.
 #pragma once
 
 #include <cstdint>
@@ -10,13 +10,13 @@ namespace faults {
 
 #ifdef HYMEDIAN_FAULT_INJECTION
 
-// Asked once per request, while `bytesInUse` are taken.
+// Called once per request, with `bytesInUse` already taken.
 bool AllocationFails(int64_t size, int64_t bytesInUse);
 bool TemporaryMemoryRefused();
 
-// Asked once per call; noErr lets it go on.
+// Called once per call; noErr lets it proceed.
 OSErr FileCallError();
-// How many of the bytes a write may write. They count as written.
+// How many of `bytes` a write may write. They count as written.
 int64_t TakeDiskSpace(int64_t bytes);
 bool HasDiskSpace(int64_t bytes);
 

@@ -1,4 +1,4 @@
-// What windows, dialogs and controls consist of.
+// The records behind windows, dialogs and controls.
 #pragma once
 
 #include <memory>
@@ -22,7 +22,7 @@ struct ControlRecord {
     intptr_t reference;
 };
 
-// A number of characters and what is selected of them.
+// Text and the selected part of it.
 struct EditedText {
     std::string characters;
     size_t selectionStart;
@@ -32,14 +32,14 @@ struct EditedText {
 struct DialogItem {
     int16_t type;
     Rect bounds;
-    UserItemUPP draw;        // of a user item
-    EditedText text;         // of a text item
-    ControlRecord *control;  // of a control item
+    UserItemUPP draw;        // user items only
+    EditedText text;         // text items only
+    ControlRecord *control;  // control items only
 };
 
 struct WindowRecord {
     GrafPort port;
-    Rect bounds;  // of the contents, on the screen
+    Rect bounds;  // the contents, in screen coordinates
     std::string title;
     int16_t definition;
     bool visible;
@@ -50,33 +50,33 @@ struct WindowRecord {
 struct DialogRecord {
     WindowRecord window;
     std::vector<DialogItem> items;
-    std::vector<std::unique_ptr<ControlRecord>> controls;  // of items first
+    std::vector<std::unique_ptr<ControlRecord>> controls;  // those of items come first
     int16_t defaultItem;
     int16_t cancelItem;
     int16_t focusItem;       // the text field that takes keys; 0 for none
-    int32_t selectionCount;  // how often the selection was set by call
+    int32_t selectionCount;  // how often a call has set the selection
 };
 
 namespace model {
 
 constexpr int16_t kTitleBarHeight = 20;
 
-// Open dialogs, the frontmost last.
+// Open dialogs, frontmost last.
 std::vector<DialogRecord *> &OpenDialogs();
 
-// The parts of a dialog's two resources; false when they are not sound.
+// Read a dialog's two resources; false when they are malformed.
 bool ReadWindowTemplate(Handle resource, WindowRecord *window, int16_t *itemListID);
 bool ReadItemList(Handle resource, DialogRecord *dialog);
 
-// Null where there is none.
+// Null if there is no such item.
 DialogItem *ItemAt(DialogRecord *dialog, int16_t item);
-// The enabled or passive item under a point in local coordinates; 0 for none.
+// The item, enabled or not, under a point in local coordinates; 0 for none.
 int16_t ItemUnder(const DialogRecord &dialog, Point local);
 int16_t KindOf(const DialogItem &item);  // its type without kItemDisableBit
 bool IsControlItem(const DialogItem &item);
 ControlRecord *AddControl(DialogRecord *dialog, ControlRecord control);
 
-// Puts the window's contents at a place of the screen.
+// Moves the window's contents to a place on the screen.
 void MoveWindowTo(WindowRecord *window, Point place);
 
 void CopyTitle(const std::string &text, StringPtr title);

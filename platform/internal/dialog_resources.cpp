@@ -7,10 +7,9 @@ namespace {
 constexpr OSType kDialogTemplate = FourCharCode("DLOG");
 constexpr OSType kDialogItems = FourCharCode("DITL");
 
-// Widths of the fields of a template: bounds, definition, visible, go-away, reference value, items; then the
-// title.
+// Field widths of a template: bounds, definition, visible, go-away, reference value, items; then the title.
 constexpr size_t kTemplateFields[] = {2, 2, 2, 2, 2, 1, 1, 1, 1, 4, 2};
-// Of an item before its type and data: placeholder, rectangle.
+// Field widths of an item up to its type and data: placeholder, rectangle.
 constexpr size_t kItemFields[] = {4, 2, 2, 2, 2};
 
 struct Cursor {
@@ -53,7 +52,7 @@ bool SwapItems(Cursor cursor) {
             return false;
         }
         const size_t length = cursor.at[1];
-        // Data are padded to an even length; the last item's padding may be missing.
+        // Data is padded to an even length; the last item's padding may be missing.
         if (!Skip(&cursor, 2 + length) || (length % 2 != 0 && !Skip(&cursor, 1) && i + 1 < items)) {
             return false;
         }

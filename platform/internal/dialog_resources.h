@@ -1,10 +1,10 @@
-// Dialog resources, whose numbers are big-endian in the file and native in memory.
+// Byte order of dialog resources: big-endian in the file, native in memory.
 #pragma once
 
 #include <cstddef>
 
 #include "platform/types.h"
 
-// Turns a 'DLOG' or 'DITL' around in place; any other type stays as it is. False when the resource is too
-// short for what it says it holds.
+// Swaps a 'DLOG' or 'DITL' in place; any other type is left alone. False when the resource is shorter than
+// its contents claim.
 bool ToNativeByteOrder(OSType type, uint8_t *bytes, size_t size);

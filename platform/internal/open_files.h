@@ -5,5 +5,5 @@
 
 constexpr int kClosed = -1;
 
-// kClosed for a reference that no open file has.
+// kClosed if no open file has the reference.
 int DescriptorOf(int16_t refNum);

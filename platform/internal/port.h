@@ -1,4 +1,4 @@
-// What a drawing port consists of.
+// The record behind a drawing port.
 #pragma once
 
 #include "platform/quickdraw.h"
@@ -12,20 +12,20 @@ struct GrafPort {
     RGBColor foreColor;
     RGBColor backColor;
     PenState pen;
-    Point origin;  // where local (0, 0) lies on the screen
-    Rect drawn;    // encloses all that was ever drawn
+    Point origin;  // local (0, 0) in screen coordinates
+    Rect drawn;    // encloses everything drawn so far
 };
 
 namespace ports {
 
-// Makes the port's picture, all zeros. The port stays where it is until ReleasePort.
+// Makes the port's picture, all zeros. The port must not move until ReleasePort.
 OSErr InitPort(GrafPort *port, const Rect &bounds, bool temporaryMemory);
-// Also makes the desktop's port current if this one was.
+// If this port is current, the desktop's becomes current.
 void ReleasePort(GrafPort *port);
 
 uint8_t *PixelAt(const PixMap &picture, int32_t h, int32_t v);
 bool Contains(const Rect &rect, Point point);
-// The part that both have; empty rectangles have none.
+// The intersection, which is empty if either rectangle is.
 Rect Common(const Rect &a, const Rect &b);
 Rect Enclosing(const Rect &a, const Rect &b);
 bool IsEmpty(const Rect &rect);

@@ -20,11 +20,12 @@ struct Reader {
     }
 };
 
+// Where the map keeps the offset of its type list, and the sizes of its two kinds of entries.
 constexpr size_t kTypeListOffsetPlace = 24;
 constexpr size_t kTypeSize = 8;
 constexpr size_t kReferenceSize = 12;
 
-// Counts are stored less one, so that 0xFFFF means none.
+// Counts are stored minus one, so 0xFFFF means none.
 size_t Count(uint32_t lessOne) {
     return static_cast<uint16_t>(lessOne + 1);
 }
@@ -34,7 +35,7 @@ bool AddEntry(Reader *reader, size_t dataOffset, OSType type, size_t reference,
     const auto id = static_cast<int16_t>(reader->Number(reference, 2));
     const size_t place = dataOffset + reader->Number(reference + 5, 3);
     const size_t size = reader->Number(place, 4);
-    reader->Number(reference + 8, 4);  // room for a handle, which must be there all the same
+    reader->Number(reference + 8, 4);  // space for a handle, unused but required
     if (!reader->sound || size > reader->bytes->size() - place - 4) {
         return false;
     }
@@ -56,7 +57,7 @@ bool ParseResourceFile(const std::vector<uint8_t> &bytes, std::vector<ResourceEn
         const size_t count = Count(reader.Number(entry + 4, 2));
         const size_t references = typeList + reader.Number(entry + 6, 2);
         for (size_t r = 0; reader.sound && r < count; ++r) {
-            // A sound file holds each byte once, so it cannot have more entries than bytes.
+            // No two entries of a sound file share bytes, so it cannot have more entries than bytes.
             if (entries->size() > bytes.size() ||
                 !AddEntry(&reader, dataOffset, type, references + r * kReferenceSize, entries)) {
                 return false;

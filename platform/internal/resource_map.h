@@ -14,5 +14,5 @@ struct ResourceEntry {
     size_t size;
 };
 
-// False when anything in the file points outside of it.
+// False when anything in the file points outside it.
 bool ParseResourceFile(const std::vector<uint8_t> &bytes, std::vector<ResourceEntry> *entries);

@@ -15,10 +15,12 @@
 
 namespace {
 
+// What Str63 holds.
 constexpr size_t kMaxNameLength = 63;
-// A colon would come out as POSIX's separator.
+// A colon would become POSIX's separator.
 constexpr std::string_view kNotInNames("\0:", 2);
 constexpr int32_t kNoDirectory = 0;
+// IDs below this are reserved, as on a Mac volume; only the root and its parent use theirs here.
 constexpr int32_t kFirstFreeDirectory = 16;
 
 struct Volume {
@@ -33,7 +35,7 @@ std::vector<Volume> volumes = {{"Macintosh HD", "/"}};
 std::map<FileIdentity, int32_t> directoryIDs;
 std::map<int32_t, std::string> directoryPaths;
 
-// The folder that the process was started in may be gone.
+// The folder the process was started in may no longer exist.
 std::string StartupFolder() {
     std::error_code error;
     const std::filesystem::path folder = std::filesystem::current_path(error);
@@ -87,8 +89,8 @@ std::string Joined(const std::string &folder, const std::string &name) {
     return folder.back() == '/' ? folder + name : folder + '/' + name;
 }
 
-// What cannot be resolved leaves an FSSpec on which every call fails with the same error: an empty
-// name, or no folder.
+// A path that cannot be resolved yields an FSSpec on which every call fails with the same error: it has an
+// empty name, or no folder.
 OSErr MakeSpec(int16_t vRefNum, const std::string &folder, std::string_view name, FSSpec *spec) {
     *spec = {vRefNum, volume::kRoot, {}};
     if (const OSErr err = CheckName(name); err != noErr) {
@@ -103,7 +105,7 @@ OSErr MakeSpec(int16_t vRefNum, const std::string &folder, std::string_view name
     return lstat(Joined(folder, PosixName(name)).c_str(), &info) == 0 ? noErr : volume::ErrorFromErrno(errno);
 }
 
-// Takes the path's next component off its front.
+// Removes the path's next component from its front.
 std::string_view TakeComponent(std::string_view *path) {
     const size_t colon = std::min(path->find(':'), path->size());
     const std::string_view component = path->substr(0, colon);
@@ -132,7 +134,7 @@ OSErr volume::DirectoryID(int16_t vRefNum, const std::string &path, int32_t *dir
     }
     const auto nextFree = static_cast<int32_t>(directoryIDs.size()) + kFirstFreeDirectory;
     *dirID = directoryIDs.try_emplace({info.st_dev, info.st_ino}, nextFree).first->second;
-    // A directory that was renamed since goes by its latest path.
+    // A renamed directory goes by its latest path.
     directoryPaths[*dirID] = plainPath;
     return noErr;
 }

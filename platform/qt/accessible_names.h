@@ -1,4 +1,4 @@
-// What a screen reader calls the widgets.
+// The names by which screen readers announce the widgets.
 #pragma once
 
 #include <QString>
@@ -9,7 +9,8 @@ namespace qt {
 
 QString TextFrom(const std::string &macRoman);
 
-// A title with words in it; else the label that begins the item's row, with the title; empty without either.
+// The title if it contains letters; otherwise the label that starts the item's row, followed by the title.
+// Empty if there is neither.
 QString AccessibleName(const DialogRecord &dialog, const Rect &bounds, const QString &title);
 
 }  // namespace qt

@@ -9,7 +9,7 @@ namespace {
 
 using qt::DialogWindow;
 
-// What a scroll bar's own action is to the plug-in.
+// What a scroll bar's own action means to the plug-in.
 TrackedPart PartOf(const QScrollBar &bar, int action) {
     switch (action) {
         case QAbstractSlider::SliderSingleStepSub:
@@ -25,8 +25,8 @@ TrackedPart PartOf(const QScrollBar &bar, int action) {
     }
 }
 
-// Only shown, since steps of the bar's own never come about. Where there are many values they are taken for
-// pixels, of which those beside the bar are in view.
+// Affects only the display, since the bar never steps by itself. A large range is taken to be in pixels, with
+// the bar's length of them in view.
 int ThumbLength(const ControlRecord &control, int barLength) {
     const int range = control.maximum - control.minimum;
     return range < barLength / 8 ? std::max(range / 4, 1) : barLength;

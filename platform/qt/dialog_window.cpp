@@ -21,7 +21,7 @@ namespace {
 
 using qt::DialogWindow;
 
-// How long the user may do nothing before the host hears of it.
+// How long to wait for the user before the host gets an idle event.
 constexpr int kIdleMilliseconds = 50;
 
 int16_t Coordinate(int value) {
@@ -32,10 +32,10 @@ QPoint ScreenOrigin() {
     return QGuiApplication::primaryScreen()->geometry().topLeft();
 }
 
-// Keys that mean a button wherever the focus is.
+// Keys that press a button wherever the focus is.
 constexpr struct {
     int key;
-    Qt::KeyboardModifiers modifiers;  // without which it does not count
+    Qt::KeyboardModifiers modifiers;  // required modifiers
     uint8_t character;
 } kButtonKeys[] = {
     {Qt::Key_Return, Qt::NoModifier, kReturnCharCode},
@@ -55,7 +55,7 @@ bool PressButtonKey(DialogWindow *shown, const QKeyEvent &event) {
     return true;
 }
 
-// Space is not among them: it presses the widget with the focus.
+// Space does not: it presses the focused widget.
 bool EditsText(const QKeyEvent &event) {
     const bool command =
         (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0;
@@ -64,7 +64,7 @@ bool EditsText(const QKeyEvent &event) {
            (prints && !command && event.key() != Qt::Key_Space);
 }
 
-// What is typed elsewhere goes to the field, and the focus with it.
+// Text typed elsewhere goes to the field, and the focus moves there.
 bool TypeIntoField(DialogWindow *shown, QKeyEvent *event) {
     const int16_t item = shown->dialog->focusItem;
     auto *field =
@@ -109,7 +109,7 @@ void WatchField(DialogWindow *shown, QLineEdit *field, const QEvent &event) {
             qt::PostPress(&shown->input, shown->dialog->items[index].bounds, {});
             break;
         }
-        // It forgets what is selected.
+        // The field forgets its selection when it loses the focus.
         case QEvent::FocusOut:
             shown->selectionStart = field->selectionStart();
             shown->selectionLength = field->selectionLength();
@@ -123,11 +123,11 @@ bool WatchWidget(DialogWindow *shown, QObject *receiver, QEvent *event) {
     if (auto *field = qobject_cast<QLineEdit *>(receiver)) {
         WatchField(shown, field, *event);
     }
-    // A bar that is held down would step on and on by its timer.
+    // A bar's timer would keep stepping while the mouse is down.
     return event->type() == QEvent::Timer && qobject_cast<QScrollBar *>(receiver) != nullptr;
 }
 
-// The one class that Qt asks for.
+// The one class that Qt requires.
 class Watcher : public QObject {
   public:
     explicit Watcher(DialogWindow *watched) : shown(watched) {}
@@ -176,7 +176,7 @@ std::unique_ptr<DialogWindow> qt::MakeDialogWindow(DialogRecord *dialog) {
     const Rect bounds = dialog->window.bounds;
     const QRect contents = QRectOf(bounds).translated(ScreenOrigin());
     window->setFixedSize(contents.size());
-    // To move() the window would put its frame there.
+    // move() would position the window's frame.
     window->setGeometry(contents);
     window->installEventFilter(shown->watcher.get());
     MakeItemWidgets(shown.get());

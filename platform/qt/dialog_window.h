@@ -1,4 +1,4 @@
-// A dialog as a window with native widgets at the items' rectangles.
+// Shows a dialog as a window, with native widgets at the items' rectangles.
 #pragma once
 
 #include <QDialog>
@@ -20,20 +20,20 @@ struct DialogWindow {
     DialogRecord *dialog;
     std::unique_ptr<QDialog> window;
     std::unique_ptr<QObject> watcher;  // filters the widgets' events
-    std::vector<QWidget *> items;      // null for what has no widget
+    std::vector<QWidget *> items;      // null for items without a widget
     std::vector<BarWidget> bars;
     UserInput input;
-    int32_t selectionCount;   // of the model's selection shown last
-    int selectionStart = -1;  // in the field when the focus left it; -1 for none
+    int32_t selectionCount;   // the model's count when its selection was last shown
+    int selectionStart = -1;  // the field's, when it lost the focus; -1 for none
     int selectionLength;
     bool stale = true;  // the plug-in may have changed the model
 };
 
-// The widgets of the items; the window shows with the first refresh.
+// Makes the items' widgets; the first refresh shows the window.
 std::unique_ptr<DialogWindow> MakeDialogWindow(DialogRecord *dialog);
-// Makes the widgets say what the model says.
+// Updates the widgets from the model.
 void Refresh(DialogWindow *shown);
-// Waits until the user has done something, or for a while.
+// Waits until the user does something, or for a short while.
 void WaitForAction(DialogWindow *shown);
 
 }  // namespace qt

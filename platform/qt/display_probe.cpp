@@ -9,7 +9,7 @@
 
 namespace {
 
-// Says nothing and leaves nothing, whatever becomes of it.
+// Whatever happens, it prints nothing and leaves nothing behind.
 [[noreturn]] void TryApplication() {
     const rlimit noCoreFile = {0, 0};
     setrlimit(RLIMIT_CORE, &noCoreFile);

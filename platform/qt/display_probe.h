@@ -2,7 +2,8 @@
 
 namespace qt {
 
-// Whether an application can be made here. Qt ends a process that has no display, so a child tries first.
+// Whether a Qt application can start here. Without a display Qt ends the process, so a child process tries
+// first.
 bool DisplayAnswers();
 
 }  // namespace qt

@@ -14,9 +14,11 @@ namespace {
 
 using qt::DialogWindow;
 
+// In pixels; smaller text would be hard to read.
 constexpr int kSmallestFont = 9;
+// What Str255 holds.
 constexpr int kLongestText = 255;
-// A click leaves the focus, and the selection, in the field; the Tab key takes it to the widget.
+// A click leaves the focus, and the selection, in the field; only Tab moves the focus to the widget.
 constexpr Qt::FocusPolicy kNoClickFocus = Qt::TabFocus;
 
 QWidget *MakeButton(DialogWindow *shown, size_t index, const QString &title) {
@@ -28,7 +30,7 @@ QWidget *MakeButton(DialogWindow *shown, size_t index, const QString &title) {
     return button;
 }
 
-// The plug-in alone checks the box.
+// Only the plug-in checks the box.
 QWidget *MakeCheckBox(DialogWindow *shown, size_t index, const QString &title) {
     auto *box = new QCheckBox(title, shown->window.get());
     box->setFocusPolicy(kNoClickFocus);
@@ -81,7 +83,8 @@ QWidget *MakeItemWidget(DialogWindow *shown, size_t index) {
     return widget;
 }
 
-// Rectangles are fixed, so that where the desktop's texts are wider than they allow, all of them get smaller.
+// Rectangles are fixed, so if any label is too wide in the desktop's font, the font shrinks for the whole
+// window.
 void FitFont(const DialogWindow &shown) {
     QFont font = shown.window->font();
     const auto fits = [&](const QWidget *widget) {
@@ -95,7 +98,7 @@ void FitFont(const DialogWindow &shown) {
     shown.window->setFont(font);
 }
 
-// From row to row, and from left to right in a row.
+// Row by row, left to right within a row.
 void SetTabOrder(const DialogWindow &shown) {
     std::vector<QWidget *> order;
     std::copy_if(
@@ -124,7 +127,7 @@ void RefreshItem(DialogWindow *shown, size_t index) {
     }
 }
 
-// Only what the plug-in selects is taken over; what the user selects stays.
+// Applies only the plug-in's own selections, so that the user's are kept.
 void RefreshSelection(DialogWindow *shown) {
     if (shown->selectionCount == shown->dialog->selectionCount) {
         return;

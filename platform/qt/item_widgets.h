@@ -5,9 +5,9 @@
 
 namespace qt {
 
-// One widget per item that has one, at its rectangle.
+// One widget, at the item's rectangle, for each item that needs one.
 void MakeItemWidgets(DialogWindow *shown);
-// Makes the widgets say what the model says, and select what the plug-in last selected.
+// Updates the widgets from the model, and selects what the plug-in last selected.
 void RefreshItems(DialogWindow *shown);
 
 }  // namespace qt

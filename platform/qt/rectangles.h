@@ -1,4 +1,4 @@
-// Rectangles of the dialog in Qt's terms.
+// Converts the dialog's rectangles to Qt's.
 #pragma once
 
 #include <QRect>

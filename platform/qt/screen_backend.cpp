@@ -1,4 +1,4 @@
-// The back end for the screen. Owns the application and the windows of the open dialogs.
+// The screen back end. Owns the application and the windows of open dialogs.
 #include <QApplication>
 #include <QLoggingCategory>
 #include <QScreen>
@@ -11,23 +11,24 @@
 
 namespace {
 
-// Never destroyed: when the display goes away Qt calls exit, and widgets could not go without it.
+// Never destroyed: when the display goes away Qt calls exit, and widgets cannot be destroyed without a
+// display.
 auto &windows = *new std::vector<std::unique_ptr<qt::DialogWindow>>;
 
-// Lives as long as the process, like Qt's own state. Made by the first dialog: who only asks whether there is
-// a display does not depend on it from then on.
+// Lives as long as the process, like Qt's own state. Made only for the first dialog, so that merely asking
+// whether there is a display does not tie the process to it.
 void NeedApplication() {
     if (QCoreApplication::instance() != nullptr) {
         return;
     }
-    // What Qt has to say of the display is not for the user; $QT_LOGGING_RULES still is obeyed.
+    // Qt's warnings about the display are not for the user; $QT_LOGGING_RULES still overrides this.
     QLoggingCategory::setFilterRules("default.warning=false");
     static int count = 1;
     static char name[] = "hymedian";
     static char *arguments[] = {name, nullptr};
     [[maybe_unused]] static auto *application = new QApplication(count, arguments);
     QApplication::setQuitOnLastWindowClosed(false);
-    // Numbers in files are written the same everywhere.
+    // Numbers in files must not follow the user's locale.
     std::setlocale(LC_NUMERIC, "C");
 }
 
@@ -78,7 +79,7 @@ bool NextEvent(DialogRecord *dialog, EventRecord *event) {
     return true;
 }
 
-// A click changes no text.
+// Only keys change text.
 void Edit(DialogRecord *dialog, int16_t item, const EventRecord &event) {
     const qt::Action &action = WindowOf(dialog)->input.current;
     if (event.what == keyDown) {
@@ -94,7 +95,7 @@ constexpr DialogBackend kScreen = {
     NextEvent,
     [](ControlRecord *control) { return WindowOf(control->dialog)->input.current.tracked; },
     Edit,
-    // The window manager drags; Qt tells when it has.
+    // The window manager moves the window; Qt reports it afterwards.
     [](DialogRecord *, Point start) { return start; },
 };
 

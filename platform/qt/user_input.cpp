@@ -13,7 +13,7 @@ constexpr QEvent::Type kInputEvents[] = {
     QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick, QEvent::MouseMove,   QEvent::Wheel,
 };
 
-// A copy of a mouse event would not last: all such events share one position, which is the latest.
+// Cloned mouse events would not do: they all share one position, the latest.
 std::function<void(QObject *)> DeliveryOf(const QEvent &event) {
     if (const auto *mouse = dynamic_cast<const QMouseEvent *>(&event)) {
         return [type = mouse->type(), place = mouse->position(), onScreen = mouse->globalPosition(),
@@ -60,8 +60,8 @@ bool qt::HoldBack(UserInput *input, const QEvent &event) {
         std::find(std::begin(kInputEvents), std::end(kInputEvents), event.type()) == std::end(kInputEvents)) {
         return false;
     }
-    // The press that a double click begins with bears a mark for widgets to pass it over, which is lost when
-    // it is made anew.
+    // Qt marks the press that begins a double click so that widgets ignore it. A re-created event loses that
+    // mark, so the held press is dropped.
     if (event.type() == QEvent::MouseButtonDblClick && !input->held.empty() &&
         input->held.back().type == QEvent::MouseButtonPress) {
         input->held.pop_back();

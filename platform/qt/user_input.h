@@ -1,6 +1,6 @@
-// What the user does to the widgets of a dialog, one thing at a time.
+// The user's input to a dialog's widgets, one action at a time.
 //
-// Whatever comes in while an action waits to be handled is held back: the plug-in may change what a later key
+// Input that arrives while an action is pending is held back, because the plug-in may change what a later key
 // or click means.
 #pragma once
 
@@ -16,10 +16,10 @@ namespace qt {
 
 struct Action {
     EventRecord event;
-    Point place;   // of the mouse in the window
-    int16_t item;  // of the text field that was edited
+    Point place;   // the mouse, in window coordinates
+    int16_t item;  // the edited text field
     TrackedPart tracked;
-    QString text;  // of a text field after the user's edit
+    QString text;  // the field's text after the user's edit
     int caret;
 };
 
@@ -29,22 +29,22 @@ struct HeldEvent {
 };
 
 struct UserInput {
-    std::deque<Action> actions;  // that the plug-in has not seen yet
-    Action current;              // that it handles now
+    std::deque<Action> actions;  // not yet seen by the plug-in
+    Action current;              // the one being handled
     std::deque<HeldEvent> held;
     bool releasing;
 };
 
-// Hand an action to the plug-in: the mouse on the middle of `bounds` and what came of it, a text after an
-// edit, the key.
+// Queue an action for the plug-in: a press in the middle of `bounds` and its outcome, a text after an edit,
+// or a key.
 void PostPress(UserInput *input, const Rect &bounds, TrackedPart tracked);
 void PostEdit(UserInput *input, int16_t item, const QString &text, int caret);
 void PostKey(UserInput *input, uint8_t character);
 
-// True when an event of the window is kept for later and must not be delivered now. The window, not its
-// widgets: the focus moves with a click before the widget hears of it.
+// True when a window's event has been kept for later and must not be delivered now. This filters the window's
+// events, not its widgets', because a click moves the focus before the widget sees it.
 bool HoldBack(UserInput *input, const QEvent &event);
-// Delivers what was held back until that makes an action.
+// Delivers held events until one of them makes an action.
 void ReleaseHeld(UserInput *input, QObject *window);
 
 }  // namespace qt

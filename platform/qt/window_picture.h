@@ -1,4 +1,4 @@
-// What the plug-in has drawn into a dialog's window.
+// Paints what the plug-in has drawn into a dialog's window.
 #pragma once
 
 #include <QDialog>
@@ -7,7 +7,7 @@
 
 namespace qt {
 
-// Pixel for pixel in the window's coordinates, at any scale of the screen.
+// Pixel for pixel in the window's coordinates, at any screen scale.
 void PaintPicture(const GrafPort &port, QDialog *window);
 
 }  // namespace qt

@@ -1,4 +1,4 @@
-// Opening, running and reading dialogs, apart from what the radius dialog does with them.
+// Opening, running and reading dialogs in general, whatever the radius dialog does with them.
 #include "dialog/dialog_utilities.h"
 
 #include <cstring>
@@ -19,7 +19,7 @@ constexpr int32_t kUsualSystem = 0x1040;
 
 std::vector<uint16_t> hostEvents;
 
-// Leaves another port behind, as a host may that draws.
+// Leaves another port current, as a host that draws may do.
 void NoteHostEvent(EventRecord *event) {
     hostEvents.push_back(event->what);
     SetPort(nullptr);
@@ -52,7 +52,7 @@ class DialogUtilities : public DialogTest {
 TEST_F(DialogUtilities, ChooseTheWindowDefinition) {
     const struct {
         std::vector<uint8_t> version;  // the resource 'vers' 2; empty for none
-        int32_t system;                // negative: the system does not tell
+        int32_t system;                // negative: the system does not report it
         bool hostDefinition;
         int16_t expected;
     } cases[] = {
@@ -84,7 +84,7 @@ TEST_F(DialogUtilities, ChooseTheWindowDefinition) {
         EXPECT_EQ(Definition(), c.expected);
         DisposeDialog(dialog);
     }
-    // Only the one host has such windows.
+    // Only that one host has such windows.
     faults::SetSystemVersion(0x0600);
     SetUpMoveableModal(GetResource(kDialogType, kRadiusDialogID), FourCharCode("8B1F"));
     EXPECT_EQ(Definition(), 1);
@@ -100,7 +100,7 @@ TEST_F(DialogUtilities, CenterOnTheScreen) {
         {{40, -30, 240, 270}, {0, 0, 480, 640}, {106, 170, 306, 470}},
         {{0, 0, 700, 300}, {0, 0, 480, 640}, {-60, 170, 640, 470}},
         {{0, 0, 701, 643}, {0, 0, 480, 640}, {-60, -1, 641, 642}},
-        // The screen's own place does not count.
+        // The screen's own position does not matter.
         {{0, 0, 200, 300}, {100, 50, 580, 690}, {106, 170, 306, 470}},
     };
     for (const auto &c : cases) {
@@ -121,7 +121,7 @@ TEST_F(DialogUtilities, TextGoesToItemsAndTitlesToControls) {
         SetDNum(dialog, item, -120 - item);
         EXPECT_EQ(GetDNum(dialog, item), -120 - item) << item;
     }
-    // With and without the disabled bit alike.
+    // Regardless of the disabled bit.
     for (const int16_t type : std::initializer_list<int16_t>{8, 16, 136, 144, 4, 132}) {
         int16_t oldType;
         Handle handle;
@@ -134,7 +134,7 @@ TEST_F(DialogUtilities, TextGoesToItemsAndTitlesToControls) {
         EXPECT_EQ(model::TitleFrom(text), "17 px") << type;
         EXPECT_EQ(GetDNum(dialog, item), 17) << type;
     }
-    // Neither the picture nor an item that does not exist has a text.
+    // Neither the picture nor a nonexistent item has a text.
     for (const int16_t item : std::initializer_list<int16_t>{kPreviewItem, 99, 0}) {
         SetDNum(dialog, item, 5);
         GetDText(dialog, item, text);
@@ -179,16 +179,17 @@ TEST_F(DialogUtilities, HandEventsToTheHostAndDragTheWindow) {
     const struct {
         std::vector<UserAction> actions;
         std::vector<uint16_t> hostEvents;
-        int32_t dh, dv;  // how far the window went
+        int32_t dh, dv;  // how far the window moved
     } cases[] = {
         {{Event(nullEvent), Event(nullEvent)}, {nullEvent, nullEvent}, 0, 0},
         {{Event(updateEvt), Event(activateEvt)}, {}, 0, 0},
         {{Event(updateEvt, true), Event(activateEvt, true)}, {updateEvt, activateEvt}, 0, 0},
         {{Key('4'), Click(4)}, {}, 0, 0},
-        // A drag is a null event to the host.
+        // The host sees a drag as a null event.
         {{user::DragWindow(30, -7)}, {nullEvent}, 30, -7},
         {{user::DragWindow(30, 5), user::DragWindow(-60, 1)}, {nullEvent, nullEvent}, -30, 6},
-        // Four pixels along the edges are out of bounds: the mouse starts at (320, 12) of 640 times 480.
+        // Four pixels along each edge are out of bounds: the mouse starts at (320, 12) on a screen of 640 by
+        // 480.
         {{user::DragWindow(-316, 0)}, {nullEvent}, -316, 0},
         {{user::DragWindow(-317, 0)}, {nullEvent}, 0, 0},
         {{user::DragWindow(315, 463)}, {nullEvent}, 315, 463},
@@ -208,7 +209,7 @@ TEST_F(DialogUtilities, HandEventsToTheHostAndDragTheWindow) {
         EXPECT_EQ(end.left - start.left, c.dh);
         EXPECT_EQ(end.top - start.top, c.dv);
         EXPECT_EQ(end.bottom - start.bottom, c.dv);
-        // A host without an event procedure is no worse for the dialog.
+        // The dialog works the same with a host that has no event procedure.
         processEvent = nullptr;
         EXPECT_EQ(Run(RandomImage(30, 20, 3, 1), 2, c.actions).Last().bounds.left, end.left);
     }
@@ -225,7 +226,7 @@ TEST_F(DialogUtilities, ThePlainBoxCannotBeDraggedAndBarsFollowTheWindow) {
     EXPECT_EQ(moved.Value(kHorizontalBarItem), 74);
 }
 
-// What an extra filter finds, and what it does.
+// What an extra event filter sees and does.
 struct {
     std::vector<intptr_t> references;
     int16_t endWith;
@@ -248,7 +249,7 @@ TEST_F(DialogUtilities, ExtraFilterComesFirstAndSeesTheWindowsOwnReference) {
     hostEvents.clear();
     MoveableModalDialog(dialog, NoteHostEvent, ExtraFilter, &item);
     EXPECT_EQ(item, 77);
-    // The first update, the null event, the key.
+    // For the first update, the null event and the key.
     EXPECT_EQ(extra.references, (std::vector<intptr_t>{1000, 1001, 1002}));
     EXPECT_EQ(GetWRefCon(GetDialogWindow(dialog)), 1003);
     EXPECT_EQ(hostEvents, (std::vector<uint16_t>{nullEvent}));

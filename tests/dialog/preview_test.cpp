@@ -1,4 +1,4 @@
-// The preview's pixels, against the filter's own results over the whole image.
+// The preview's pixels, compared with the filter's own results over the whole image.
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -22,8 +22,8 @@ constexpr int32_t kPreviewHeight = 80;
 
 class PreviewPicture : public DialogTest {
   protected:
-    // What the preview is to show of an image, as RGB: 16-bit samples narrowed, grey without its last six
-    // columns.
+    // What the preview should show of an image, as RGB: 16-bit samples narrowed, and grey without its last
+    // six columns.
     static TestImage AsShown(const TestImage &source, bool packed) {
         const bool deep = source.bytesPerPixel % 2 == 0;
         const bool rgb = packed || source.bytesPerPixel % 3 == 0;
@@ -43,7 +43,7 @@ class PreviewPicture : public DialogTest {
         return shown;
     }
 
-    // Half of 257 to the next number, rounded; in whole numbers.
+    // Divides by 128.5, rounding to nearest, in integers.
     static int32_t Narrowed(const uint8_t *sample) {
         return std::min((4 * (sample[0] | sample[1] << 8) + 257) / 514, 255);
     }
@@ -63,7 +63,7 @@ class PreviewPicture : public DialogTest {
         return {pixel[1], pixel[2], pixel[3]};
     }
 
-    // The picture with its frame, which shows `image` from (left, top) on and grey beyond it.
+    // The framed picture shows `image` from (left, top) on, and grey beyond it.
     static void ExpectPicture(const DialogState &state, const TestImage &image, int32_t left, int32_t top) {
         ASSERT_EQ(state.drawn.right - state.drawn.left, kPreviewWidth + 2);
         ASSERT_EQ(state.drawn.bottom - state.drawn.top, kPreviewHeight + 2);
@@ -132,7 +132,7 @@ TEST_F(PreviewPicture, GrayRowsAreShifted) {
         const RunContext context = {};
         const LineLayout layout = LineLayoutOf(image, &context);
         std::vector<uint8_t> line(static_cast<size_t>(c.width + 2 * kLineMargin) * 3 + 9);
-        // The second time over what the first has left.
+        // The second pass runs over what the first one left.
         for (int pass = 0; pass < 2; ++pass) {
             ReadWorkLine(image, layout, 0, line.data());
             for (size_t i = 0; i < c.expected.size() * 3; ++i) {
@@ -163,7 +163,7 @@ TEST_F(PreviewPicture, DeepSamplesAreRounded) {
     }
 }
 
-// Rows of four samples that are not of a CMYK run need more room than the stated size.
+// Rows of four samples outside a CMYK run need more room than the stated size.
 TEST_F(PreviewPicture, OtherLayoutsHaveRoom) {
     colorPlanes = 4;
     for (const int16_t bytesPerPixel : {int16_t{4}, int16_t{5}, int16_t{8}}) {
@@ -187,7 +187,7 @@ TEST_F(PreviewPicture, StaysGrayWithoutAWorkImageAndEmptyWithoutAPicture) {
             ExpectPicture(state, nothing, 0, 0);
             sawGray = true;
         }
-        // The frame alone, around the window's own white.
+        // Only the frame, around the window's own white.
         sawNothing = sawNothing || center == Color{0xFF, 0xFF, 0xFF};
     }
     EXPECT_TRUE(sawGray);

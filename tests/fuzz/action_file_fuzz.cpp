@@ -1,4 +1,4 @@
-// An action's file, through the host's scripting suites into the filter's setting, and back into a file.
+// Passes an action file through the host's scripting suites into the filter's setting, and back into a file.
 #include <vector>
 
 #include "host/filter/action_file.h"
@@ -17,7 +17,7 @@ void Require(bool holds) {
     }
 }
 
-// The filter takes over the radius, if there is one, and records it.
+// The filter adopts the radius, if there is one, and records it.
 void Play(const Action &action) {
     RunContext context = {};
     SPBlock *settings = _AllocateSPBlock(8);

@@ -7,7 +7,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size) {
     static const FuzzFolder folder;
     folder.Write("PSsecImage", bytes, size);
-    // An image that says it is large stays in its file.
+    // An image that claims to be large stays in its file.
     faults::SetMemoryLimit(faults::BytesInUse() + (4 << 20));
     NamedImage *image;
     if (OpenImage2(&image) != noErr) {

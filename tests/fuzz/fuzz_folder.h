@@ -1,4 +1,4 @@
-// A Preferences folder of a fuzzer's own.
+// Gives a fuzzer its own Preferences folder.
 #pragma once
 
 #include <cstdlib>

@@ -7,7 +7,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size) {
     if (size == 0) {
         return 0;
     }
-    // Room for small images; larger ones go to disk, and there is little of that.
+    // Room for small images; larger ones go to disk, which has little space.
     faults::SetMemoryLimit(faults::BytesInUse() + (2 << 20));
     faults::SetDiskSpace(1 << 18);
     PlayHostileHost(bytes, size);

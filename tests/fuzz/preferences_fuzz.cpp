@@ -1,4 +1,4 @@
-// Preferences that are read, written and read again: the file is then whole, and does not change any more.
+// Reads preferences, writes them and reads them again: after that the file is whole and no longer changes.
 #include <iterator>
 
 #include "settings/preferences_file.h"

@@ -1,4 +1,4 @@
-// Gives a fuzz target the files in the folders named; a folder that is not there holds none.
+// Runs a fuzz target over the files in the given folders; a missing folder counts as empty.
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>

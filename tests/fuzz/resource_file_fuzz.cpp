@@ -1,4 +1,4 @@
-// A plug-in's resource file: its property list, the names of its settings, and a session in its dialog.
+// Reads a plug-in's resource file: its property list, the names of its settings, and a session in its dialog.
 #include <string_view>
 
 #include "host/filter/plugin_info.h"
@@ -61,7 +61,7 @@ void RunDialog() {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size) {
     static const FuzzFolder folder;
     folder.Write("test.rsrc", bytes, size);
-    // Painting takes long, so windows are small.
+    // Painting is slow, so windows are kept small.
     faults::SetMemoryLimit(faults::BytesInUse() + (64 << 10));
     FSSpec file;
     SpecFromPosixPath(folder.path / "test.rsrc", &file);

@@ -1,4 +1,4 @@
-// The test chart, which shows in numbers what the filter is good for.
+// The test chart, which measures what the filter achieves.
 #include "tests/host/program_fixture.h"
 
 namespace {

@@ -1,5 +1,5 @@
-// Whole documents of every colour mode through the program, from the bytes of one TIFF file to those of
-// another, against the plug-in itself and conversions written out here.
+// Runs whole documents of every colour mode through the program, from the bytes of one TIFF file to those of
+// another, and compares them with the plug-in itself and the conversions written out here.
 #include <algorithm>
 #include <cmath>
 #include <random>
@@ -41,7 +41,7 @@ uint32_t OffsetBy128(uint32_t sample) {
     return (sample + 128) % 256;
 }
 
-// The library reads 15 of the 16 bits.
+// The library uses only 15 of the 16 bits.
 uint32_t LightnessTo32768(uint32_t sample) {
     return Rounded(sample / 2 * 32768.0 / 32767);
 }
@@ -60,7 +60,7 @@ struct Kind {
     int32_t depth;
     int colorPlanes;
     VipsInterpretation interpretation;
-    // From the file to the filter and back: the first plane, and the others.
+    // From the file to the filter and back, for the first plane and the others.
     Conversion firstIn, otherIn, firstOut, otherOut;
 };
 
@@ -112,7 +112,7 @@ struct Samples {
     }
 };
 
-// Extremes in the first pixels, noise behind; every seventh pixel is transparent.
+// Extremes in the first pixels, then noise; every seventh pixel is transparent.
 Samples MakeSamples(const Kind &kind, int planes) {
     Samples samples = {kind, planes, {}};
     const uint32_t top = kind.depth == 8 ? 255 : 65535;
@@ -138,7 +138,7 @@ class ColorDocuments : public Program {
         ASSERT_EQ(vips_tiffsave(image.get(), Path(name).c_str(), nullptr), 0) << vips_error_buffer();
     }
 
-    // Uncompressed samples stand right behind the header of 8 bytes.
+    // Uncompressed samples directly follow the 8-byte header.
     static Samples ReadTiff(const Samples &like, const std::string &contents) {
         return Samples::FromBytes(like.kind, like.planes,
                                   reinterpret_cast<const uint8_t *>(contents.data()) + 8);
@@ -179,7 +179,7 @@ TEST_F(ColorDocuments, MatchThePluginSampleForSample) {
             EXPECT_NE(result.values, samples.values) << "nothing was filtered";
             EXPECT_NE(contents.find(kProfile), std::string::npos) << "the profile is missing";
 
-            // What the program wrote, it reads as it was: outside of a rectangle nothing changes any more.
+            // The program reads back what it wrote: outside the rectangle nothing changes.
             ASSERT_EQ(Wait(Start({"out.tif", "-o", "in.tif", "-f", "--select", "0,0,1,1", "-r", "1"})).status,
                       0);
             const Samples again = ReadTiff(samples, ContentsOf(folder / "in.tif"));

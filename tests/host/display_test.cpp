@@ -1,4 +1,4 @@
-// The filter's dialog on a display of its own, which nobody sees.
+// The filter's dialog on an invisible display of its own.
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -19,7 +19,7 @@ class Display : public Program {
   protected:
     ~Display() override { StopServer(); }
 
-    // False where there is none to start.
+    // False when no display server can be started.
     bool StartServer() {
         int ends[2];
         EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
@@ -35,7 +35,7 @@ class Display : public Program {
         close(ends[1]);
         display = ":";
         char digit = 0;
-        // To the end of the line: whoever leaves before that kills the server.
+        // Read the whole line: closing the pipe early kills the server.
         while (digit != '\n' && read(ends[0], &digit, 1) == 1) {
             display += digit == '\n' ? "" : std::string(1, digit);
         }
@@ -78,7 +78,7 @@ TEST_F(Display, DialogsEndWithItAndByInterrupts) {
     WriteNoise("in.png", 400, 300, 3);
     const std::set<std::string> before = Names();
     const struct {
-        bool serverEnds;  // else the program is interrupted
+        bool serverEnds;  // otherwise the program is interrupted
         int status;
         const char *sentence;
     } cases[] = {

@@ -1,4 +1,4 @@
-// Files that the program cannot do with: one sentence says so, and nothing is left of the attempt.
+// Files that the program cannot use: one sentence says so, and the attempt leaves nothing behind.
 #include <algorithm>
 
 #include "tests/host/program_fixture.h"
@@ -17,11 +17,11 @@ TEST_F(Program, FailsWithOneSentenceOverPicturesThatCannotBeRead) {
         WriteBytes("cut-" + name, whole.substr(0, whole.size() * 2 / 3));
     }
     const std::string good = ContentsOf(folder / "good.png");
-    // A PNG whose width says 0.
+    // A PNG whose header gives a width of 0.
     std::string zero = good;
     std::fill_n(zero.begin() + 16, 4, '\0');
     WriteBytes("zero.png", zero);
-    // Two frames of animation are announced right behind the header.
+    // Announces two animation frames directly after the header.
     std::string animated = good;
     animated.insert(33, std::string("\0\0\0\x08"
                                     "acTL\0\0\0\2\0\0\0\0\xF3\x8D\x93\x70",
@@ -82,7 +82,7 @@ TEST_F(Program, FailsWithOneSentenceOverPlacesOfOutputs) {
         {"good.png -o new.png --compare new.png", 2, "new.png: two outputs"},
         {"good.png folder.png/../good.png -o folder.png", 2, "folder.png/good.png"},
         {"good.png other.png -o folder.png --record new.json", 2, "--record"},
-        // Over an input.
+        // Would overwrite an input.
         {"good.png -o good.png -f", 2, "--in-place"},
         {"good.png -o new.png --record good.png -f", 2, "good.png"},
         {"good.png ./good.png --in-place", 2, "./good.png"},
@@ -106,7 +106,7 @@ TEST_F(Program, FailsWithOneSentenceOverPlugins) {
     WriteNoise("good.png", 40, 30, 3);
     const fs::path build = fs::path(HYMEDIAN_PROGRAM).parent_path();
     const fs::path plugin = build / "HybridMedian.plugin";
-    // Resources that are missing, cut short, and without the two modes of grey and RGB 8; a module of another
+    // Resources that are missing, truncated, and without the grey and RGB 8 modes; then a module of another
     // kind.
     for (const char *name : {"bare", "cut", "modes"}) {
         fs::create_directory(folder / name);

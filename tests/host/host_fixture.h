@@ -1,5 +1,4 @@
-// What tests of the host share: a folder of their own, the filter's module, and pictures made of random
-// samples.
+// What the host's tests share: a folder of their own, the filter's module, and pictures of random samples.
 #pragma once
 
 #include <cstring>
@@ -14,7 +13,7 @@
 
 class HostTest : public ScratchFolder {
   protected:
-    // The module stays loaded, and keeps a block of its own from its first call on.
+    // The module stays loaded, and from its first call on it keeps one block.
     static void SetUpTestSuite();
 
     static Module realFilter;

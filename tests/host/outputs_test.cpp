@@ -1,4 +1,4 @@
-// Where the program writes, over what, and whose the files are.
+// Where the program writes, what it overwrites, and who owns the files.
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -102,7 +102,7 @@ TEST_F(Program, ReplacedInputsKeepOwnerAndPermissions) {
     }
 }
 
-// Whoever may write to the folders could lay them there.
+// Anyone with write access to the folders could plant such links.
 TEST_F(Program, LinksUnderItsOwnNamesAreNotFollowed) {
     WriteNoise("in.png", 40, 30, 3);
     WriteBytes("precious", "precious");
@@ -117,7 +117,7 @@ TEST_F(Program, LinksUnderItsOwnNamesAreNotFollowed) {
     EXPECT_NE(remembered.out.find("radius 3"), std::string::npos) << remembered.out;
 }
 
-// Where a file may not grow any more, as on a full disk.
+// Files cannot grow here, as on a full disk.
 TEST_F(Program, FullDisksLeaveNothing) {
     WriteNoise("in.tif", 60, 40, 3);
     WriteNoise("two.tif", 60, 40, 3);

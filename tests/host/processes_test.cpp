@@ -1,4 +1,4 @@
-// Several pictures, several processes, and what becomes of the others when one of them ends too early.
+// Several pictures and processes, and what becomes of the others when one of them ends too early.
 #include <sys/wait.h>
 
 #include <algorithm>
@@ -67,7 +67,7 @@ TEST_F(Program, InterruptLeavesNothing) {
     };
     for (const auto &[signal, arguments, out] : cases) {
         const pid_t child = Start(arguments);
-        // The temporary file shows that the work has begun.
+        // The temporary file shows that work has begun.
         while (Names() == before && waitpid(child, nullptr, WNOHANG) == 0) {
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }
@@ -85,7 +85,7 @@ TEST_F(Program, KilledRunsAreClearedUpAfterAndLivingOnesLeftAlone) {
     WriteNoise("in.png", 2000, 2000, 3);
     WriteNoise("small.png", 20, 20, 3);
     const std::set<std::string> before = Names();
-    // Until there is a file that was not there.
+    // Waits for a file that was not there before.
     const auto startLongRun = [&](const char *out, const std::set<std::string> &known) {
         const pid_t child = Start({"in.png", "-o", out, "-r", "4", "--jobs", "1"});
         std::set<std::string> names = known;
@@ -110,7 +110,7 @@ TEST_F(Program, KilledRunsAreClearedUpAfterAndLivingOnesLeftAlone) {
     EXPECT_EQ(Names(), after);
 }
 
-// Finds the program's children through the process table, which lists them for its first thread.
+// Finds the program's children in the process table, which lists them under its first thread.
 std::vector<pid_t> ChildrenOf(pid_t process) {
     const std::string number = std::to_string(process);
     std::ifstream list("/proc/" + number + "/task/" + number + "/children");
@@ -139,13 +139,13 @@ TEST_F(Program, DeadWorkersAreToldAndLeaveNothing) {
         EXPECT_EQ(ended.status, 1);
         EXPECT_NE(ended.err.find("worker process was ended by signal 9"), std::string::npos) << ended.err;
         EXPECT_EQ(Names(), before);
-        // Nobody of the program's group is left.
+        // No process of the program's group is left.
         EXPECT_EQ(kill(-program, 0), -1);
     }
     EXPECT_EQ(Names("out").size(), 1u) << "the other picture was done";
 }
 
-// The workers are at the first bands by the time the file turns out to be cut short.
+// The workers are on the first bands by the time the truncation is noticed.
 TEST_F(Program, CutPicturesEndRunsThatHaveBegun) {
     WriteNoise("large.png", 900, 700, 3);
     WriteNoise("large.jpg", 900, 700, 3);

@@ -29,7 +29,7 @@ Program::~Program() {
     std::filesystem::remove_all(output);
 }
 
-// No windows on the developer's desktop.
+// Keeps windows off the developer's desktop.
 void Program::ChooseDisplay() const {
     for (const char *variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
         unsetenv(variable);
@@ -41,7 +41,7 @@ void Program::ChooseDisplay() const {
 
 void Program::Limit() const {
     if (fileSizeLimit != 0) {
-        // Writing more fails, as on a full disk.
+        // Writing beyond the limit fails, as on a full disk.
         const rlimit limit = {fileSizeLimit, fileSizeLimit};
         setrlimit(RLIMIT_FSIZE, &limit);
         signal(SIGXFSZ, SIG_IGN);
@@ -61,7 +61,7 @@ void Program::PlaceDescriptors() {
     };
     redirect(STDOUT_FILENO, "out");
     redirect(STDERR_FILENO, "err");
-    // First out of the way, since one of them could stand where another has to go.
+    // First moves them out of the way, since one may occupy a number that another needs.
     for (int &descriptor : descriptors) {
         descriptor = fcntl(descriptor, F_DUPFD_CLOEXEC, 64);
     }

@@ -1,4 +1,4 @@
-// Runs the program itself in a folder of its own.
+// Runs the real program in a folder of its own.
 #pragma once
 
 #include <sys/resource.h>
@@ -13,16 +13,16 @@
 #include "tests/support/scratch_folder.h"
 
 struct Ended {
-    int status;  // -1 for a program that a signal ended
+    int status;  // -1 if a signal ended the program
     std::string out, err;
-    int64_t megabytes;  // of memory, at its most
+    int64_t megabytes;  // peak memory
 };
 
-// What the program is to refuse.
+// A command that the program must refuse.
 struct Refusal {
-    const char *command;  // its arguments, with blanks between them
+    const char *command;  // its arguments, separated by blanks
     int status;
-    const char *named;  // somewhere in the sentence
+    const char *named;  // must occur in the message
 };
 
 unsigned PermissionsOf(const std::filesystem::path &file);
@@ -34,28 +34,28 @@ class Program : public ScratchFolder {
     Program();
     ~Program() override;
 
-    // Starts the program in the test's folder; what it prints goes to files outside.
+    // Starts the program in the test's folder; its output goes to files elsewhere.
     pid_t Start(std::vector<std::string> arguments);
 
     Ended Wait(pid_t child);
 
-    // The program said one sentence, which begins with `start`, and nothing else.
+    // The program printed one sentence, which begins with `start`, and nothing else.
     static void ExpectOneSentence(const Ended &ended, const std::string &start);
 
-    // Each with one sentence, and with nothing changed in the test's folder.
+    // Each is refused with one sentence, and nothing in the test's folder changes.
     void ExpectRefusals(const std::vector<Refusal> &refusals);
 
-    // A picture of grey noise in the given format and colour space.
+    // Writes grey noise in the given format and colour space.
     void WriteNoise(const std::string &name, int width, int height, int bands,
                     VipsBandFormat format = VIPS_FORMAT_UCHAR,
                     VipsInterpretation interpretation = VIPS_INTERPRETATION_sRGB);
 
-    std::string executable = HYMEDIAN_PROGRAM;  // that is started next
-    std::vector<int> descriptors;  // that the next program is born with, behind the standard ones
-    std::string display;           // of the next program; empty for none
-    rlim_t fileSizeLimit = 0;      // of the next program; 0 for none
+    std::string executable = HYMEDIAN_PROGRAM;  // the program to start next
+    std::vector<int> descriptors;  // descriptors that the next program inherits besides the standard ones
+    std::string display;           // the next program's; empty for none
+    rlim_t fileSizeLimit = 0;      // the next program's; 0 for none
     rlim_t descriptorLimit = 0;    // likewise
-    bool givesFilesAway = true;    // where root does
+    bool givesFilesAway = true;    // as far as root does
     std::filesystem::path output = folder.string() + "-output";
 
   private:

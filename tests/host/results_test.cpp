@@ -1,4 +1,4 @@
-// What is in the files that the program writes.
+// The contents of the files that the program writes.
 #include "host/picture/picture.h"
 #include "median/plain/plain_filter.h"
 #include "tests/host/program_fixture.h"
@@ -40,7 +40,7 @@ std::vector<uint8_t> PixelsOf(const std::string &file) {
     return {pixels, pixels + PixelBytes(picture.document)};
 }
 
-// Radii that no action holds go through the filter's own dialog.
+// Radii that an action cannot hold go through the filter's own dialog.
 TEST_F(Program, EveryRadiusGivesWhatItsDefinitionGives) {
     constexpr int32_t kWidth = 400;
     constexpr int32_t kHeight = 30;
@@ -117,7 +117,7 @@ TEST_F(Program, RecordsAndPlays) {
     const Ended half = Wait(Start({"in.png", "-o", "half.png", "--play", "half.json"}));
     EXPECT_NE(half.out.find("radius 2,"), std::string::npos) << half.out;
     EXPECT_EQ(ContentsOf(folder / "half.png"), ContentsOf(folder / "a.png"));
-    // A radius that no action keeps is known only when the filter has run.
+    // A radius that an action cannot hold is known only after the filter has run.
     EXPECT_EQ(Wait(Start({"in.png", "-o", "five.png", "-r", "5"})).status, 0);
     const std::set<std::string> before = Names();
     const Ended remembered = Wait(Start({"in.png", "-o", "new.png", "--record", "new.json"}));

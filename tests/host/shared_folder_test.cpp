@@ -1,4 +1,4 @@
-// Two processes with one Preferences folder, both forced to keep their images in it.
+// Two processes sharing one Preferences folder, both forced to keep their images there.
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -21,7 +21,7 @@ class SharedFolder : public ScratchFolder {
         return run.result == noErr ? run.destination : std::vector<uint8_t>();
     }
 
-    // Filters on disk again and again; the exit status is the number of wrong results.
+    // Filters repeatedly on disk; the exit status is the number of wrong results.
     static pid_t StartChild(const TestDocument &document, double radius,
                             const std::vector<uint8_t> &expected) {
         const pid_t child = fork();

@@ -1,4 +1,4 @@
-// What the program finds around it: folders that are gone or new, and locks of others.
+// The program's environment: missing and new folders, and locks held by others.
 #include "platform/posix_paths.h"
 #include "tests/host/program_fixture.h"
 #include "tests/support/held_lock.h"
@@ -29,7 +29,7 @@ TEST_F(Surroundings, PreferencesFolderIsTheOwnersHoweverItIsWritten) {
     }
 }
 
-// The one test that waits: two seconds, once for all pictures.
+// The only test that waits: two seconds, once for all pictures.
 TEST_F(Surroundings, LockedPreferencesAreDoneWithout) {
     const fs::path preferences = output / "preferences/WEMBpref";
     WriteNoise("a.png", 40, 30, 3);

@@ -1,4 +1,4 @@
-// The command line: what is refused, and what is said of it.
+// The command line: what is refused, and with what message.
 #include <regex>
 
 #include "tests/host/program_fixture.h"
@@ -27,7 +27,7 @@ TEST_F(Program, FailsWithOneSentenceOverOptions) {
     });
 }
 
-// The options that a text names, as "-o,--output FILE", without quotes, fonts and escapes of a manual.
+// The options that a text mentions, as "-o,--output FILE", without a manual's quotes, fonts and escapes.
 std::set<std::string> OptionsIn(const std::string &text, const char *line) {
     const std::regex pattern(line);
     std::set<std::string> options;

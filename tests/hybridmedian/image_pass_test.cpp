@@ -1,4 +1,4 @@
-// The pass over a working image against the filter on that image as it is, without a border.
+// Compares the pass over a working image with the filter on the same image without a border.
 #include "settings/setting_registry.h"
 #include "tests/support/filtered_image.h"
 #include "tests/support/scratch_folder.h"
@@ -9,7 +9,7 @@ namespace {
 
 class ImagePass : public ScratchFolder {
   protected:
-    // The pass without the dialog, unless that is to be met first.
+    // Runs the pass without the dialog, unless `dialog` is set.
     OSErr Pass(const TestImage &source, bool negativePlanes, float radius, bool dialog = false) {
         FilterRecord record = {};
         RunContext context = {};
@@ -58,7 +58,7 @@ TEST_F(ImagePass, GivesWhatTheFilterGivesWithoutABorder) {
     }
 }
 
-// With the border a side must fit 16 bits. Nobody is asked for a radius first.
+// Each side must fit 16 bits with its border. The size is checked before the radius dialog appears.
 TEST_F(ImagePass, TakesSidesOfUpTo32755) {
     for (const int16_t bytesPerPixel : kLayouts) {
         for (const bool wide : {true, false}) {

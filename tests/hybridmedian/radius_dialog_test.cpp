@@ -1,4 +1,4 @@
-// What the user does in the radius dialog, and what comes of it.
+// User actions in the radius dialog, and their effects.
 #include <sys/resource.h>
 
 #include <algorithm>
@@ -30,7 +30,7 @@ Actions Then(Actions actions, const Actions &more) {
     return actions;
 }
 
-// While it lives no file gets longer than the header of an image.
+// While one exists, no file can grow beyond an image's header.
 class FullDisk {
   public:
     FullDisk() {
@@ -90,15 +90,15 @@ TEST_F(RadiusDialog, SessionsGiveTheRadius) {
         {3, {Key(kBackspace)}, 1, ""},
         {3, Then(Typed("42"), {Key(kBackspace)}), 4, "4"},
         {3, Typed("42"), 6, "42"},
-        // A step selects the text, so that typing replaces it.
+        // Each step selects the text, so that typing replaces it.
         {3, Then(Typed("42"), {Click(kMinusItem), Key('2')}), 2, "2"},
         {3, {Press(kRadiusBarItem, kDownArrow), Key('2')}, 2, "2"},
-        // A click into the field reads it; the fraction is gone then.
+        // A click in the field reads it, which drops the fraction.
         {2.5f, {Click(kRadiusFieldItem)}, 2, "2"},
         {2.5f, {Click(kRadiusFieldItem), Key('1')}, 6, "21"},
         {2.5f, {DoubleClick(kRadiusFieldItem), Key('5')}, 5, "5"},
         {2.5f, {Click(kPreviewCheckBoxItem), Click(kPreviewCheckBoxItem)}, 2.5f, "2"},
-        // Passive items, the picture, and other keys.
+        // Disabled items, the picture, and other keys.
         {2.5f, {Click(4), Click(kPreviewItem), Click(10), Click(13), Event(nullEvent)}, 2.5f, "2"},
     };
     for (const auto &c : cases) {
@@ -168,7 +168,7 @@ TEST_F(RadiusDialog, SessionsPan) {
         EXPECT_EQ(outcome.Last().controls[kVerticalBarItem - 1], c.height > 80);
         EXPECT_EQ(outcome.stored, 1);
     }
-    // Half of an odd size goes towards zero.
+    // Half of an odd size is rounded towards zero.
     InstallDialog(101, 79);
     const TestImage odd = RandomImage(250, 181, 3, 2);
     const std::pair<int16_t, std::pair<int16_t, int16_t>> pages[] = {{kPageUp, {24, 12}},

@@ -25,7 +25,7 @@ class NamedImages : public ScratchFolder {
 
 constexpr uint8_t kKeptName[] = "\004Kept";
 
-// Room for the image's record, not for its contents.
+// Leaves room for the image's record, but not for its contents.
 void LeaveRoomForRecords() {
     faults::SetMemoryLimit(faults::BytesInUse() + int64_t{sizeof(NamedImage)});
 }
@@ -52,7 +52,7 @@ TEST_F(NamedImages, BackingFileIsHeaderAndRows) {
     TossTempImage(image);
     EXPECT_EQ(FileCount(), 0u);
 
-    // More than two of the blocks that files are cleared with.
+    // Larger than two of the blocks used to clear files.
     faults::SetMemoryLimit(-1);
     faults::RefuseTemporaryMemory(true);
     ASSERT_EQ(MakeTempImage(1000, 600, 2, &image), noErr);
@@ -169,8 +169,8 @@ TEST_F(NamedImages, KeptImagesComeBackUnderTheirNames) {
 }
 
 TEST_F(NamedImages, ImagesTooLargeForMemoryGoToDisk) {
-    // 512 MiB and 8 bytes are the limit; these sizes are the nearest to it that three dimensions can make.
-    // The second allocation, for the contents, fails where it is tried, and without a folder no file is made.
+    // The limit is 512 MiB plus 8 bytes; these sizes are the closest that three dimensions can get. The
+    // second allocation, for the contents, fails if it is attempted, and without a folder no file is created.
     setenv("HYMEDIAN_PREFERENCES", (folder / "missing").c_str(), 1);
     const struct {
         int16_t width, height, bytesPerPixel;
@@ -187,13 +187,13 @@ TEST_F(NamedImages, ImagesTooLargeForMemoryGoToDisk) {
         TossImage(image);
     }
     faults::FailAllocation(0);
-    // Negative sides are none.
+    // Negative dimensions count as 0.
     EXPECT_EQ(MakeImage(-5, 7, 3, &image), noErr);
     EXPECT_EQ(image->data.width, 0);
     TossImage(image);
 }
 
-// With room for record and contents alone, nothing is there to clear with.
+// With room for only the record and the contents, there is no block to clear with.
 TEST_F(NamedImages, MemoryHoldsNothingOldEvenUncleared) {
     constexpr int64_t kContentsSize = 6 + 100 * 30;
     Ptr old = NewPtr(kContentsSize);
@@ -210,7 +210,7 @@ TEST_F(NamedImages, MemoryHoldsNothingOldEvenUncleared) {
 std::filesystem::path folderToLock;
 std::optional<HeldLock> another;
 
-// Clearing fails on a file that may not grow, and just then another process takes the folder's lock.
+// Clearing fails because the file cannot grow, and at that moment another process takes the folder's lock.
 TEST_F(NamedImages, FailedClearingDeletesBackingStoreUnderTheFoldersLock) {
     folderToLock = folder;
     faults::RefuseTemporaryMemory(true);
@@ -235,7 +235,7 @@ TEST_F(NamedImages, FailedClearingDeletesBackingStoreUnderTheFoldersLock) {
     EXPECT_EQ(FileCount(), 0u);
 }
 
-// The folder is not touched then: an image in memory needs none of it, one on disk cannot be made.
+// The folder is left untouched: an image in memory does not need it, and one on disk cannot be made.
 TEST_F(NamedImages, FoldersThatOthersKeepLockedAreDoneWithout) {
     std::ofstream(folder / "BackingStore") << "of another process";
     for (const bool onDisk : {false, true}) {

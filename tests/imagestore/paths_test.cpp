@@ -48,7 +48,7 @@ TEST_F(Paths, FilesAreReachedByTheirColonPaths) {
     EXPECT_NE(FSDeletePath(nullptr), noErr);
     EXPECT_NE(FSCreatePath(nullptr, kCode, kCode), noErr);
 
-    // A path of 256 and some characters counts by the low 8 bits of its length.
+    // Only the low 8 bits of a long path's length count.
     const std::string longPath = "Disk:a.txt" + std::string(256, 'x');
     int16_t ref;
     ASSERT_EQ(FSOpenPath(longPath.c_str(), &ref), noErr);
@@ -133,7 +133,7 @@ TEST_F(Paths, SpecificationsBecomeFullPaths) {
     FSSpecToCString(&spec, path, sizeof path);
     EXPECT_EQ(std::string(path).substr(0, 13), "Macintosh HD:");
 
-    // Longer than the texts that a run keeps paths in, and cut at every place.
+    // Longer than the buffers in which a run keeps paths, and cut at every position.
     std::filesystem::path longPath = folder;
     std::string whole = "Disk:";
     for (int level = 0; level < 10; ++level) {
@@ -151,13 +151,13 @@ TEST_F(Paths, SpecificationsBecomeFullPaths) {
         FSSpecToCString(&spec, text.data(), static_cast<int32_t>(size));
         EXPECT_EQ(text.data(), withName.size() < size ? withName : withName.substr(0, size - 2) + "\xC9");
         EXPECT_EQ(text[size], '#') << size;
-        // As many whole components as there is room for.
+        // As many whole components as fit.
         PathFromDirID(spec.parID, spec.vRefNum, text.data(), static_cast<int32_t>(size));
         EXPECT_EQ(text.data(), whole.substr(0, whole.substr(0, size - 1).rfind(':') + 1)) << size;
         EXPECT_EQ(text[size], '#') << size;
     }
 
-    // Folders of exactly as many levels as are climbed, and one more.
+    // Exactly as many levels as are followed, and one more.
     std::filesystem::path deep = folder;
     std::string colons = "Disk:";
     for (int level = 0; level < 64; ++level) {

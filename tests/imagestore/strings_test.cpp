@@ -101,7 +101,7 @@ TEST(Strings, AllocatedTextsAreZeroedAndNeverEmpty) {
     DisposeCString(nullptr);
 }
 
-// What the next block of the size finds, where memory is handed out again at once.
+// Checks what the next block of the same size contains, where freed memory is reused at once.
 TEST(Strings, DisposedTextsCannotBeRead) {
     const std::pair<int32_t, std::string> cases[] = {{9, std::string("\0ecret99", 9)},
                                                      {10, std::string("<deleted>\0", 10)},

@@ -98,7 +98,7 @@ TEST_F(Log, PagesGrowByARunAtATime) {
     expected += "-7\r(px)\r<br>\rRadius 8\r\r<br>\ra&lt;b &amp; c\r<br>\r<hr>\r</body>\r</html>\r";
     EXPECT_EQ(Page("photo/index.html"), expected);
 
-    // A page that was cut short is written from its start.
+    // A truncated page is rewritten from its start.
     WriteBytes("photo/index.html", "short");
     LogCString(&context, "x");
     _CloseIndexHTML();
@@ -114,7 +114,7 @@ TEST_F(Log, PlaceOfThePageFollowsTheDocument) {
     } cases[] = {
         {"Disk:My.Folder:photo.tif", noErr, "My.Folder/photo/index.html"},
         {"Disk:taken", dupFNErr, nullptr},
-        {"Disk:My.Folder:plain", dirNFErr, nullptr},  // the folder made is not the one the page lies in
+        {"Disk:My.Folder:plain", dirNFErr, nullptr},  // the folder created is not the one that holds the page
         {"Disk:My.Folder:.hidden", dirNFErr, nullptr},
         {"Disk:none:photo.tif", dirNFErr, nullptr},
     };
@@ -162,7 +162,7 @@ TEST_F(Log, EscapingCutsTo255) {
 }
 
 TEST_F(Log, EntitiesAreThePagesOwn) {
-    // FNV-1a over what becomes of every character, a line each.
+    // FNV-1a over the conversion of every character, one line each.
     uint64_t hash = 0xCBF29CE484222325;
     for (int code = 1; code < 256; ++code) {
         const char text[] = {static_cast<char>(code), 0};
@@ -175,7 +175,7 @@ TEST_F(Log, EntitiesAreThePagesOwn) {
     EXPECT_EQ(hash, 0x81F6F7DCC193A735U);
 }
 
-// Whichever write of an entry fails: its error comes back, and nothing is written behind the gap.
+// Whichever write of an entry fails, its error is returned and nothing is written after the gap.
 TEST_F(Log, EntriesEndAtTheFirstFailure) {
     PlaceBeside("Disk:photo.tif");
     ASSERT_EQ(_OpenAndAppendIndexHTML(&context), noErr);

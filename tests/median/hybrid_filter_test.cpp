@@ -119,7 +119,7 @@ TEST_F(HybridFilter, FailsWithoutMemoryAndLeavesTheImage) {
     }
 }
 
-// What the host was told, and when it asks to cancel.
+// The progress that the host saw, and when it asks to cancel.
 struct Listener {
     std::vector<std::pair<int32_t, int32_t>> progress;
     size_t cancelAfter = SIZE_MAX;
@@ -139,7 +139,7 @@ TEST_F(HybridFilter, TellsAndAsksOncePerStepAndStopsAtOnce) {
         listener = {{}, steps};
         NamedImage *image = MakeFrom(source);
         EXPECT_EQ(NewHyMedian(image, 3, true, &context, 1, 2, 3), steps < 26 ? userCanceledErr : noErr);
-        // Steps 12 on write a line each; what follows is as it was.
+        // From step 12 on, each step writes a line; the rest is unchanged.
         std::vector<uint8_t> expected = source.bytes;
         const auto lines = static_cast<int64_t>(steps < 12 ? 0 : steps - 12);
         std::copy_n(filtered.begin(), lines * source.RowBytes(), expected.begin());

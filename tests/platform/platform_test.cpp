@@ -67,7 +67,7 @@ TEST_F(Platform, MemoryHasLimitsAndFailsOnDemand) {
 }
 
 TEST_F(Platform, FilesAreCreatedOpenedReadAndDeleted) {
-    const Name name("a/b\212");  // the slash is the Mac's own, 0x8A is a with diaeresis
+    const Name name("a/b\212");  // a slash in a Mac name; 0x8A is a with diaeresis
     int16_t ref;
     EXPECT_EQ(HOpen(volume, directory, name, fsRdWrPerm, &ref), fnfErr);
     EXPECT_EQ(HCreate(volume, directory, name, kCode, kCode), noErr);
@@ -169,7 +169,7 @@ TEST_F(Platform, PreferencesFolderIsFoundThroughItsVariables) {
     unsetenv("XDG_CONFIG_HOME");
 }
 
-// A file that may only be read, opened by somebody who is not root.
+// A read-only file, opened by a user other than root.
 TEST_F(Platform, CurrentPermissionIsWhateverIsAllowed) {
     std::ofstream(folder / "shown") << "text";
     std::filesystem::permissions(folder / "shown", std::filesystem::perms(0444));
@@ -221,7 +221,7 @@ TEST_F(Platform, CharactersGoToUTF8AndBack) {
     EXPECT_EQ(Crc32({upperHalf.begin(), upperHalf.end()}), 0x87819812) << "as other implementations have it";
     EXPECT_EQ(MacRomanToUTF8(all), all.substr(0, 128) + upperHalf);
     EXPECT_EQ(UTF8ToMacRoman(MacRomanToUTF8(all)), all);
-    // Not in the set, cut short, astray, and slashes with more bytes than they need.
+    // Not in the character set, truncated, invalid, and overlong slashes.
     const std::pair<const char *, const char *> cases[] = {{"\u4E2D", "?"},
                                                            {"a\xC3", "a?"},
                                                            {"\xBFz", "?z"},
@@ -233,7 +233,7 @@ TEST_F(Platform, CharactersGoToUTF8AndBack) {
         EXPECT_EQ(UTF8ToMacRoman(text), expected);
     }
 
-    // What such a slash would reach.
+    // What such a slash would reach if it were decoded.
     std::filesystem::create_directory(folder / "sub");
     std::ofstream(folder / "other") << "stays";
     FSSpec spec;
@@ -243,7 +243,7 @@ TEST_F(Platform, CharactersGoToUTF8AndBack) {
 }
 
 TEST_F(Platform, DatesAndTimesHaveTheSystemsForm) {
-    // The third of February 2001, 16:05:06, in seconds since 1904.
+    // 3 February 2001, 16:05:06, in seconds since 1904.
     constexpr uint32_t kSeconds = 3064061106;
     const auto text = [](const Str255 bytes) {
         return std::string(reinterpret_cast<const char *>(bytes + 1), bytes[0]);
@@ -256,7 +256,7 @@ TEST_F(Platform, DatesAndTimesHaveTheSystemsForm) {
     TimeString(kSeconds, false, form, nullptr);
     EXPECT_EQ(text(form), "16:05");
 
-    // Local time, be it summer or a moment before the next second.
+    // Local time, with or without daylight saving, or one second later.
     const time_t before = time(nullptr);
     uint32_t seconds;
     GetDateTime(&seconds);

@@ -34,7 +34,7 @@ std::vector<uint8_t> Bytes(std::string_view text) {
     return {text.begin(), text.end()};
 }
 
-// A rectangle and an item of three characters, an odd number.
+// A rectangle and an item of three characters, which is odd.
 std::vector<uint8_t> ItemList() {
     std::vector<uint8_t> list;
     AppendNumber(&list, 0, 2);
@@ -65,7 +65,7 @@ TEST_F(Resources, AreFoundByTypeAndNumber) {
     EXPECT_EQ(text(kText, 5), "the later file");
     CloseResFile(second);
     EXPECT_EQ(text(kText, 5), "five");
-    // Numbers come back, so that they do not run out.
+    // References are reused, so they do not run out.
     for (int round = 0; round < 3; ++round) {
         EXPECT_EQ(Open(ResourceFileBytes({{kText, 6, Bytes("six")}})), second);
         CloseResFile(second);
@@ -84,7 +84,7 @@ TEST_F(Resources, AreFoundByTypeAndNumber) {
     EXPECT_EQ(text(kItems, 9534), "none");
 }
 
-// Every file that is cut short or has a byte changed is either refused or read without harm.
+// Every file that is truncated or has a byte changed is either refused or read without harm.
 TEST_F(Resources, DamagedFilesDoNoHarm) {
     const std::vector<uint8_t> whole = ResourceFileBytes(Sample());
     int refused = 0;
@@ -97,7 +97,7 @@ TEST_F(Resources, DamagedFilesDoNoHarm) {
     std::mt19937 random(3);
     for (int round = 0; round < 2000; ++round) {
         std::vector<uint8_t> damaged = whole;
-        // Most of what can go wrong lies in the header and in the map at the end.
+        // Most faults are in the header and in the map at the end.
         const size_t map = whole.size() - 1 - random() % 90;
         damaged[round % 3 == 0   ? random() % 16
                 : round % 3 == 1 ? map

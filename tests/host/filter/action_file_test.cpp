@@ -12,7 +12,7 @@ namespace {
 
 class ActionFile : public HostTest {
   protected:
-    // The sentence; empty for success.
+    // The error message; empty for success.
     std::string Read(const std::string &text, Action *action) {
         WriteBytes("action.json", text);
         const MaybeFailure failure = ReadAction(Path("action.json"), action);

@@ -1,4 +1,4 @@
-// The scripting suites, used as a filter uses them.
+// The scripting suites, used the way a filter uses them.
 #include "host/filter/descriptor_suites.h"
 
 #include "host/filter/action.h"
@@ -100,7 +100,7 @@ TEST_F(Descriptor, EachKindComesBackToItsOwnGetterAlone) {
         EXPECT_EQ(Deliver(token), getters[i]) << i;
     }
     EXPECT_FALSE(Reading().getKeyProc(token, &key, &type, &flags));
-    // Keys that were there are zeroed, also behind another zero.
+    // Keys that were present are zeroed, even after another zero.
     EXPECT_EQ(expected[0], 0U);
     EXPECT_EQ(expected[1], FourCharCode("none"));
     EXPECT_EQ(expected[2], 0U);
@@ -120,7 +120,7 @@ TEST_F(Descriptor, PinnedValuesSayThatTheyWerePinned) {
     EXPECT_EQ(value, 0);
     EXPECT_GT(Reading().getPinnedIntegerProc(token, -10, -8, &value), noErr);
     EXPECT_EQ(value, -8);
-    // Both ends belong to a float's range.
+    // A float's range includes both ends.
     const struct { double min, max, pinned; } ranges[] = {{0, 4, 2.5}, {2.5, 2.5, 2.5}, {3, 4, 3}, {1, 2, 2}};
     for (const bool withUnit : {false, true}) {
         Reading().getKeyProc(token, &key, &type, &flags);

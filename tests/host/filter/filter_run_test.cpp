@@ -1,4 +1,4 @@
-// How the host drives a filter: with stand-ins that look at what they are given, and with the real one.
+// How the host drives a filter: with stand-ins that check what they are given, and with the real one.
 #include "host/filter/filter_run.h"
 
 #include <functional>
@@ -9,7 +9,7 @@
 
 namespace {
 
-// A filter made of two functions. Continue has to ask for the next rows itself.
+// A filter made of two functions. Continue must request the next rows itself.
 struct StandIn {
     std::function<OSErr(FilterRecord *)> start;
     std::function<OSErr(FilterRecord *)> next;
@@ -94,13 +94,13 @@ TEST_F(FilterRun, SelectorsFollowEachOther) {
 }
 
 TEST_F(FilterRun, EndlessFiltersAreEnded) {
-    constexpr int kGivesUp = 10'000;  // so that without a bound the test fails and ends
+    constexpr int kGivesUp = 10'000;  // so that a missing limit fails the test instead of hanging it
     const auto askRow = [](FilterRecord *record) { return AskRow(record, 1); };
     const auto askMask = [](FilterRecord *record) {
         record->maskRect = {0, 0, 1, 1};
         return AskNothing(record);
     };
-    // Row by row and plane by plane, so many times.
+    // Row by row and plane by plane, `passes` times.
     const auto askPasses = [](FilterRecord *record, int passes, int request) {
         const int requests = record->imageSize.v * record->planes;
         const auto row = static_cast<int16_t>(request / record->planes % record->imageSize.v);
@@ -147,7 +147,7 @@ TEST_F(FilterRun, EndlessFiltersAreEnded) {
 }
 
 TEST_F(FilterRun, RowsAndPlanesGoWhereTheyWereAskedFor) {
-    // Every column and plane of a few rectangles is inverted; nothing around them may change.
+    // Every column and plane of several rectangles is inverted; nothing around them may change.
     const struct {
         Rect rect;
         int16_t loPlane, hiPlane;
@@ -203,7 +203,7 @@ TEST_F(FilterRun, UntouchedExtraSamplesKeepEveryBit) {
     Document document = RandomDocument(plugInModeRGB48, 16, 3, 5, 9, 6);
     StandIn filter = {[](FilterRecord *record) { return AskRow(record, 0); },
                       [](FilterRecord *record) {
-                          // Writes what it was given, but for the last plane of the first pixel.
+                          // Writes back what it was given, except for the last plane of the first pixel.
                           std::memcpy(record->outData, record->inData,
                                       static_cast<size_t>(record->outRowBytes));
                           static_cast<uint16_t *>(record->outData)[4] = 1234;
@@ -253,7 +253,7 @@ TEST_F(FilterRun, BothWaysOfDrivingGiveTheSame) {
 
 TEST_F(FilterRun, CancelLeavesTheDocumentAsItWas) {
     for (const bool advance : {false, true}) {
-        // Counted once, then every so often cancelled at another point, up to the very last.
+        // Counts the calls once, then cancels at one point after another, up to the very last.
         int asked = 0;
         int limit = INT32_MAX;
         Watcher watcher;

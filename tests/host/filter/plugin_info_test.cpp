@@ -14,7 +14,7 @@ std::string RealList() {
     return {list.begin(), list.end()};
 }
 
-// Puts `bytes` over those that begin `offset` behind the property's key.
+// Overwrites the bytes that start `offset` after the property's key.
 std::string WithBytes(std::string list, const std::string &key, size_t offset, const std::string &bytes) {
     return list.replace(list.find(key) + offset, bytes.size(), bytes);
 }
@@ -26,7 +26,7 @@ TEST(PluginInfo, IsWhatTheListDeclares) {
     EXPECT_EQ(info.category, "Noise");
     EXPECT_EQ(info.version, 4);
     EXPECT_EQ(info.modes, (std::vector<int16_t>{1, 3, 4, 9, 10, 11, 12, 13, 16, 17}));
-    // The third of a property's numbers is its length, behind it come the data.
+    // A property's third number is its length, followed by the data.
     ASSERT_TRUE(
         ParsePropertyList(WithBytes(RealList(), "mode", 12, std::string("\x80\0\x40\0", 4)), &(info = {})));
     EXPECT_EQ(info.modes, (std::vector<int16_t>{0, 17}));
@@ -42,9 +42,9 @@ TEST(PluginInfo, DamagedListsAreRefused) {
         WithBytes(whole, std::string("\0\0\0\0", 4), 3, "\1"),  // another version
         std::string(whole).replace(4, 4, "\xFF\xFF\xFF\xFF"),   // count
         WithBytes(whole, "kind", 8, "\xFF\xFF\xFF\xFC"),        // length
-        WithBytes(whole, "kind", 12, "8BAM"),                   // no filter
-        WithBytes(whole, "name", 12, "\x7F"),                   // longer than its property
-        WithBytes(whole, "catg", 0, "name"),                    // one twice, one missing
+        WithBytes(whole, "kind", 12, "8BAM"),                   // not a filter
+        WithBytes(whole, "name", 12, "\x7F"),                   // a name longer than its property
+        WithBytes(whole, "catg", 0, "name"),                    // one property twice, one missing
         WithBytes(whole, "mode", 0, "Mode"),
     };
     for (const std::string &list : damaged) {

@@ -1,4 +1,4 @@
-// Pictures in tiles come out as pictures in one piece.
+// Filtering a picture in tiles gives the same result as filtering it whole.
 #include "host/filter/tiles.h"
 
 #include <algorithm>
@@ -18,7 +18,7 @@ TEST_F(Tiles, CoresCoverTheAreaOnceAndFramesStayWithin) {
                                          static_cast<size_t>(HeightOf(area)));
                 for (const Tile &tile : CutIntoTiles(area, {bands, maxSide})) {
                     ASSERT_LE(std::max(WidthOf(tile.framed), HeightOf(tile.framed)), maxSide);
-                    // Six pixels around the core, up to the area's border.
+                    // Six pixels around the core, but not beyond the area's border.
                     ASSERT_EQ(tile.framed.top, std::max(area.top, tile.core.top - 6));
                     ASSERT_EQ(tile.framed.left, std::max(area.left, tile.core.left - 6));
                     ASSERT_EQ(tile.framed.bottom, std::min(area.bottom, tile.core.bottom + 6));
@@ -68,7 +68,7 @@ TEST_F(Tiles, GiveTheResultOfOneRun) {
                     ASSERT_EQ(BytesOf(document, document.destination), whole);
                     EXPECT_EQ(FindItem(outcome.recorded, kRadiusKey)->number, 4);
                 }
-                // Around a rectangle nothing changes; alone it comes out as a picture of its own would.
+                // Nothing changes outside a rectangle; the rectangle is filtered like a picture of its own.
                 if (selection) {
                     const auto pixel = static_cast<size_t>(PixelBytes(document) / MaskBytes(document));
                     EXPECT_TRUE(std::equal(whole.begin(),

@@ -1,4 +1,4 @@
-// Files that are no sound pictures, or say that they are larger than anyone would want.
+// Files that are not valid pictures, or claim to be absurdly large.
 #include <algorithm>
 #include <random>
 
@@ -27,7 +27,7 @@ std::string BigEndian(uint32_t number, int bytes) {
     return text;
 }
 
-// What a sound header says is believed until the pixels are read. Its checksum goes from its name on.
+// A valid header is believed until the pixels are read. Its checksum covers everything from its name on.
 std::string PngOf(std::string png, uint32_t side) {
     png.replace(16, 8, BigEndian(side, 4) + BigEndian(side, 4));
     return png.replace(29, 4, BigEndian(Crc32({png.begin() + 12, png.begin() + 29}), 4));
@@ -37,7 +37,7 @@ std::string JpegOf(std::string jpeg, uint32_t side) {
     return jpeg.replace(jpeg.find("\xFF\xC0"s) + 5, 4, BigEndian(side, 2) + BigEndian(side, 2));
 }
 
-// Both sides stand in entries of the directory: tag, type, count and value, little-endian.
+// Width and height are entries of the directory: tag, type, count and value, little-endian.
 std::string TiffOf(std::string tiff, uint32_t side) {
     std::string value = BigEndian(side, 4);
     std::reverse(value.begin(), value.end());
@@ -72,7 +72,7 @@ TEST_F(HostilePictures, EndInOneSentenceAndTakeNoMemory) {
         {"long.png", PngOf(png, 10'000'000), "1000", tooLarge},
         {"bomb.jpg", JpegOf(jpeg, 65500), "1000", tooLarge},
         {"bomb.tif", TiffOf(tiff, 65535), "1000", tooLarge},
-        // Allowed, but for the memory that no machine has; and beyond all that a picture can be.
+        // Allowed, but needs more memory than any machine has; and larger than any picture can be.
         {"bomb.tif", TiffOf(tiff, 9'000'000), "100000000", "memory"},
         {"bomb.tif", TiffOf(tiff, UINT32_MAX), "100000000", ""},
         {"bomb.png", PngOf(png, INT32_MAX), "100000000", ""},
@@ -111,7 +111,7 @@ TEST_F(HostilePictures, LimitDecides) {
     EXPECT_EQ(Wait(Start({"in.png", "-o", "out.png", "-f", "--max-megapixels", "0"})).status, 2);
 }
 
-// Each of hundreds of damaged files gives a whole picture or a sentence.
+// Each of hundreds of damaged files yields a whole picture or an error message.
 TEST_F(HostilePictures, AnyDamageIsSurvived) {
     std::mt19937 random(11);
     const auto below = [&](size_t count) {
@@ -123,7 +123,7 @@ TEST_F(HostilePictures, AnyDamageIsSurvived) {
         for (int i = 0; i < 100; ++i) {
             std::string damaged = whole;
             for (size_t flips = below(4) + 1; flips > 0; --flips) {
-                // The first bytes decide most.
+                // The first bytes matter most.
                 damaged[below(below(2) == 0 ? std::min<size_t>(damaged.size(), 64) : damaged.size())] ^=
                     static_cast<char>(1 << below(8));
             }
@@ -150,7 +150,7 @@ TEST_F(HostilePictures, AnyDamageIsSurvived) {
     }
     EXPECT_TRUE(done.empty()) << *done.begin();
     EXPECT_EQ(std::count(ended.err.begin(), ended.err.end(), '\n'), static_cast<std::ptrdiff_t>(failed));
-    // Damage that goes unnoticed, and damage that does not.
+    // Some damage is detected, and some is not.
     EXPECT_GT(failed, 100u);
     EXPECT_LT(failed, 390u);
 }

@@ -1,4 +1,4 @@
-// Picture files in and out: samples, metadata, and what a format cannot hold.
+// Reading and writing picture files: samples, metadata, and what a format cannot hold.
 #include "host/picture/picture.h"
 #include "host/picture/file_probe.h"
 
@@ -15,7 +15,7 @@ constexpr char kMake[] = "exif-ifd0-Make";
 
 class PictureFile : public HostTest {
   protected:
-    // Writes the picture's destination; an empty string for success.
+    // Writes the picture; returns the error message, empty for success.
     std::string Write(const Picture &picture, const std::string &name) {
         const PictureFormat *format = nullptr;
         MaybeFailure failure = FindFormat(name, &format);
@@ -45,7 +45,7 @@ class PictureFile : public HostTest {
         vips_image_set_int(metadata, VIPS_META_ORIENTATION, 6);
         vips_image_set_string(metadata, kMake, "Acme (Acme, ASCII, 5 components, 5 bytes)");
         vips_image_set_blob_copy(metadata, VIPS_META_XMP_NAME, kXMP, sizeof kXMP - 1);
-        // A trace of an encoding that must not decide about the output's.
+        // Left from the input's encoding; it must not affect the output's.
         vips_image_set_int(metadata, "palette-bit-depth", 1);
         picture.metadata.reset(metadata);
         return picture;
@@ -97,8 +97,8 @@ TEST_F(PictureFile, SamplesComeBackAsTheyWere) {
 }
 
 TEST_F(PictureFile, OrientationAndExifGoFromFormatToFormat) {
-    // Each is made from the file before, so that what one loses is missing in all that follow. TIFF, which
-    // has no place for EXIF, comes last.
+    // Each file is made from the one before, so that anything lost stays lost. TIFF comes last because it has
+    // no place for EXIF.
     Picture picture = MakePicture(plugInModeRGBColor, 3);
     for (const std::string file : {"a.jpg", "a.png", "b.png", "a.webp", "b.jpg", "a.tif"}) {
         SCOPED_TRACE(file);
@@ -124,7 +124,7 @@ TEST_F(PictureFile, NothingIsCutToFitAFormat) {
         int16_t mode;
         int32_t planes;
         const char *file;
-        const char *choice;  // what the sentence offers
+        const char *choice;  // the alternative that the message suggests
     } cases[] = {
         {plugInModeRGB48, 3, "a.jpg", "choose .png or .tif."},
         {plugInModeRGBColor, 4, "a.jpeg", "choose .png or .tif or .webp."},
@@ -157,7 +157,7 @@ TEST_F(PictureFile, CancelStopsReadingAndWriting) {
 
 TEST_F(PictureFile, DepthOfTiffIsReadInEveryLayout) {
     using namespace std::string_literals;
-    const std::string before = "\x01\x00\x03\x00\x01\x00\x00\x00\x09\x00\x00\x00"s;  // another entry
+    const std::string before = "\x01\x00\x03\x00\x01\x00\x00\x00\x09\x00\x00\x00"s;  // an unrelated entry
     const std::string big = "II\x2B\0\x08\0\0\0\x10\0\0\0\0\0\0\0\x01\0\0\0\0\0\0\0"s;
     const std::string sound = "II*\0\x08\0\0\0\x02\0"s + before + "\x02\x01\x03\0\x02\0\0\0\x08\0\x08\0"s;
     const struct {
@@ -166,7 +166,7 @@ TEST_F(PictureFile, DepthOfTiffIsReadInEveryLayout) {
     } cases[] = {
         {sound, 8},
         {"MM\0*\0\0\0\x08\0\x01\x01\x02\0\x03\0\0\0\x01\0\x10\0\0"s, 16},
-        // Three values stand elsewhere.
+        // Three values are stored elsewhere.
         {"II*\0\x08\0\0\0\x01\0\x02\x01\x03\0\x03\0\0\0\x16\0\0\0\x0C\0\x0C\0\x0C\0"s, 12},
         {big + "\x02\x01\x03\0\x04\0\0\0\0\0\0\0\x10\0\x10\0\x10\0\x10\0"s, 16},
         {sound.substr(0, sound.size() - 4), 0},

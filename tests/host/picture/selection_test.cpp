@@ -20,7 +20,7 @@ TEST_F(SelectionTest, RectanglesAreFourNumbersAndNotEmpty) {
                              "1,2,3,-4", "1,2,3,", "2147483647,0,1,1", "1,2,99999999999,4"}) {
         EXPECT_FALSE(ParseRect(text)) << text;
     }
-    // Inside is for the picture to say.
+    // Only the picture can tell whether the rectangle lies inside it.
     EXPECT_TRUE(ParseRect("-1,-1,5,5"));
 }
 

@@ -1,4 +1,4 @@
-// A worker process as its parent meets it.
+// A worker process as seen by its parent.
 #include <sys/socket.h>
 
 #include "host/filter/packing.h"
@@ -22,7 +22,7 @@ class Worker : public Program {
         return worker;
     }
 
-    // The answer to a job.
+    // Returns the answer to a job.
     std::string Do(const std::string &job) {
         send(line[0], job.data(), job.size(), 0);
         std::vector<char> packet(kLargestPacket);
@@ -104,7 +104,7 @@ TEST_F(Worker, NonsenseEndsIt) {
     EXPECT_EQ(Wait(worker).status, 2);
 }
 
-// One that is killed right after it started a worker leaves a job behind.
+// A parent killed right after starting a worker leaves a job behind.
 TEST_F(Worker, DoesNothingForADeadParent) {
     WriteNoise("in.png", 90, 70, 3);
     const std::string job =

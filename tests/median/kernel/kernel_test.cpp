@@ -1,4 +1,4 @@
-// Every kernel that this machine can run against the filter as it is defined.
+// Tests every kernel that this machine can run against the plain implementation of the filter.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -26,7 +26,7 @@ constexpr Format kFormats[] = {
     {PixelFormat::rgb16, 3, 2},
 };
 
-// Random samples decide by distance, few values and flat pictures by the order of the samples.
+// With random samples distance decides; with few values and flat pictures the order of the samples does.
 enum class Content { kRandom, kThreeValues, kNarrowRange, kFlat };
 constexpr Content kContents[] = {Content::kRandom, Content::kThreeValues, Content::kNarrowRange,
                                  Content::kFlat};
@@ -59,8 +59,8 @@ struct Blocks {
     int columns;
 };
 
-// Filters block by block; every line in memory of its own, so that a sanitizer sees what is read or written
-// beyond it, and scratch memory full of what is no number.
+// Filters block by block. Every line is a separate allocation, so that a sanitizer detects reads and writes
+// beyond it, and scratch memory starts out full of NaNs.
 std::vector<uint8_t> FilterInBlocks(const HybridKernel &kernel, const Format &format, int width, int height,
                                     const std::vector<uint8_t> &pixels, int radius, Blocks blocks) {
     const size_t rowBytes = static_cast<size_t>(width * format.samples * format.sampleBytes);

@@ -64,7 +64,7 @@ TEST(TableMedian, ChoosesByCoarseDistances) {
         {FromGray({5, 9, 9}), 1},
         {FromColors({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}}), 0},
         {FromGray({0, 10, 20, 30}), 1},
-        // From five samples on, in blocks that are seeded by an earlier block.
+        // From five samples on, in blocks seeded by an earlier block.
         {FromGray({10, 20, 30, 40, 50}), 0},
         {FromGray(Repeated({{5, 7}, {1, 8}})), 1},
         {FromGray(Repeated({{5, 10}, {1, 20}, {1, 30}})), 2},
@@ -84,7 +84,7 @@ TEST(ScheduledMedian, ChoosesByFineDistances) {
         {FromGray({10, 20, 30, 40}), 1},
         {FromColors({{255, 0, 0}, {0, 255, 0}, {0, 255, 0}, {255, 0, 0}, {0, 0, 255}}), 0},
         {FromGray(Repeated({{11, 0}, {1, 37}, {1, 38}, {12, 108}})), 11},
-        // Decided by the rounding of each operation and by the order of the additions.
+        // The rounding of each operation and the order of the additions decide.
         {FromColors({{130, 133, 132}, {136, 130, 129}, {138, 136, 136}, {129, 134, 130}, {137, 129, 131}}),
          0},
         {FromColors({{79, 88, 82}, {84, 78, 87}, {85, 77, 79}, {78, 83, 88}, {86, 87, 78}}), 1},
@@ -95,7 +95,7 @@ TEST(ScheduledMedian, ChoosesByFineDistances) {
         {FromGray(std::vector<float>(25, 4)), 0},
         {FromGray(std::vector<float>(26, 4)), 0},
     };
-    // Twice, so that every size follows another and itself.
+    // Twice, so that every size follows another size and itself.
     for (int round = 0; round < 2; ++round) {
         for (const Case &c : cases) {
             EXPECT_EQ(ScheduledMedian(c.samples), c.median) << "case " << &c - cases;

@@ -1,4 +1,5 @@
-// The dialog on a screen of its own: real keys and clicks give what the same session gives from a script.
+// The dialog on a screen of its own: real keys and clicks give the same results as the same session from a
+// script.
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCloseEvent>
@@ -37,7 +38,7 @@ QWidget *WidgetOf(QDialog *window, int16_t item) {
     return window->childAt(CenterOf(item));
 }
 
-// Events enter through the window system, as a user's do.
+// Events enter through the window system, as a user's would.
 void ClickAt(QDialog *window, QPoint place) {
     QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {}, place);
 }
@@ -132,13 +133,13 @@ class ScreenDialog : public DialogTest {
   protected:
     static void SetUpTestSuite() { setenv("QT_QPA_PLATFORM", "offscreen", 0); }
 
-    // From then on there is an application.
+    // From then on an application exists.
     static void UseScreen() {
         EXPECT_EQ(UseScreenDialogs(), noErr);
         CurrentDialogBackend().screen();
     }
 
-    // Takes a step whenever the dialog waits.
+    // Runs the next step whenever the dialog waits.
     DialogOutcome RunOnScreen(const TestImage &source, float radius, const std::vector<Step> &steps) {
         UseScreen();
         std::vector<DialogState> states;
@@ -170,7 +171,7 @@ class ScreenDialog : public DialogTest {
         return outcome;
     }
 
-    // The widgets and the pixels are what the model says.
+    // The widgets and the pixels match the model.
     static void ExpectShown(QDialog *window, const DialogState &state) {
         const auto *field = qobject_cast<QLineEdit *>(WidgetOf(window, kRadiusFieldItem));
         ASSERT_NE(field, nullptr);
@@ -191,7 +192,7 @@ class ScreenDialog : public DialogTest {
         ExpectPixels(window->grab().toImage(), state);
     }
 
-    // At any scale: the middle of each of the picture's pixels.
+    // Compares the middle of each of the picture's pixels, at any scale.
     static void ExpectPixels(const QImage &shot, const DialogState &state) {
         const Rect &drawn = state.drawn;
         const uint8_t *pixel = state.picture.data();
@@ -271,7 +272,7 @@ TEST_F(ScreenDialog, ClosingTheWindowCancels) {
 }
 
 TEST_F(ScreenDialog, StandsUnderItsTitleWhereItIsCentered) {
-    // So low that its frame is on the screen at twice the size, too.
+    // Placed low enough for its frame to be on the screen even at double scale.
     std::vector<uint8_t> low = DialogTemplate();
     PutShort(low.data() + 4, 400);
     faults::RemoveResources();
@@ -287,7 +288,7 @@ TEST_F(ScreenDialog, StandsUnderItsTitleWhereItIsCentered) {
     RunOnScreen(image, 3, {look});
 }
 
-// What comes in faster than the preview is built waits for its turn, in its order.
+// Input that arrives faster than the preview is built waits its turn, in order.
 TEST_F(ScreenDialog, FastHandsLoseNothing) {
     const Step wheel = [](QDialog *window) {
         for (const int16_t item :
@@ -317,7 +318,7 @@ TEST_F(ScreenDialog, FastHandsLoseNothing) {
     };
     const struct {
         Step burst;
-        std::vector<UserAction> actions;  // that it comes to
+        std::vector<UserAction> actions;  // the equivalent actions
     } cases[] = {
         {allOfThem, various},
         {doubleClickArrow, {Press(kHorizontalBarItem, kDownArrow), Press(kHorizontalBarItem, kDownArrow)}},
@@ -366,7 +367,7 @@ TEST_F(ScreenDialog, KeysMeanTheSameWhereverTheFocusIs) {
             const Step finish = [&](QDialog *window) {
                 go(window);
                 EXPECT_TRUE(qobject_cast<QPushButton *>(WidgetOf(window, kOKItem))->isDefault());
-                // There are desktops where a button with the focus takes Return.
+                // On some desktops Return presses a focused button.
                 for (QPushButton *button : window->findChildren<QPushButton *>()) {
                     button->setAutoDefault(true);
                 }
@@ -377,7 +378,7 @@ TEST_F(ScreenDialog, KeysMeanTheSameWhereverTheFocusIs) {
             EXPECT_EQ(outcome.result, end.result);
         }
     }
-    // But space presses what has the focus.
+    // But space presses the focused widget.
     const Step press = [](QDialog *window) {
         QTest::keyClick(window->windowHandle(), Qt::Key_Backtab);
         QTest::keyClick(window->windowHandle(), Qt::Key_Space);
@@ -391,7 +392,7 @@ TEST_F(ScreenDialog, AHeldArrowStepsOnce) {
         QTest::mousePress(window->windowHandle(), Qt::LeftButton, {},
                           PlaceOf(*bar, QStyle::SC_ScrollBarAddLine).center());
     };
-    // Qt would repeat after half a second.
+    // Qt's auto-repeat would start after half a second.
     const Step wait = [](QDialog *) { QTest::qWait(700); };
     const Step release = [](QDialog *window) {
         QTest::mouseRelease(window->windowHandle(), Qt::LeftButton, {}, CenterOf(kHorizontalBarItem));
@@ -431,7 +432,7 @@ TEST_F(ScreenDialog, TabGoesThroughTheRowsAndEveryWidgetHasAName) {
     EXPECT_EQ(bars, (std::vector<std::string>{"Horizontal position", "Vertical position", "Radius"}));
 }
 
-// A sky over a field with a wire fence, and noise over all of it.
+// Sky over a field with a wire fence, all of it noisy.
 TestImage Photograph() {
     TestImage photo = RandomImage(600, 450, 3, 9);
     for (int y = 0; y < photo.height; ++y) {
@@ -477,8 +478,8 @@ void ExpectCleanLayout(QDialog *window) {
     }
 }
 
-// Everything fits where it stands, nothing lies on anything else, and the theme's colours are kept. Pictures
-// go to the folder $HYMEDIAN_SCREENSHOTS.
+// Everything fits its place, nothing overlaps, and the theme's colours are kept. Pictures are saved in the
+// folder $HYMEDIAN_SCREENSHOTS.
 TEST_F(ScreenDialog, LooksRightInLightAndDark) {
     InstallItems(DialogItemList());
     UseScreen();
