@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Usage: run_paths_test.sh BUILD. Reads where the programs and libraries of a build folder, and of its installation, look for libraries.
-# An empty or relative entry would take them from whatever folder the program is started in.
+# Usage: run_paths_test.sh BUILD. Checks where the programs and libraries of a build folder, and of its installation,
+# look for libraries. An empty or relative entry would take them from whatever folder the program is started in.
 set -euo pipefail
 
 build=$1
@@ -8,7 +8,7 @@ installed=$(mktemp -d)
 trap 'rm -rf "$installed"' EXIT
 cmake --install "$build" --prefix "$installed" >/dev/null
 
-# Build folders of other presets may lie within this one. Only ELF files give lines; these are FILE: ENTRIES.
+# Build folders of other presets may be inside this one. Only ELF files produce lines, as FILE: ENTRIES.
 run_paths() {
     find "$1" -mindepth 1 -type d -exec test -e {}/CMakeCache.txt \; -prune -o -type f \( -perm -u+x -o -name '*.so*' \) -print0 |
         { LC_ALL=C xargs -0 readelf -d /dev/null 2>/dev/null || true; } |
@@ -19,7 +19,7 @@ entry='(\$ORIGIN|/)[^:]*'
 status=0
 for tree in "$build" "$installed"; do
     paths=$(run_paths "$tree")
-    # Those that need libplatform.so must have been read, or nothing was.
+    # Files that need libplatform.so must be among those read, or nothing was checked.
     for file in hymedian HybridMedian.so; do
         grep -q "/$file: " <<<"$paths" || { echo "no run path: $file in $tree" >&2; status=1; }
     done

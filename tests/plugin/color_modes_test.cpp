@@ -83,8 +83,8 @@ const std::vector<Conversion> kConversions = {
       {{32768, 0, 0}, {13606, 27306, 30037}}}},
 };
 
-// All cases as one row, so that growing and shrinking rows show pixels that were overwritten too early. The
-// row starts at an odd address and ends where its pixels end.
+// All cases as one row, so that growing and shrinking rows reveal pixels that were overwritten too early. The
+// row starts at an odd address and ends exactly with its last pixel.
 TEST(ColorModes, ConvertWholeRows) {
     for (const Conversion &conversion : kConversions) {
         std::vector<uint8_t> row(1), expected(1);

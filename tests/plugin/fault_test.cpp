@@ -1,4 +1,4 @@
-// Whole runs in which every allocation and every file call fails once, one after the other.
+// Whole runs in which every allocation and every file call fails once, one at a time.
 #include <algorithm>
 #include <functional>
 #include <iterator>
@@ -34,12 +34,12 @@ constexpr int kWidth = 7;
 constexpr int kHeight = 5;
 constexpr std::pair<int32_t, int32_t> kLastRowWritten = {6 * kHeight - 1, 6 * kHeight};
 
-// What the dialog is told: another radius than the script's. It keeps a line buffer of each preview that it
-// builds, at first and after the digit.
+// The answer to the dialog: a different radius from the script's. The dialog keeps a line buffer for each
+// preview it builds, at first and after the digit.
 const std::vector<UserAction> kAnswer = {user::Key('3'), user::Key(kReturn)};
 constexpr int64_t kMostPreviews = 2;
 
-// What the system may answer: memory, disk, and what the File Manager says.
+// The errors the system may give: for memory, for the disk, and from the File Manager.
 constexpr OSErr kAllowed[] = {memFullErr, dskFulErr, ioErr, eofErr, fnfErr, dupFNErr, nsvErr};
 
 TestDocument DocumentOf(const RunCase &c) {
@@ -68,8 +68,8 @@ class Faults : public DialogTest {
         return run;
     }
 
-    // Runs with each fault that `arm` sets, until one lies behind the run's end. The radius that a run could
-    // not read from its script is the one remembered, which is the script's.
+    // Runs with each fault that `arm` sets, until one lies beyond the end of the run. If a run could not read
+    // the radius from its script, it uses the remembered one, which is the same.
     void FailEachOnce(const RunCase &c, const std::function<void(int64_t)> &arm,
                       const std::function<bool()> &struck) {
         const TestDocument document = DocumentOf(c);
@@ -93,7 +93,7 @@ class Faults : public DialogTest {
             if (done) {
                 break;
             }
-            // What a deletion that failed has left goes with the next run.
+            // The next run removes what a failed deletion left behind.
             if (FileCount() > 0) {
                 Play(c, document);
                 EXPECT_EQ(FileCount(), 0u);
@@ -134,7 +134,7 @@ TEST_F(Faults, EveryFileCallFailsOnce) {
     }
 }
 
-// An image that could not be made, or was made too late for the first rows, must not end as a success.
+// A run must not report success when an image could not be made, or was made too late for the first rows.
 TEST_F(Faults, HostsThatIgnoreErrorsGetNothingUnfiltered) {
     for (const RunCase &c : kRuns) {
         const TestDocument document = DocumentOf(c);

@@ -8,7 +8,7 @@ namespace {
 class HostileHost : public ScratchFolder {};
 
 TEST_F(HostileHost, TwentyThousandSequencesDoNoHarm) {
-    // Room for small images; larger ones go to disk, and there is little of that.
+    // Room for small images; larger ones go to disk, which has little space.
     const int64_t before = faults::BytesInUse();
     for (uint32_t sequence = 0; sequence < 20000; ++sequence) {
         faults::SetMemoryLimit(before + (2 << 20));

@@ -1,4 +1,4 @@
-// Whole runs of the plug-in through its entry.
+// Whole runs of the plug-in through its entry point.
 #include <bit>
 #include <cstring>
 
@@ -51,7 +51,7 @@ struct ModeCase {
 constexpr int16_t kWidth = 17;
 constexpr int16_t kHeight = 9;
 
-// What the filter should see of a row, in the document's own mode: transparent pixels as white.
+// What the filter should see of a row, in the document's own mode: transparent pixels are white.
 std::vector<uint8_t> ColorsOfRow(const ModeCase &c, const uint8_t *row) {
     const int sampleBytes = c.depth / 8;
     const int colorBytes = c.colorPlanes * sampleBytes;
@@ -70,7 +70,7 @@ std::vector<uint8_t> ColorsOfRow(const ModeCase &c, const uint8_t *row) {
     return colors;
 }
 
-// The document after the filter, put together from the conversions and the filter.
+// The document after filtering, assembled from the conversions and the filter.
 std::vector<uint8_t> ExpectedResult(const ModeCase &c, const TestDocument &document, float radius) {
     const int sampleBytes = c.depth / 8;
     const int filteredBytes = (c.colorPlanes == 4 ? 3 : c.colorPlanes) * sampleBytes;
@@ -234,7 +234,7 @@ TEST_F(Run, RefusesWhatItCannotFilter) {
     EXPECT_EQ(RunPlugin(Document(plugInModeGrayScale, 8, 1, 4, 4), {}).result, userCanceledErr);
 }
 
-// Images count the bytes of a pixel in 16 bits.
+// Images store the number of bytes per pixel in 16 bits.
 TEST_F(Run, RefusesPixelsThatNoImageCanHave) {
     const struct {
         int16_t mode;
@@ -253,7 +253,7 @@ TEST_F(Run, RefusesPixelsThatNoImageCanHave) {
     }
 }
 
-// What the declared maximum does not admit leaves the radius remembered.
+// A radius above the declared maximum leaves the remembered one unchanged.
 TEST_F(Run, RecordsTheRadiusThatWasUsed) {
     const std::pair<double, float> cases[] = {{2, 2}, {3.5, 3.5f}, {0.5, 1}, {9, 1}, {4, 4}, {5, 4}};
     for (const auto &[played, used] : cases) {
@@ -271,7 +271,7 @@ TEST_F(Run, LeftOversOfDeadRunsGoAndLivingRunsKeepTheirs) {
     EXPECT_EQ(Play(document, 1).result, noErr);
     EXPECT_EQ(FileCount(), 0u);
 
-    // An image on disk, as another run in this folder would have it.
+    // An image on disk, as another run in this folder would have one.
     faults::RefuseTemporaryMemory(true);
     const TestImage source = RandomImage(6, 5, 3, 31);
     NamedImage *living = nullptr;
@@ -314,7 +314,7 @@ TEST_F(Run, SelectorsAnswerAndKeepTheirState) {
     EXPECT_EQ(call(filterSelectorParameters), memFullErr);
     EXPECT_EQ(record.parameters, nullptr);
     EXPECT_FALSE(state()->parametersSet);
-    // Of a handle that is there the first word stays as it is.
+    // An existing handle keeps its first word.
     for (const int16_t mark : {int16_t{50}, int16_t{3}}) {
         EXPECT_EQ(call(filterSelectorParameters), noErr);
         EXPECT_TRUE(state()->parametersSet);
@@ -327,7 +327,7 @@ TEST_F(Run, SelectorsAnswerAndKeepTheirState) {
     }
     DisposeHandle(record.parameters);
 
-    // Nothing is to be done without a Start, nor after one with an empty rectangle, whatever was asked for.
+    // Nothing happens without a Start, or after one with an empty rectangle, whatever was requested.
     for (const int selector : {filterSelectorContinue, filterSelectorStart}) {
         record.filterRect = {5, 9, 5, 20};
         record.inRect = {1, 2, 3, 4};
@@ -336,13 +336,13 @@ TEST_F(Run, SelectorsAnswerAndKeepTheirState) {
         EXPECT_TRUE(IsZero(record.inRect) && IsZero(record.outRect)) << selector;
         EXPECT_EQ(state()->phase, phaseIdle);
     }
-    // One pixel wider than any image.
+    // One pixel wider than any image can be.
     record.filterRect = {0, -1, 1, 32767};
     EXPECT_EQ(call(filterSelectorStart), filterBadParameters);
     EXPECT_EQ(state()->phase, phaseDone);
     record.filterRect = {};
 
-    // The selection is the one image that Finish leaves; the next Start takes it.
+    // The selection is the only image that Finish leaves; the next Start takes it over.
     EXPECT_EQ(MakeImage(2, 2, 1, &state()->image), noErr);
     EXPECT_EQ(MakeAlphaImage(2, 2, 1, &state()->alphaImage), noErr);
     EXPECT_EQ(MakeSelectionImage(2, 2, 1, &state()->selectionImage), noErr);
@@ -367,7 +367,7 @@ TEST_F(Run, RowBufferFitsEveryDepth) {
         state.filterRecord = &record;
         EXPECT_EQ(DoStart(&state), noErr);
         EXPECT_EQ(GetPtrSize(state.rowBuffer), size);
-        // Starting again releases what the first start took.
+        // A second Start releases what the first one took.
         EXPECT_EQ(DoStart(&state), noErr);
         DoFinish(&state);
     }

@@ -26,7 +26,7 @@ TEST_F(KeyNames, UnitsFollowTheirCode) {
                      {"hhhh", "Angle", "degrees"},
                      {"aaaa", "Shadowed", "none"},
                      {"iiii", std::string(43, 'n'), "0123456789abcdef"}});
-    const std::string whole = std::string(43, 'n') + "0123456789abcde";  // a record's last byte ends it
+    const std::string whole = std::string(43, 'n') + "0123456789abcde";  // cut off by the record's last byte
     const struct {
         OSType key;
         int32_t unitIndex;

@@ -26,7 +26,7 @@ class PreferencesFile : public ScratchFolder {
 
     void Replace(const std::string &contents) const { WriteBytes("WEMBpref", contents); }
 
-    // A run of the plug-in over a tiny picture; returns the radius that it recorded.
+    // Runs the plug-in over a tiny picture; returns the radius that it recorded.
     double Run(std::vector<script::Item> action) {
         const TestDocument document = {plugInModeGrayScale, 8, 1, {0, 0, 2, 2}, {1, 2, 3, 4}, {}};
         EXPECT_EQ(RunScripted(document, std::move(action)).result, noErr);
@@ -46,7 +46,7 @@ class PreferencesFile : public ScratchFolder {
 const std::vector<script::Item> kRadius4 = {{FourCharCode("nRad"), typeFloat, 4}};
 
 TEST_F(PreferencesFile, RunsWriteKnownFiles) {
-    // A run that is cancelled in its dialog writes the defaults.
+    // A run cancelled in its dialog writes the defaults.
     const TestDocument document = {plugInModeGrayScale, 8, 1, {0, 0, 2, 2}, {1, 2, 3, 4}, {}};
     EXPECT_EQ(RunPlugin(document, {}).result, userCanceledErr);
     EXPECT_EQ(Contents().size(), static_cast<size_t>(kFileSize));
@@ -77,7 +77,7 @@ TEST_F(PreferencesFile, SlotsRepeatWhatLongerOnesLeft) {
     }
     std::fill_n(context.preferencesHeader, kPreferenceHeaderSize, 0x11);
     std::fill_n(context.preferencesTail, kPreferenceTailSize, 0xEE);
-    // At most 513 characters and a zero go into a slot, over what the one before left.
+    // A slot takes at most 513 characters and a zero, over what the slot before left.
     std::string expected(1024, '\x11');
     std::string slotBytes(1024, '\0');
     for (size_t slot = 0; slot < 48; ++slot) {
@@ -95,7 +95,7 @@ TEST_F(PreferencesFile, SlotsRepeatWhatLongerOnesLeft) {
     }
     EXPECT_TRUE(Contents() == expected);
 
-    // What is read takes the place of what was there; an empty slot leaves it.
+    // What is read replaces what was there; an empty slot changes nothing.
     for (const size_t slot : {0U, 2U}) {
         context.preferenceStrings[slot] = Text("old");
     }
@@ -106,7 +106,7 @@ TEST_F(PreferencesFile, SlotsRepeatWhatLongerOnesLeft) {
     }
     EXPECT_EQ(std::string(context.preferenceStrings[4]), std::string(513, 'q'));
     EXPECT_EQ(context.preferencesTail[3071], 0xEE);
-    // Zeros stand for a header that cannot be written; the slots keep their places.
+    // A header that cannot be written becomes zeros; the slots keep their places.
     faults::FailFileCall(2, ioErr);
     WritePreferences(&context, ref);
     EXPECT_EQ(Contents().size(), expected.size());
@@ -124,7 +124,7 @@ TEST_F(PreferencesFile, NewFilesHaveTypeAndCreator) {
     EXPECT_EQ(std::string(info, 8), "TYPECREA");
 }
 
-// As long as another process holds the file's lock, it is neither read nor written.
+// While another process holds the file's lock, the file is neither read nor written.
 TEST_F(PreferencesFile, LockedFilesAreWaitedFor) {
     const auto whileLocked = [this](const std::function<void()> &inside, const std::function<void()> &call) {
         const int file = open((folder / "WEMBpref").c_str(), O_RDWR);
@@ -152,7 +152,7 @@ TEST_F(PreferencesFile, LockedFilesAreWaitedFor) {
     EXPECT_EQ(Contents()[0], 'C');
 }
 
-// Whatever stands in the file, a run reads what it can and leaves a whole file.
+// Whatever the file contains, a run reads what it can and leaves a whole file.
 TEST_F(PreferencesFile, DamagedFilesAreReadAsFarAsTheyGo) {
     std::string whole(kFileSize, '\0');
     for (size_t i = 0; i < whole.size(); ++i) {
@@ -183,11 +183,11 @@ TEST_F(PreferencesFile, DamagedFilesAreReadAsFarAsTheyGo) {
         WritePreferences(&context, ref);
         EXPECT_EQ(Contents().size(), std::max(c.contents.size(), static_cast<size_t>(kFileSize)));
         EXPECT_EQ(Contents().substr(1024 + 513, 1), std::string(1, '\0'));
-        // Behind the 48 slots and the tail, what was there stays.
+        // Anything after the 48 slots and the tail is left in place.
         EXPECT_EQ(Contents().substr(kFileSize),
                   c.contents.substr(std::min<size_t>(c.contents.size(), kFileSize)));
     }
-    // What is no preferences file at all, but cannot be written either, stays.
+    // A folder in the file's place, which cannot be written, stays.
     std::filesystem::remove(folder / "WEMBpref");
     std::filesystem::create_directory(folder / "WEMBpref");
     RunContext context = {};

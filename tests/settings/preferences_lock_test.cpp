@@ -19,7 +19,7 @@ class PreferencesLock : public ScratchFolder {
     }
 };
 
-// Neither replaced by defaults nor written over unread.
+// The file is neither replaced by defaults nor overwritten unread.
 TEST_F(PreferencesLock, LeavesTheFileAsItIs) {
     WriteAll(1, 0);
     const std::string before = Contents();

@@ -19,7 +19,7 @@ constexpr OSType kTextKey = FourCharCode("path");
 constexpr OSType kRadioKey = FourCharCode("shap");
 constexpr OSType kFixedKey = FourCharCode("fixd");
 constexpr OSType kRadioType = FourCharCode("rBsh");
-constexpr OSType kFixedType = FourCharCode("rxMd");  // not one that is read back
+constexpr OSType kFixedType = FourCharCode("rxMd");  // a type that is not read back
 
 class ScriptBridge : public ScratchFolder {
   protected:
@@ -32,7 +32,7 @@ class ScriptBridge : public ScratchFolder {
         AddSPInputSettingCString(block, kTextKey, nullptr);
         AddSPInputSettingRadio(block, kRadioKey, kRadioType, 1, 3, 1);
         AddSPInputSettingRadio(block, kFixedKey, kFixedType, 1, 3, 1);
-        AddSPInputSettingFloat(block, kFloatKey, 0, 9, 8);  // a key may stand twice
+        AddSPInputSettingFloat(block, kFloatKey, 0, 9, 8);  // a key may occur twice
     }
 
     void TearDown() override {
@@ -120,7 +120,7 @@ TEST_F(ScriptBridge, DialogIsShownOnlyWhenAsked) {
         EXPECT_EQ(_ReadScriptParamFromPS(&empty, block), playInfo == plugInDialogDontDisplay);
     }
 
-    // No suites, or not the ones known here.
+    // No suites, or unknown ones.
     const struct {
         int16_t version, readVersion, readCount, writeVersion, writeCount;
         bool available, newer;
@@ -172,7 +172,7 @@ TEST_F(ScriptBridge, RecordsEveryEntryByItsKind) {
         {kRadioKey, typeEnumerated, 1, {}, kRadioType},
         {kFixedKey, typeEnumerated, 1, {}, kFixedType},
         {kFloatKey, typeFloat, 8},
-        // Outputs carry the values of the inputs of their index.
+        // Each output carries the value of the input with the same index.
         {FourCharCode("area"), typeFloat, 2},
         {FourCharCode("full"), typeBoolean, 1},
     };
@@ -184,11 +184,11 @@ TEST_F(ScriptBridge, RecordsEveryEntryByItsKind) {
     EXPECT_EQ(_WriteScriptParamToPS(&record, block), noErr);
     EXPECT_TRUE(script::recorded.empty());
     InitializeSPSettings(block, 0, false, false);
-    block->inputCount = 8;  // for the clearing of texts
+    block->inputCount = 8;  // so that all texts are cleared
 }
 
-// An input that is added last takes the first output's place and moves the others on: the last one leaves the
-// block.
+// An input added last takes the first output's place and moves the outputs on by one, so that the last is
+// outside the block.
 TEST_F(ScriptBridge, RecordsNothingPastTheEndOfAFullBlock) {
     SPBlock *full = _AllocateSPBlock(22);
     InitializeSPSettings(full, 0, false, false);

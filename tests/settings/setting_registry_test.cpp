@@ -29,7 +29,7 @@ class SettingRegistry : public ScratchFolder {
     }
 };
 
-// A text as callers hand it in: zeros behind it.
+// A text as callers pass it, followed by zeros.
 struct Text {
     explicit Text(const std::string &text) { std::copy(text.begin(), text.end(), bytes); }
     char bytes[kTextSize] = {};
@@ -89,13 +89,13 @@ TEST_F(SettingRegistry, StringsAreCopiedByTheirOwnLengthRules) {
     SetSPInputSettingCString(block, 0, longer.bytes);
     SetSPInputSettingCString(block, 0, GetSPInputSettingCString(block, 0));
     EXPECT_STREQ(GetSPInputSettingCString(block, 0), longer.bytes);
-    // The zero before the place that the first byte names is part of the text.
+    // A zero before the position that the first byte gives is part of the text.
     SetSPInputSettingCString(block, 0, Text(std::string("\5ab\0cde", 7)).bytes);
     ASSERT_EQ(GetPtrSize(GetSPInputSettingCString(block, 0)), 8);
     EXPECT_EQ(std::string(GetSPInputSettingCString(block, 0), 8), std::string("\5ab\0cde", 8));
 }
 
-// Filling a block again leaves what an add does not set.
+// Refilling a block keeps whatever an add does not set.
 TEST_F(SettingRegistry, StringsKeepTheMaximumOfTheirSlot) {
     InitializeSPSettings(block, 0, false, false);
     AddSPInputSettingLong(block, kKey, 3, 9, 7);

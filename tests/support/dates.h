@@ -1,7 +1,7 @@
-// Texts that hold the current date and time, made comparable.
+// Makes texts that contain the current date and time comparable.
 #pragma once
 
 #include <string>
 
-// Every short date with a time becomes "NOW".
+// Replaces every short date with a time by "NOW".
 std::string WithoutDates(std::string text);

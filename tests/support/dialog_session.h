@@ -10,7 +10,7 @@
 #include "toolkit/filter_hooks.h"
 #include "toolkit/run_context.h"
 
-// Keys and parts of bars, short enough for tables of sessions.
+// Keys and scroll bar parts, with names short enough for tables of sessions.
 constexpr char kReturn = kReturnCharCode;
 constexpr char kEnter = kEnterCharCode;
 constexpr char kEscape = kEscapeCharCode;
@@ -34,7 +34,7 @@ struct DialogOutcome {
     int16_t Value(int16_t item) const { return Last().values[static_cast<size_t>(item - 1)]; }
 };
 
-// The rectangle of an item in the bytes of an item list.
+// The position of an item's rectangle in the bytes of an item list.
 uint8_t *ItemBounds(std::vector<uint8_t> *list, int16_t item);
 
 class DialogTest : public ScratchFolder {
@@ -42,20 +42,20 @@ class DialogTest : public ScratchFolder {
     DialogTest() { InstallDialog(100, 80); }
     ~DialogTest() override { UseScriptedDialogs(nullptr); }
 
-    // The dialog with a preview of another size at its usual place.
+    // Installs the dialog with a preview of another size at the usual place.
     void InstallDialog(int16_t previewWidth, int16_t previewHeight);
 
     void InstallItems(const std::vector<uint8_t> &items);
 
-    // Without an action that ends the dialog it is cancelled.
+    // If no action ends the dialog, it is cancelled.
     DialogOutcome Run(const TestImage &source, float radius, std::vector<UserAction> actions);
 
-    // The caller has chosen the back end.
+    // Uses the back end that the caller has chosen.
     DialogOutcome RunOnBackend(const TestImage &source, float radius);
 
     static void PutShort(uint8_t *bytes, int32_t value);
 
-    // What the next runs meet.
+    // Settings for the next runs.
     int16_t colorPlanes = 3;
     void (*processEvent)(EventRecord *event) = nullptr;
     bool refuseTemporaryMemory = false;

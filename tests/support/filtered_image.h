@@ -1,4 +1,4 @@
-// What the filter makes of a test image, without a run around it.
+// Filters a test image without a run around it.
 #pragma once
 
 #include "tests/support/test_images.h"

@@ -1,4 +1,4 @@
-// A lock as another process holds it, while signals keep coming to this one.
+// Holds a lock from another process, while signals keep coming to this one.
 #pragma once
 
 #include <chrono>
@@ -6,7 +6,8 @@
 
 bool IsLocked(const std::filesystem::path &path);
 
-// One at a time. It lets go by itself in the end, so that waiting for ever fails a test and does not hang it.
+// One at a time. It eventually lets go by itself, so that waiting for ever fails a test instead of hanging
+// it.
 class HeldLock {
   public:
     explicit HeldLock(const std::filesystem::path &path,

@@ -19,7 +19,7 @@ struct Decisions {
     uint8_t Byte() { return Left() ? *next++ : uint8_t{0}; }
     bool OneIn(int n) { return Byte() % n == 0; }
 
-    // Mostly small, sometimes at the ends of the range.
+    // Mostly small, sometimes at the limits of the range.
     int16_t Coordinate() {
         static constexpr int16_t kExtremes[] = {INT16_MIN, -1, 0, 1, 32755, 32756, INT16_MAX};
         const uint8_t byte = Byte();
@@ -39,7 +39,7 @@ struct Session {
 };
 Session *session;
 
-// A row as the request in the record asks for it, at an odd address and with nothing behind it.
+// A row of the size the record requests, at an odd address and with nothing after it.
 void *MakeRow(const Rect &rect, int32_t bytesPerPixel, std::unique_ptr<uint8_t[]> *row, int32_t *rowBytes) {
     const int64_t width = rect.right - rect.left;
     const int64_t size = width * bytesPerPixel;
@@ -109,7 +109,7 @@ void ChangeCallbacks() {
 
 void CallOnce(intptr_t *data) {
     Decisions &d = session->decisions;
-    // A run in order for the most part, or nothing would ever get far.
+    // Mostly in the proper order, or no run would ever get far.
     static constexpr int16_t kSelectors[] = {3, 3, 4, 4, 4, 4, 4, 5, 1, 2, 0, -1, 6};
     const int16_t selector = kSelectors[d.Byte() % std::size(kSelectors)];
     if (selector == filterSelectorStart || d.OneIn(25)) {
@@ -128,7 +128,7 @@ void CallOnce(intptr_t *data) {
     }
 }
 
-// Finish leaves the selection to the next Start.
+// Finish leaves the selection for the next Start.
 void ReleaseEverything(intptr_t *data) {
     int16_t result = 0;
     session->record.filterRect = {};

@@ -1,4 +1,4 @@
-// A key-name table of a test's own.
+// Adds a test's own key-name table.
 #pragma once
 
 #include <string>
@@ -8,5 +8,5 @@ struct TestKeyName {
     std::string key, name, units;
 };
 
-// Stays until faults::RemoveResources.
+// Remains until faults::RemoveResources.
 void AddKeyNameTable(const std::vector<TestKeyName> &records);

@@ -1,5 +1,5 @@
-// The dialog keeps the line buffer of every rebuild; that is how it is to behave. The library of fonts keeps
-// what it has read about them.
+// The dialog deliberately keeps the line buffer of every rebuild. The font library keeps what it has read
+// about fonts.
 extern "C" const char *__lsan_default_suppressions();
 
 extern "C" const char *__lsan_default_suppressions() {

@@ -1,4 +1,5 @@
-// A folder of its own for each test, which is also the Preferences folder, and memory that must balance.
+// Gives each test a folder of its own, which is also the Preferences folder, and checks that all memory is
+// released.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -19,18 +20,18 @@ class ScratchFolder : public testing::Test {
 
     void TearDown() override;
 
-    // Files that a run leaves behind, the preferences aside.
+    // The number of files that a run leaves behind, not counting the preferences.
     size_t FileCount() const;
 
     std::string Path(const std::string &name) const { return (folder / name).string(); }
 
-    // Of all that is in the folder, or in the one of that name in it.
+    // The names of everything in the folder, or in its subfolder of that name.
     std::set<std::string> Names(const std::string &subfolder = ".") const;
 
     void WriteBytes(const std::string &name, const std::string &bytes) const;
 
     std::filesystem::path folder;
-    int64_t blocksKept = 0;  // that were seen to stay, and are to
+    int64_t blocksKept = 0;  // blocks that are expected to stay
 
   private:
     int64_t blocksBefore;

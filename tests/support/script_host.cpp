@@ -13,16 +13,16 @@ OSErr closeError = noErr;
 
 namespace {
 
-std::vector<Item> playing;  // what is read
-size_t position;            // one past the item read last
+std::vector<Item> playing;  // the items to read
+size_t position;            // one past the item last read
 
-// The item read last; null when it is of another type.
+// The item last read; null if it is of another type.
 const Item *Current(OSType type) {
     const Item &item = playing[position - 1];
     return item.type == type ? &item : nullptr;
 }
 
-// Delivers the item read last as a number of the type, also where reading it gives an error.
+// Delivers the item last read as a number of the type, even when reading it gives an error.
 template <typename Value>
 OSErr GetNumber(OSType type, Value *value) {
     const Item *item = Current(type);

@@ -1,5 +1,5 @@
-// The scripting side of a host: hands out one list of recorded values and takes another. A value is delivered
-// by the getter of its type alone.
+// The scripting side of a host: supplies one list of recorded values and collects another. A value is
+// delivered only by the getter of its own type.
 #pragma once
 
 #include <string>
@@ -15,15 +15,15 @@ struct Item {
     double number = 0;
     std::string text = {};
     OSType enumeration = 0;
-    OSErr error = noErr;  // what reading it gives
+    OSErr error = noErr;  // the result of reading it
 
     bool operator==(const Item &) const = default;
 };
 
 extern std::vector<Item> recorded;     // what was written
-extern std::vector<OSType> askedKeys;  // those that the reader was opened with, the closing 0 aside
-extern int openTokens;                 // readers and writers that are not closed
-extern OSErr closeError;               // what closing a writer gives
+extern std::vector<OSType> askedKeys;  // the keys that the reader was opened with, without the closing 0
+extern int openTokens;                 // readers and writers not yet closed
+extern OSErr closeError;               // the result of closing a writer
 extern ReadDescriptorProcs readProcs;
 extern WriteDescriptorProcs writeProcs;
 

@@ -17,7 +17,7 @@ struct Session {
     const TestHostOptions *options;
     TestRun run;
     std::vector<uint8_t> inRow, outRow, maskRow;
-    int32_t outputRow = -1;  // where outRow belongs
+    int32_t outputRow = -1;  // the row that outRow holds
 };
 Session *session;
 
@@ -73,7 +73,7 @@ void DeliverRow() {
     record.maskRowBytes = width + static_cast<int32_t>(kPadding);
 }
 
-// Every row is read and written, and in between comes the filter.
+// Every row is read and written, with the filter in between.
 size_t MostRequests() {
     const Rect &bounds = session->document->bounds;
     return 2 * static_cast<size_t>(bounds.bottom - bounds.top) + 1;

@@ -1,4 +1,4 @@
-// A host that runs the plug-in over a document in memory and keeps a record of what happened.
+// A host that runs the plug-in over a document in memory and records what happened.
 #pragma once
 
 #include <cstdint>
@@ -18,11 +18,11 @@ struct TestDocument {
 };
 
 struct TestHostOptions {
-    bool advanceState = true;   // else the host sends Continue
+    bool advanceState = true;   // otherwise the host sends Continue
     int64_t cancelAtCall = -1;  // abortProc answers yes from this call on
     PIDescriptorParameters *descriptorParameters = nullptr;
     ReadImageDocumentDesc *documentInfo = nullptr;
-    bool ignoreErrors = false;  // goes on with whatever comes out
+    bool ignoreErrors = false;  // continues whatever the result
 };
 
 struct TestRun {
@@ -34,10 +34,10 @@ struct TestRun {
     FilterRecord record;
 };
 
-// Prepare, Start, Continue, Finish, then disposes of the plug-in's data.
+// Calls Prepare, Start, Continue and Finish, then disposes of the plug-in's data.
 TestRun RunPlugin(const TestDocument &document, const TestHostOptions &options);
 
-// With a recorded action that holds `items`.
+// Runs with a recorded action that holds `items`.
 TestRun RunScripted(const TestDocument &document, std::vector<script::Item> items,
                     TestHostOptions options = {}, int16_t playInfo = plugInDialogDontDisplay);
 

@@ -1,4 +1,4 @@
-// Images that tests filter, and how they are compared.
+// Images for tests to filter, and how to compare them.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 
 #include "imagestore/named_images.h"
 
-// As zlib computes it.
+// The same CRC as zlib's.
 uint32_t Crc32(const std::vector<uint8_t> &bytes);
 
 // The bytes of an image, row after row.

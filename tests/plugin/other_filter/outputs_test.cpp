@@ -1,4 +1,4 @@
-// A filter of another kind on the same driver: it measures, and so writes a measurement file and a run log.
+// A different kind of filter on the same driver: it measures, and so writes a measurement file and a run log.
 #include "plugin/outputs.h"
 
 #include <sys/xattr.h>
@@ -97,7 +97,7 @@ TEST_F(Outputs, TwoRunsGiveTwoLinesAndTwoBlocks) {
     EXPECT_EQ(page.substr(132), block + block + "</body>\r</html>\r");
     EXPECT_EQ(_FetchHTMLlogfref(), 0);
 
-    // Where the file system keeps such things.
+    // Only if the file system stores such attributes.
     char finderInfo[32];
     if (getxattr((folder / "measured.txt").c_str(), "user.com.apple.FinderInfo", finderInfo,
                  sizeof finderInfo) == sizeof finderInfo) {
@@ -109,7 +109,7 @@ TEST_F(Outputs, UnsavedDocumentsAndFailedRunsAreMeasuredToo) {
     testFilter.makeParameters = nullptr;
     testFilter.processResult = memFullErr;
     EXPECT_EQ(Run(""), memFullErr);
-    // The first version of what a host tells of a document says nothing of files.
+    // The first version of a host's document information has no file.
     EXPECT_EQ(Run("photo.tif", 0), memFullErr);
     std::string line = std::string(kLine) + "<not_saved>\tNOW\r";
     line.replace(line.find("a<b"), 3, "NULL");
@@ -133,8 +133,8 @@ TEST_F(Outputs, WithoutAPathThereIsNoFileAndWithoutItsTextNoLog) {
     EXPECT_EQ(FileCount(), 1u);
 }
 
-// The file is there, but opening it, the second call after the path's, says that it is not: it is made anew.
-// Any other error leaves it alone.
+// The file exists, but opening it, the second call after the path's, reports that it does not: the file is
+// created again. Any other error leaves it alone.
 TEST_F(Outputs, AFileThatCannotBeCreatedIsDeletedFirst) {
     constexpr char kBefore[] = "what stood there\r";
     WriteBytes("measured.txt", kBefore);

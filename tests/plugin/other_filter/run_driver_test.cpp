@@ -1,4 +1,4 @@
-// What the run driver offers its filter, and how it ends runs that go wrong.
+// What the run driver offers its filter, and how it ends failed runs.
 #include "plugin/run_driver.h"
 
 #include <algorithm>
@@ -70,7 +70,7 @@ struct OfferCase {
     int colorPlanes;
     std::vector<std::vector<double>> extraPlanes;  // a sample per pixel
     Bytes mask;
-    Bytes selection;  // none is offered when it is empty
+    Bytes selection;  // if empty, none is offered
     bool selectionUsed;
     bool maskHasZero;
 };
@@ -83,7 +83,8 @@ const Bytes kSteps16Bytes = {0, 0, 1, 2, 128, 255, 255, 0};
 const Bytes kSelecting = {255, 128, 200, 129, 255, 255, 130, 255};
 const Bytes kLeavingOut = {255, 255, 200, 255, 255, 127, 255, 128};
 const std::vector<double> kFloats = {0, 1, 0.5, 0.5, 300, NAN, 0.5, 2.5};
-// Half of a row of floats is read: the third is the last row's fourth, and behind it is nothing.
+// Only half of a row of floats is read: in each row, the third byte comes from the last row's fourth float,
+// and the fourth is 0.
 const Bytes kFloatBytes = {0, 1, 2, 0, 255, 0, 2, 0};
 
 const OfferCase kOffers[] = {
@@ -139,7 +140,7 @@ TestDocument DocumentOf(const OfferCase &c) {
     return document;
 }
 
-// Floats are filtered on the scale of bytes.
+// Floats are filtered at the scale of bytes.
 Bytes ImageOf(const OfferCase &c) {
     Bytes image;
     for (int pixel = 0; pixel < kPixels; ++pixel) {
@@ -171,7 +172,7 @@ TEST_F(RunDriver, OffersImagesSelectionAndPlace) {
             EXPECT_EQ(offer.image, ImageOf(c));
         }
         EXPECT_EQ(offer.alpha, AlphaOf(c));
-        // Bytes serve as they are.
+        // Bytes can be used as they are.
         const bool alphaServes = c.depth == 8 && c.maskHasZero && !c.selectionUsed;
         EXPECT_EQ(offer.alphaIsSelection, alphaServes);
         EXPECT_EQ(offer.selection, alphaServes ? AlphaOf(c) : c.selection);
@@ -187,7 +188,7 @@ TEST_F(RunDriver, OffersImagesSelectionAndPlace) {
     }
 }
 
-// Another row's bytes in its place would be worse.
+// Using another row's bytes would be worse.
 TEST_F(RunDriver, SelectionRowsThatCannotBeReadStayUnselected) {
     const OfferCase deep = {"", plugInModeGray16, 16, 1, {kSteps16}, {}, kSteps16Bytes, false, true};
     const Bytes zeros(kWidth, 0);
@@ -214,7 +215,7 @@ TEST_F(RunDriver, SelectionRowsThatCannotBeReadStayUnselected) {
     EXPECT_GT(leftOut, 1);
 }
 
-// A host of two grey pixels, one above the other, whose advanceState can answer something else once.
+// A host with two grey pixels, one above the other, whose advanceState can return a different result once.
 struct Host {
     PluginState state;
     FilterRecord record;
@@ -276,11 +277,11 @@ TEST_F(RunDriver, WhatAdvanceStateAnswersEndsStart) {
     }
 }
 
-// The image made last decides whether the mask is read on: the alpha image where there is one.
+// The most recent image decides whether the mask is still read: the alpha image, if there is one.
 TEST_F(RunDriver, NoMaskIsAskedForAfterAnImageThatCouldNotBeMade) {
     const struct {
         int16_t planes;
-        std::vector<bool> maskAfterFailure;  // of the image, of the alpha image
+        std::vector<bool> maskAfterFailure;  // after the image's failure, after the alpha image's
     } cases[] = {{1, {false}}, {2, {true, false}}};
     for (const auto &c : cases) {
         std::vector<bool> maskAfterFailure;
@@ -300,7 +301,7 @@ TEST_F(RunDriver, NoMaskIsAskedForAfterAnImageThatCouldNotBeMade) {
             if (result != noErr) {
                 EXPECT_EQ(result, memFullErr);
                 maskAfterFailure.push_back(haveMask);
-                // A host that goes on in spite of it is told again, and nothing is remembered.
+                // A host that continues anyway gets the error again, and nothing is remembered.
                 host.state.result = noErr;
                 DoContinue(&host.state);
                 EXPECT_EQ(host.state.phase, phaseFiltering);
@@ -308,7 +309,7 @@ TEST_F(RunDriver, NoMaskIsAskedForAfterAnImageThatCouldNotBeMade) {
                 EXPECT_EQ(DoContinue(&host.state), memFullErr);
                 EXPECT_FALSE(exists(folder / "WEMBpref"));
             } else {
-                // A selection that cannot be made is only left out.
+                // A selection that cannot be made is simply left out.
                 withoutMask += !haveMask;
             }
             ReleaseRun(&host.state);
@@ -318,7 +319,7 @@ TEST_F(RunDriver, NoMaskIsAskedForAfterAnImageThatCouldNotBeMade) {
     }
 }
 
-// The filter is not asked, and what the family remembers is kept all the same.
+// The filter is not called, yet what the family remembers is kept.
 TEST_F(RunDriver, WithoutMemoryForSettingsPreferencesAreStillWritten) {
     int calls = 0;
     testFilter.declareSettings = [&](RunContext *, SPBlock *) { ++calls; };

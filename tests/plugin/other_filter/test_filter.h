@@ -1,4 +1,4 @@
-// A filter of a test's own on the run driver: what its hooks do and answer is the test's to say.
+// A test's own filter on the run driver: the test decides what its hooks do and return.
 #pragma once
 
 #include <functional>
@@ -9,10 +9,10 @@
 
 struct TestFilter {
     std::function<void(RunContext *context, SPBlock *settings)> declareSettings;
-    // Called when the context is complete and the script has been read.
+    // Called once the context is complete and the script has been read.
     std::function<void(NamedImage *image, const RunContext *context, SPBlock *settings)> makeParameters;
     OSErr processResult = noErr;
-    int processedBits = 0;  // of the samples that the last run had filtered
+    int processedBits = 0;  // bits per sample in the last filtered run
 };
 
 extern TestFilter testFilter;
