@@ -145,7 +145,7 @@ TEST_F(Program, DeadWorkersAreToldAndLeaveNothing) {
     EXPECT_EQ(Names("out").size(), 1u) << "the other picture was done";
 }
 
-// The workers are on the first bands by the time the truncation is noticed.
+// The workers are on the first bands by the time the file turns out to be truncated.
 TEST_F(Program, CutPicturesEndRunsThatHaveBegun) {
     WriteNoise("large.png", 900, 700, 3);
     WriteNoise("large.jpg", 900, 700, 3);

@@ -55,7 +55,7 @@ class Program : public ScratchFolder {
     std::string display;           // the next program's; empty for none
     rlim_t fileSizeLimit = 0;      // the next program's; 0 for none
     rlim_t descriptorLimit = 0;    // likewise
-    bool givesFilesAway = true;    // as far as root does
+    bool givesFilesAway = true;    // whether root may change files' owners
     std::filesystem::path output = folder.string() + "-output";
 
   private:
