@@ -101,14 +101,17 @@ Figures MeasureRun(Module *module, const char *file, const char *output, float r
     const FilterOrders orders = {{}, DialogUser::script, static_cast<int32_t>(radius)};
     ChooseDialogUser(orders);
     start = Clock::now();
-    const FilterOutcome outcome = RunTiles({module, &picture.document, orders, true, {}},
-                                           CutIntoTiles(SelectedRect(picture.document), {}));
+    const FilterOutcome outcome =
+        RunTiles({module, &picture.document, orders, true, {}},
+                 CutIntoTiles(WholeRect(picture.document), WholeRect(picture.document)));
     figures.filtering = SecondsSince(start);
     if (outcome.result != noErr) {
         Give(FileFailure(file, "cannot be filtered"));
     }
     start = Clock::now();
-    Need(WritePicture(picture, *format, output, output, {}));
+    const Document &written = picture.document;
+    Need(WritePicture(picture, *format, {}, output, output,
+                      [&](int32_t row) { return written.destination.get() + row * RowBytes(written); }));
     figures.writing = SecondsSince(start);
     return figures;
 }

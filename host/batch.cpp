@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -9,8 +10,6 @@
 
 #include "host/interrupt.h"
 #include "host/progress_bar.h"
-#include "host/work/band_workers.h"
-#include "host/work/picture_filter.h"
 #include "host/work/worker_job.h"
 #include "host/work/worker_pool.h"
 
@@ -72,16 +71,30 @@ void Settle(Batch *batch, size_t index, const MaybeFailure &failure, const FileR
     Advance(batch, index, 1);
 }
 
-MaybeFailure Filter(Batch *batch, Picture *picture, const Watcher &watcher, Action *recorded) {
-    const Options &options = *batch->options;
-    const FilterOrders &orders = batch->settings->orders;
-    const Document &document = picture->document;
-    const std::vector<Tile> tiles =
-        CutIntoTiles(SelectedRect(document), {.bands = BandsFor(document, options.jobs)});
-    return document.sharing == Sharing::withWorkers && tiles.size() > 1
-               ? FilterInWorkers({options.pluginFolder, orders, options.jobs, watcher}, tiles, picture,
-                                 recorded)
-               : FilterPicture({&batch->plugin->module, orders, watcher}, picture, recorded);
+// Tells how all of it went; returns the exit status.
+int Conclude(Batch *batch) {
+    const size_t count = batch->requests->size();
+    ClearBar(&batch->bar);
+    if (count > 1 && !batch->options->quiet) {
+        const size_t undone = count - batch->doneCount - batch->failedCount;
+        std::printf("%zu pictures: %zu done, %zu failed%s\n", count, batch->doneCount, batch->failedCount,
+                    undone > 0 ? (", " + std::to_string(undone) + " left undone").c_str() : "");
+    }
+    if (Interrupted()) {
+        return kExitInterrupted;
+    }
+    return count > 1 && batch->failedCount > 0 ? kExitFailed : batch->status;
+}
+
+// Ends the process at once, with nothing of the picture left behind.
+[[noreturn]] void Leave(Batch *batch, size_t index, PlannedFile *planned, const Failure &failure) {
+    for (OutputFile &output : planned->outputs) {
+        RemoveTemporary(&output);
+    }
+    Settle(batch, index, failure, {}, Clock::now());
+    const int status = Conclude(batch);
+    std::fflush(stdout);
+    std::_Exit(status);
 }
 
 MaybeFailure DoHere(Batch *batch, size_t index, FileReport *report) {
@@ -92,12 +105,10 @@ MaybeFailure DoHere(Batch *batch, size_t index, FileReport *report) {
             PlanFile((*batch->requests)[index], *batch->settings, batch->plugin->info, &planned, &picture)) {
         return failure;
     }
-    const bool inBands = BandsFor(picture.document, batch->options->jobs) > 1;
-    picture.document.sharing = inBands ? Sharing::withWorkers : Sharing::none;
-    const auto filter = [=](Picture *opened, const Watcher &ofFilter, Action *recorded) {
-        return Filter(batch, opened, ofFilter, recorded);
-    };
-    if (MaybeFailure failure = DoFileTask(planned.task, &picture, filter, watcher, report)) {
+    const Options &options = *batch->options;
+    const FilterPlace place = {&batch->plugin->module, options.pluginFolder, options.jobs};
+    const auto leave = [&](const Failure &failure) { Leave(batch, index, &planned, failure); };
+    if (MaybeFailure failure = DoFileTask(planned.task, place, watcher, leave, &picture, report)) {
         return failure;
     }
     return PublishFile(&planned);
@@ -111,7 +122,7 @@ void RunHere(Batch *batch, size_t index) {
 }
 
 // Plans requests until one suits a worker.
-bool NextJob(Batch *batch, std::string *job) {
+NextJob NextFile(Batch *batch, std::string *job) {
     while (batch->next < batch->requests->size()) {
         auto assigned = std::make_unique<Assigned>();
         assigned->request = batch->next++;
@@ -121,15 +132,15 @@ bool NextJob(Batch *batch, std::string *job) {
                                               batch->plugin->info, &assigned->planned, &picture);
         if (failure) {
             Settle(batch, assigned->request, failure, {}, assigned->start);
-        } else if (BandsFor(picture.document, batch->options->jobs) > 1) {
+        } else if (IsWorthWorkers(picture.document, batch->options->jobs)) {
             batch->large.push_back(assigned->request);
         } else {
             *job = PackFileJob(batch->options->pluginFolder, assigned->planned.task);
             batch->assigned.emplace(batch->jobCount++, std::move(assigned));
-            return true;
+            return NextJob::made;
         }
     }
-    return false;
+    return NextJob::none;
 }
 
 // The caller now owns the picture's planned outputs; dropping them removes temporary files.
@@ -169,7 +180,7 @@ bool TakeDeath(Batch *batch, size_t job, const std::string &how) {
 // Pictures worth several workers are left for later.
 void RunInWorkers(Batch *batch) {
     WorkerCalls calls;
-    calls.next = [=](std::string *job) { return NextJob(batch, job); };
+    calls.next = [=](std::string *job) { return NextFile(batch, job); };
     calls.progress = [=](size_t job, double done) { Advance(batch, batch->assigned.at(job)->request, done); };
     calls.answered = [=](size_t job, const std::string &answer) { return TakeAnswer(batch, job, answer); };
     calls.died = [=](size_t job, const std::string &how) { return TakeDeath(batch, job, how); };
@@ -243,24 +254,14 @@ int RunBatch(const Options &options, const FilterSettings &settings, const std::
                    plugin,
                    MakeProgressBar(!options.quiet),
                    std::vector<double>(requests.size())};
-    const bool several = requests.size() > 1;
-    if ((several && options.jobs > 1) || options.dialog) {
+    if ((requests.size() > 1 && options.jobs > 1) || options.dialog) {
         RunInWorkers(&batch);
     } else {
         batch.large = AllOf(requests);
     }
-    for (size_t i = 0; i < batch.large.size() && !Interrupted(); ++i) {
+    // An interrupt is told of with one picture at least.
+    for (size_t i = 0; i < batch.large.size() && batch.status != kExitInterrupted; ++i) {
         RunHere(&batch, batch.large[i]);
     }
-    ClearBar(&batch.bar);
-    if (several && !options.quiet) {
-        const size_t undone = requests.size() - batch.doneCount - batch.failedCount;
-        std::printf("%zu pictures: %zu done, %zu failed%s\n", requests.size(), batch.doneCount,
-                    batch.failedCount,
-                    undone > 0 ? (", " + std::to_string(undone) + " left undone").c_str() : "");
-    }
-    if (Interrupted()) {
-        return kExitInterrupted;
-    }
-    return several && batch.failedCount > 0 ? kExitFailed : batch.status;
+    return Conclude(&batch);
 }

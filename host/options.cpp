@@ -6,6 +6,7 @@
 
 #include "host/filter/plugin.h"
 #include "host/picture/selection.h"
+#include "host/work/file_task.h"
 #include "hybridmedian/public.h"
 
 namespace {
@@ -49,7 +50,9 @@ MaybeFailure CheckOptions(const Options &options) {
          "--record keeps a radius of at most " + std::to_string(kMaxPlayedRadius)},
         {options.jobs < 1 || options.jobs > kMaxJobs,
          "The number of jobs must be from 1 to " + std::to_string(kMaxJobs)},
-        {options.maxMegapixels < 1, "The limit must be at least 1 megapixel"},
+        {options.maxMegapixels.value_or(1) < 1, "The limit must be at least 1 megapixel"},
+        {options.compressionLevel.value_or(0) < 0 || options.compressionLevel.value_or(0) > 9,
+         "The compression level must be from 0 to 9"},
         {several && !options.comparisonFile.empty(), "--compare takes one picture"},
         {several && !options.recordFile.empty(), "--record takes one picture"},
         {!options.comparisonFile.empty() && !HasSuffix(options.comparisonFile, ".png"),
@@ -92,9 +95,13 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
         ->type_name("FILE.png");
     app.add_option("-j,--jobs", options->jobs, "How many processes filter; without it, one per processor")
         ->type_name("N");
-    app.add_option(
-           "--max-megapixels", options->maxMegapixels,
-           "Refuse larger pictures; without it, those of more than " + std::to_string(options->maxMegapixels))
+    app.add_option("--max-megapixels", options->maxMegapixels,
+                   "Refuse larger pictures; without it, those of more than " +
+                       std::to_string(kMaxStreamedMegapixels) + ", or of more than " +
+                       std::to_string(kMaxWholeMegapixels) + " where all of it must be in memory")
+        ->type_name("N");
+    app.add_option("--compression-level", options->compressionLevel,
+                   "Of PNG outputs: from 0, fast, to 9, small; without it, about as fast as the filter")
         ->type_name("N");
     app.add_flag("--in-place", options->inPlace, "Write over the inputs");
     app.add_flag("-f,--force", options->force,

@@ -20,7 +20,8 @@ struct Options {
     std::optional<VRect> selection;
     std::string pluginFolder;
     int32_t jobs = 1;
-    int32_t maxMegapixels = 1000;  // chosen: 6 GB for both blocks of an 8-bit RGB document
+    std::optional<int32_t> maxMegapixels;
+    std::optional<int32_t> compressionLevel;
     bool dialog = false;
     bool inPlace = false;
     bool force = false;

@@ -18,42 +18,38 @@ PixelBlock Map(int descriptor, int64_t size, int flags) {
     return PixelBlock(static_cast<uint8_t *>(block), PixelUnmapper{bytes, descriptor});
 }
 
-// The limit for blocks: the system promises any amount of memory, and kills the process when it cannot
-// deliver a page.
-int64_t PhysicalMemory() {
-    return int64_t{sysconf(_SC_PHYS_PAGES)} * sysconf(_SC_PAGESIZE);
-}
-
 }  // namespace
 
 void PixelUnmapper::operator()(uint8_t *pixels) const {
-    munmap(pixels, size);
+    if (size > 0) {
+        munmap(pixels, size);
+    }
     if (descriptor >= 0) {
         close(descriptor);
     }
 }
 
-int32_t SampleBytes(const Document &document) {
+int32_t SampleBytes(const DocumentShape &document) {
     return document.depth / 8;
 }
 
-int64_t RowBytes(const Document &document) {
+int64_t RowBytes(const DocumentShape &document) {
     return int64_t{document.width} * document.planes * SampleBytes(document);
 }
 
-int64_t PixelBytes(const Document &document) {
+int64_t PixelBytes(const DocumentShape &document) {
     return RowBytes(document) * document.height;
 }
 
-int64_t MaskBytes(const Document &document) {
+int64_t MaskBytes(const DocumentShape &document) {
     return int64_t{document.width} * document.height;
 }
 
-VRect WholeRect(const Document &document) {
+VRect WholeRect(const DocumentShape &document) {
     return {0, 0, document.height, document.width};
 }
 
-VRect SelectedRect(const Document &document) {
+VRect SelectedRect(const DocumentShape &document) {
     return document.selection.value_or(WholeRect(document));
 }
 
@@ -65,8 +61,13 @@ int32_t HeightOf(const VRect &rect) {
     return rect.bottom - rect.top;
 }
 
+// The system promises any amount of memory, and kills the process when it cannot deliver a page.
+bool FitsIntoMemory(int64_t size) {
+    return size <= int64_t{sysconf(_SC_PHYS_PAGES)} * sysconf(_SC_PAGESIZE);
+}
+
 PixelBlock MapBlock(int64_t size, Sharing sharing) {
-    if (size > PhysicalMemory()) {
+    if (!FitsIntoMemory(size)) {
         return nullptr;
     }
     if (sharing == Sharing::none) {
@@ -88,12 +89,16 @@ PixelBlock MapShared(int descriptor, int64_t size) {
     return block;
 }
 
-bool MapPixels(Document *document) {
-    if (PixelBytes(*document) > PhysicalMemory() / 2) {
+PixelBlock Borrow(const PixelBlock &block, int64_t offset) {
+    return PixelBlock(block.get() + offset, PixelUnmapper{});
+}
+
+bool MapPixels(Sharing sharing, Document *document) {
+    if (!FitsIntoMemory(2 * PixelBytes(*document))) {
         return false;
     }
-    document->source = MapBlock(PixelBytes(*document), document->sharing);
-    document->destination = MapBlock(PixelBytes(*document), document->sharing);
+    document->source = MapBlock(PixelBytes(*document), sharing);
+    document->destination = MapBlock(PixelBytes(*document), sharing);
     return document->source != nullptr && document->destination != nullptr;
 }
 

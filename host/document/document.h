@@ -9,20 +9,21 @@
 #include "photoshop/document_info.h"
 #include "platform/types.h"
 
-// Whether workers map the blocks, too.
+// Whether workers map a block, too. Shared memory takes several times as long to get.
 enum class Sharing : uint8_t { none, withWorkers };
 
 // The most channels that a document of this interface can have.
 constexpr int32_t kMaxPlanes = 56;
 
 struct PixelUnmapper {
-    size_t size = 0;
+    size_t size = 0;      // 0 for a borrowed block
     int descriptor = -1;  // of shared memory, through which another process maps the same block
     void operator()(uint8_t *pixels) const;
 };
 using PixelBlock = std::unique_ptr<uint8_t[], PixelUnmapper>;
 
-struct Document {
+// What a document is, apart from its samples.
+struct DocumentShape {
     int16_t imageMode = 0;    // as in photoshop/image_modes.h
     int32_t depth = 0;        // bits per sample: 8, 16 or 32
     int32_t colorPlanes = 0;  // as the mode has them
@@ -35,36 +36,40 @@ struct Document {
     // Where the document was read from; none for a name that the File Manager cannot hold.
     std::optional<FSSpec> file;
 
-    // Applies to all blocks. Shared memory takes several times as long to get.
-    Sharing sharing = Sharing::none;
+    // What to filter: a rectangle inside the document; without one, all of it.
+    std::optional<VRect> selection;
+};
 
+struct Document : DocumentShape {
     // Interleaved, rows without padding. 16-bit samples go up to 65535; a and b of Lab are offset by half
     // their range; 8-bit CMYK is inverted, 255 being no ink.
     PixelBlock source;
     PixelBlock destination;
 
-    // What to filter. The rectangle lies inside the document; without one, all of it. The mask has one byte
-    // per pixel of the whole document, 255 being selected; null when everything is.
-    std::optional<VRect> selection;
+    // How much of a pixel is selected: one byte per pixel, 255 being all of it. Null when everything is.
     PixelBlock mask;
 };
 
-int32_t SampleBytes(const Document &document);
-int64_t RowBytes(const Document &document);
-int64_t PixelBytes(const Document &document);  // of one block
-int64_t MaskBytes(const Document &document);
-VRect WholeRect(const Document &document);
-VRect SelectedRect(const Document &document);
+int32_t SampleBytes(const DocumentShape &document);
+int64_t RowBytes(const DocumentShape &document);
+int64_t PixelBytes(const DocumentShape &document);  // of one block
+int64_t MaskBytes(const DocumentShape &document);
+VRect WholeRect(const DocumentShape &document);
+VRect SelectedRect(const DocumentShape &document);
 int32_t WidthOf(const VRect &rect);
 int32_t HeightOf(const VRect &rect);
 
+// Whether the machine could ever hold a block of that size.
+bool FitsIntoMemory(int64_t size);
 // Zeroed; null when memory is short.
 PixelBlock MapBlock(int64_t size, Sharing sharing);
 // Maps another process's block; takes ownership of the descriptor.
 PixelBlock MapShared(int descriptor, int64_t size);
+// A part of another block, which must outlive it.
+PixelBlock Borrow(const PixelBlock &block, int64_t offset);
 
 // Maps both blocks; false when memory is short.
-bool MapPixels(Document *document);
+bool MapPixels(Sharing sharing, Document *document);
 // Fills a row of both blocks; false when memory is short.
 bool FillRow(Document *document, int64_t y, const uint8_t *samples);
 // Copies the rectangle from the source to the destination.

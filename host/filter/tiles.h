@@ -1,20 +1,17 @@
-// Cuts pictures that one run of the filter cannot or should not take whole into tiles.
+// Cuts what one run of the filter cannot or should not take whole into tiles.
 #pragma once
 
 #include <vector>
 
 #include "host/filter/filter_run.h"
+#include "hybridmedian/public.h"
 
-struct TileLimits {
-    int32_t bands = 1;              // at least this many tiles from top to bottom, which takes as many rows
-    int32_t maxSide = kMaxRunSide;  // of the framed tile, in pixels
-};
+// In pixels: how far the filter looks to each side at its largest radius.
+constexpr int32_t kFrameMargin = kMaxRadius;
 
-// How many bands are worth the margins and the start of workers.
-int32_t BandsFor(const Document &document, int32_t jobs);
-
-// The cores cover the area exactly once; frames stay inside it.
-std::vector<Tile> CutIntoTiles(const VRect &area, const TileLimits &limits);
+// Cuts `core`, a part of the area to be filtered, so that no framed tile has a side of more than `maxSide`.
+// The tiles' cores cover it exactly once; their frames reach beyond it, but not beyond the area.
+std::vector<Tile> CutIntoTiles(const VRect &core, const VRect &area, int32_t maxSide = kMaxRunSide);
 
 // Runs the filter over one tile. The filter sees the tile as a document of its own, unless the tile is
 // everything that is selected.

@@ -1,6 +1,8 @@
 #include "host/picture/file_probe.h"
 
+#include <algorithm>
 #include <fstream>
+#include <optional>
 #include <string_view>
 
 namespace {
@@ -18,9 +20,13 @@ uint32_t BigEndian(const char *bytes) {
     return value;
 }
 
-constexpr uint64_t kBitsPerSample = 258;  // a TIFF tag
-constexpr uint64_t kBigVersion = 43;      // of BigTIFF; a classic TIFF has 42
-constexpr uint64_t kShortBytes = 2;       // of one value of that tag
+// TIFF tags and types.
+constexpr uint64_t kBitsPerSample = 258;
+constexpr uint64_t kRowsPerStrip = 278;
+constexpr uint64_t kTileLength = 323;
+constexpr uint64_t kShort = 3;
+constexpr uint64_t kLong8 = 16;
+constexpr uint64_t kBigVersion = 43;  // of BigTIFF; a classic TIFF has 42
 
 // What differs between classic TIFF and BigTIFF.
 struct Layout {
@@ -47,15 +53,41 @@ struct Reader {
     }
 };
 
+int BytesOfType(uint64_t type) {
+    return type == kShort ? 2 : type == kLong8 ? 8 : 4;
+}
+
 // An entry is a tag and a type of two bytes each, the number of values, and the values themselves, or their
 // offset if they do not fit.
-int32_t DepthOfEntry(Reader *reader, const Layout &layout, uint64_t entry) {
+uint64_t FirstValue(Reader *reader, const Layout &layout, uint64_t entry) {
+    const int bytes = BytesOfType(reader->Number(entry + 2, 2));
     const auto offsetBytes = static_cast<uint64_t>(layout.offsetBytes);
     const uint64_t values = reader->Number(entry + 4, layout.offsetBytes);
     const uint64_t inEntry = entry + 4 + offsetBytes;
-    const bool fit = values * kShortBytes <= offsetBytes;
-    const uint64_t place = fit ? inEntry : reader->Number(inEntry, layout.offsetBytes);
-    return static_cast<int32_t>(reader->Number(place, kShortBytes));
+    const bool fit = values * static_cast<uint64_t>(bytes) <= offsetBytes;
+    return reader->Number(fit ? inEntry : reader->Number(inEntry, layout.offsetBytes), bytes);
+}
+
+// The first value of an entry on the first page; none for missing entries, and for other or damaged files.
+std::optional<uint64_t> TiffValue(const std::string &file, uint64_t tag) {
+    Reader reader = {std::ifstream(file, std::ios::binary)};
+    const uint64_t order = reader.Number(0, 2);
+    if (!reader.stream || (order != 0x4949 && order != 0x4D4D)) {
+        return std::nullopt;
+    }
+    reader.bigEndian = order == 0x4D4D;
+    const Layout &layout = reader.Number(2, 2) == kBigVersion ? kBig : kClassic;
+    const uint64_t directory = reader.Number(layout.directoryPlace, layout.offsetBytes);
+    const uint64_t entries = reader.Number(directory, layout.countBytes);
+    const uint64_t entryBytes = 4 + 2 * static_cast<uint64_t>(layout.offsetBytes);
+    uint64_t entry = directory + static_cast<uint64_t>(layout.countBytes);
+    for (uint64_t i = 0; reader.stream && i < entries; ++i, entry += entryBytes) {
+        if (reader.Number(entry, 2) == tag) {
+            const uint64_t value = FirstValue(&reader, layout, entry);
+            return reader.stream ? std::optional(value) : std::nullopt;
+        }
+    }
+    return std::nullopt;
 }
 
 }  // namespace
@@ -84,22 +116,11 @@ bool IsAnimatedPng(const std::string &file) {
 }
 
 int32_t TiffDepth(const std::string &file) {
-    Reader reader = {std::ifstream(file, std::ios::binary)};
-    const uint64_t order = reader.Number(0, 2);
-    if (!reader.stream || (order != 0x4949 && order != 0x4D4D)) {
-        return 0;
-    }
-    reader.bigEndian = order == 0x4D4D;
-    const Layout &layout = reader.Number(2, 2) == kBigVersion ? kBig : kClassic;
-    const uint64_t directory = reader.Number(layout.directoryPlace, layout.offsetBytes);
-    const uint64_t entries = reader.Number(directory, layout.countBytes);
-    const uint64_t entryBytes = 4 + 2 * static_cast<uint64_t>(layout.offsetBytes);
-    uint64_t entry = directory + static_cast<uint64_t>(layout.countBytes);
-    for (uint64_t i = 0; reader.stream && i < entries; ++i, entry += entryBytes) {
-        if (reader.Number(entry, 2) == kBitsPerSample) {
-            const int32_t depth = DepthOfEntry(&reader, layout, entry);
-            return reader.stream ? depth : 0;
-        }
-    }
-    return 0;
+    return static_cast<int32_t>(TiffValue(file, kBitsPerSample).value_or(0));
+}
+
+int64_t TiffStripRows(const std::string &file) {
+    const uint64_t rows =
+        TiffValue(file, kTileLength).value_or(TiffValue(file, kRowsPerStrip).value_or(UINT32_MAX));
+    return static_cast<int64_t>(std::min<uint64_t>(rows, UINT32_MAX));
 }

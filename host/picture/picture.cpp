@@ -18,9 +18,13 @@
 
 namespace {
 
-// Rows read at a time, between two checks for cancelling. Chosen: even wide strips are read quickly.
+// Read at a time: at most this many rows and, beyond one row, this many bytes. Chosen: quickly read, and
+// little memory.
 constexpr int32_t kStripHeight = 64;
-constexpr int64_t kMegapixel = 1'000'000;
+constexpr int64_t kStripBytes = 4'000'000;
+// A TIFF's strips or rows of tiles, each of which the picture library reads at once, count as short up to
+// this size.
+constexpr int64_t kMaxStripBytes = 64'000'000;
 constexpr double kMillimetersPerInch = 25.4;
 constexpr double kMaxResolution = 32767;  // what fits in a Fixed
 
@@ -84,10 +88,6 @@ MaybeFailure CheckFile(const std::string &file) {
 
 MaybeFailure Unreadable(const std::string &file) {
     return FileFailure(file, "cannot be read: " + TakeVipsError());
-}
-
-MaybeFailure TooLittleMemory(const std::string &file) {
-    return FileFailure(file, "there is not enough memory to read it");
 }
 
 // A source takes the name as it is; in a plain file name the library would look for options.
@@ -202,22 +202,6 @@ std::optional<FSSpec> SpecOf(const std::string &file) {
                                                                                      : std::nullopt;
 }
 
-MaybeFailure ReadStrip(VipsRegion *region, const VipsRect &strip, Picture *picture) {
-    Document *document = &picture->document;
-    if (vips_region_prepare(region, &strip) != 0) {
-        return Unreadable(picture->file);
-    }
-    std::vector<uint8_t> row(static_cast<size_t>(RowBytes(*document)));
-    const auto rowStep = static_cast<int64_t>(region->bpl);
-    for (int64_t y = strip.top; y < strip.top + strip.height; ++y) {
-        TakeSamples(picture->form, region->data + (y - region->valid.top) * rowStep, *document, row.data());
-        if (!FillRow(document, y, row.data())) {
-            return TooLittleMemory(picture->file);
-        }
-    }
-    return std::nullopt;
-}
-
 }  // namespace
 
 MaybeFailure OpenPicture(const std::string &file, Picture *picture) {
@@ -244,55 +228,76 @@ MaybeFailure OpenPicture(const std::string &file, Picture *picture) {
     return std::nullopt;
 }
 
-MaybeFailure CheckSize(const Picture &picture, int32_t maxMegapixels) {
-    const int64_t pixels = int64_t{picture.document.width} * picture.document.height;
-    if (pixels <= maxMegapixels * kMegapixel) {
-        return std::nullopt;
+bool IsReadWhole(const Picture &picture) {
+    VipsImage *image = picture.unread.get();
+    const char *text = "";
+    if (vips_image_get_typeof(image, VIPS_META_LOADER) == 0 ||
+        vips_image_get_string(image, VIPS_META_LOADER, &text) != 0) {
+        return true;
     }
-    return FileFailure(picture.file, "its " + SizeOf(picture.document) + " pixels are more than the " +
-                                         std::to_string(maxMegapixels) +
-                                         " megapixels that --max-megapixels allows");
+    const std::string_view loader = text;
+    if (loader.starts_with("tiff")) {
+        const Document &document = picture.document;
+        const int64_t rows = std::min<int64_t>(TiffStripRows(picture.file), document.height);
+        return rows * RowBytes(document) > kMaxStripBytes;
+    }
+    return loader.starts_with("webp") || IntegerField(image, "interlaced") != 0 ||
+           IntegerField(image, "jpeg-multiscan") != 0;
 }
 
-MaybeFailure StartReading(Picture *picture, PixelReader *reader) {
-    if (!MapPixels(&picture->document)) {
-        return TooLittleMemory(picture->file);
-    }
-    *reader = {picture, OwnedObject<VipsRegion>(vips_region_new(picture->unread.get()))};
-    return std::nullopt;
+int32_t StripHeight(const DocumentShape &document) {
+    return static_cast<int32_t>(std::clamp<int64_t>(kStripBytes / RowBytes(document), 1, kStripHeight));
 }
 
-MaybeFailure ReadSomeRows(PixelReader *reader, const Watcher &watcher) {
+RowReader StartReading(Picture *picture) {
+    return {picture, OwnedObject<VipsRegion>(vips_region_new(picture->unread.get()))};
+}
+
+MaybeFailure ReadRows(RowReader *reader, int32_t count, Document *document, int64_t to) {
     Picture *picture = reader->picture;
-    const Document &document = picture->document;
-    if (watcher.cancelled()) {
-        return Interruption(picture->file);
+    const VipsRect strip = {0, reader->rows, document->width, count};
+    VipsRegion *region = reader->region.get();
+    if (vips_region_prepare(region, &strip) != 0) {
+        return Unreadable(picture->file);
     }
-    const VipsRect strip = {0, reader->rows, document.width,
-                            std::min(kStripHeight, document.height - reader->rows)};
-    if (MaybeFailure failure = ReadStrip(reader->region.get(), strip, picture)) {
-        return failure;
+    std::vector<uint8_t> row(static_cast<size_t>(RowBytes(*document)));
+    const auto rowStep = static_cast<int64_t>(region->bpl);
+    for (int64_t y = 0; y < count; ++y) {
+        TakeSamples(picture->form, region->data + (strip.top + y - region->valid.top) * rowStep, *document,
+                    row.data());
+        if (!FillRow(document, to + y, row.data())) {
+            return TooLittleMemory(picture->file);
+        }
     }
-    reader->rows += strip.height;
-    if (IsAllRead(*reader)) {
+    reader->rows += count;
+    if (reader->rows == picture->document.height) {
         reader->region.reset();
         picture->unread.reset();
     }
-    watcher.progress(double{1} * reader->rows / document.height);
     return std::nullopt;
 }
 
-bool IsAllRead(const PixelReader &reader) {
-    return reader.rows == reader.picture->document.height;
+MaybeFailure ReadPixels(Picture *picture, const Watcher &watcher) {
+    Document *document = &picture->document;
+    if (!MapPixels(Sharing::none, document)) {
+        return TooLittleMemory(picture->file);
+    }
+    RowReader reader = StartReading(picture);
+    while (reader.rows < document->height) {
+        if (watcher.cancelled()) {
+            return Interruption(picture->file);
+        }
+        const int32_t count = std::min(StripHeight(*document), document->height - reader.rows);
+        if (MaybeFailure failure = ReadRows(&reader, count, document, reader.rows)) {
+            return failure;
+        }
+        watcher.progress(double{1} * reader.rows / document->height);
+    }
+    return std::nullopt;
 }
 
-MaybeFailure ReadPixels(Picture *picture, const Watcher &watcher) {
-    PixelReader reader;
-    MaybeFailure failure = StartReading(picture, &reader);
-    while (!failure && !IsAllRead(reader)) {
-        failure = ReadSomeRows(&reader, watcher);
-    }
-    return failure;
+MaybeFailure TooLittleMemory(const std::string &file) {
+    return FileFailure(file, "there is not enough memory to read it");
 }
 
 std::string SizeOf(const Document &document) {

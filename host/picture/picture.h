@@ -1,4 +1,4 @@
-// A picture file read into memory: the document, and what else the file held.
+// An opened picture file: the document's shape, the rows to be read, and what else the file holds.
 #pragma once
 
 #include <string>
@@ -11,7 +11,7 @@
 
 struct Picture {
     std::string file;
-    Document document;
+    Document document;  // blocks only where all of it must be in memory
     // Resolution, profile, EXIF, XMP and the like, on an image without pixels.
     OwnedObject<VipsImage> metadata;
     // The open file, until its pixels have been read.
@@ -23,24 +23,29 @@ struct Picture {
 // files that would lose something, such as further pages.
 MaybeFailure OpenPicture(const std::string &file, Picture *picture);
 
-// Refuses an opened picture that is larger, before any memory is allocated for its pixels.
-MaybeFailure CheckSize(const Picture &picture, int32_t maxMegapixels);
+// Whether the picture library must have all of the file in memory, since its rows are not stored one after
+// the other.
+bool IsReadWhole(const Picture &picture);
 
-// Reads an opened picture's pixels into both blocks of its document, from top to bottom.
-struct PixelReader {
+// Reads an opened picture's rows from top to bottom.
+struct RowReader {
     Picture *picture = nullptr;
-    OwnedObject<VipsRegion> region;
+    OwnedObject<VipsRegion> region = nullptr;
     int32_t rows = 0;  // read so far
 };
 
-// Maps both blocks.
-MaybeFailure StartReading(Picture *picture, PixelReader *reader);
-// Reads some more rows; after the last one it closes the file. A truncated file is a failure.
-MaybeFailure ReadSomeRows(PixelReader *reader, const Watcher &watcher);
-bool IsAllRead(const PixelReader &reader);
+RowReader StartReading(Picture *picture);
+// Reads the next `count` rows into both blocks of a document of the picture's kind, from the document's row
+// `to` on. After the last row it closes the file. A truncated file is a failure.
+MaybeFailure ReadRows(RowReader *reader, int32_t count, Document *document, int64_t to);
 
-// Reads all of them.
+// Reads all of them into the picture's own document, whose blocks it maps.
 MaybeFailure ReadPixels(Picture *picture, const Watcher &watcher);
+
+// How many of the picture's rows to read between two checks for cancelling.
+int32_t StripHeight(const DocumentShape &document);
+
+MaybeFailure TooLittleMemory(const std::string &file);
 
 // "3000 x 2000"
 std::string SizeOf(const Document &document);

@@ -1,6 +1,7 @@
 // The formats of output files: what each can hold, and how to save it.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -8,6 +9,11 @@
 #include "host/report/failure.h"
 
 struct _VipsImage;
+
+// What the user may decide about how a picture is stored.
+struct SaveOptions {
+    std::optional<int32_t> compressionLevel;  // of PNG: 0 to 9
+};
 
 struct PictureFormat {
     const char *name;
@@ -19,9 +25,10 @@ struct PictureFormat {
     struct {
         const char *field;  // the library's name of it; null when all kinds are kept
         const char *name;
-    } lost;  // the kind of metadata that the format cannot hold
+    } lost;             // the kind of metadata that the format cannot hold
+    bool writtenWhole;  // the picture library needs all of the picture before it writes
     // Returns 0 for success; otherwise the picture library holds the error.
-    int (*save)(_VipsImage *image, const char *path);
+    int (*save)(_VipsImage *image, const char *path, const SaveOptions &options);
 };
 
 // Goes by the file name's suffix, in upper or lower case.

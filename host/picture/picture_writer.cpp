@@ -1,19 +1,12 @@
 #include "host/picture/picture_writer.h"
 
 #include <algorithm>
+#include <cstring>
 #include <vector>
 
 #include "host/picture/picture_mode.h"
 
 namespace {
-
-void FollowWriting(VipsImage *image, VipsProgress *progress, void *data) {
-    const auto &watcher = *static_cast<const Watcher *>(data);
-    watcher.progress(progress->percent / 100.0);
-    if (watcher.cancelled()) {
-        vips_image_set_kill(image, TRUE);
-    }
-}
 
 // From the form of documents to that of files. XOR with 0 leaves the extra channels as they are.
 OwnedObject<VipsImage> Flipped(OwnedObject<VipsImage> image, const Document &document) {
@@ -29,35 +22,49 @@ OwnedObject<VipsImage> Flipped(OwnedObject<VipsImage> image, const Document &doc
     return OwnedObject<VipsImage>(made);
 }
 
-// Shows the destination's pixels without copying them.
-OwnedObject<VipsImage> ImageOf(const Picture &picture) {
+int GenerateRows(VipsRegion *region, void *, void *data, void *, gboolean *) {
+    const auto &rows = *static_cast<const RowSource *>(data);
+    const VipsRect &wanted = region->valid;
+    const auto pixel = static_cast<int64_t>(vips_image_get_bands(region->im)) *
+                       static_cast<int64_t>(vips_format_sizeof(vips_image_get_format(region->im)));
+    for (int64_t y = 0; y < wanted.height; ++y) {
+        const uint8_t *row = rows(wanted.top + static_cast<int32_t>(y));
+        if (row == nullptr) {
+            return -1;
+        }
+        std::memcpy(region->data + y * region->bpl, row + pixel * wanted.left,
+                    static_cast<size_t>(pixel * wanted.width));
+    }
+    return 0;
+}
+
+// An image without pixels of its own. One thread asks for its rows, so that they come in order.
+OwnedObject<VipsImage> ImageOf(const Picture &picture, const RowSource *rows) {
     const Document &document = picture.document;
     const PictureMode &mode = ModeOfDocument(document.imageMode);
-    OwnedObject<VipsImage> image(
-        vips_image_new_from_memory(document.destination.get(), static_cast<size_t>(PixelBytes(document)),
-                                   document.width, document.height, document.planes, mode.format));
+    OwnedObject<VipsImage> image(vips_image_new());
+    vips_image_init_fields(image.get(), document.width, document.height, document.planes, mode.format,
+                           VIPS_CODING_NONE, mode.interpretation, 1, 1);
+    CopyMetadata(picture.metadata.get(), image.get());
+    vips_image_set_int(image.get(), VIPS_META_CONCURRENCY, 1);
+    if (vips_image_pipelinev(image.get(), VIPS_DEMAND_STYLE_THINSTRIP, nullptr) != 0 ||
+        vips_image_generate(image.get(), nullptr, GenerateRows, nullptr, const_cast<RowSource *>(rows),
+                            nullptr) != 0) {
+        return nullptr;
+    }
     image = Flipped(std::move(image), document);
     if (image != nullptr) {
         image->Type = mode.interpretation;
-        CopyMetadata(picture.metadata.get(), image.get());
     }
     return image;
 }
 
 }  // namespace
 
-MaybeFailure WritePicture(const Picture &picture, const PictureFormat &format, const std::string &path,
-                          const std::string &outputFile, const Watcher &watcher) {
-    const OwnedObject<VipsImage> image = ImageOf(picture);
-    if (image == nullptr) {
-        return FileFailure(outputFile, "cannot be written: " + TakeVipsError());
-    }
-    vips_image_set_progress(image.get(), TRUE);
-    g_signal_connect(image.get(), "eval", G_CALLBACK(FollowWriting), const_cast<Watcher *>(&watcher));
-    if (format.save(image.get(), path.c_str()) != 0) {
-        const std::string error = TakeVipsError();
-        return watcher.cancelled() ? Interruption(picture.file)
-                                   : FileFailure(outputFile, "cannot be written: " + error);
-    }
-    return watcher.cancelled() ? MaybeFailure(Interruption(picture.file)) : std::nullopt;
+MaybeFailure WritePicture(const Picture &picture, const PictureFormat &format, const SaveOptions &options,
+                          const std::string &path, const std::string &outputFile, const RowSource &rows) {
+    const OwnedObject<VipsImage> image = ImageOf(picture, &rows);
+    return image == nullptr || format.save(image.get(), path.c_str(), options) != 0
+               ? MaybeFailure(FileFailure(outputFile, "cannot be written: " + TakeVipsError()))
+               : std::nullopt;
 }

@@ -33,8 +33,8 @@ void CopyMask(const Document &mask, uint8_t *bytes) {
     }
 }
 
-MaybeFailure ReadMask(const std::string &maskFile, const std::string &file, const Watcher &watcher,
-                      Document *document) {
+MaybeFailure ReadMask(const std::string &maskFile, const std::string &file, Sharing sharing,
+                      const Watcher &watcher, Document *document) {
     Picture mask;
     if (MaybeFailure failure = OpenPicture(maskFile, &mask)) {
         return failure;
@@ -53,9 +53,9 @@ MaybeFailure ReadMask(const std::string &maskFile, const std::string &file, cons
     if (MaybeFailure failure = ReadPixels(&mask, watcher)) {
         return failure;
     }
-    document->mask = MapBlock(MaskBytes(*document), document->sharing);
+    document->mask = MapBlock(MaskBytes(*document), sharing);
     if (document->mask == nullptr) {
-        return FileFailure(maskFile, "there is not enough memory to read it");
+        return TooLittleMemory(maskFile);
     }
     CopyMask(grey, document->mask.get());
     return std::nullopt;
@@ -77,10 +77,12 @@ float Blend(float result, float source, uint32_t selected) {
 }
 
 template <typename Sample>
-void BlendSamples(Document *document) {
-    const auto *source = reinterpret_cast<const Sample *>(document->source.get());
-    auto *destination = reinterpret_cast<Sample *>(document->destination.get());
-    for (int64_t pixel = 0; pixel < MaskBytes(*document); ++pixel) {
+void BlendSamples(int32_t top, int32_t bottom, Document *document) {
+    const int64_t offset = top * RowBytes(*document);
+    const auto *source = reinterpret_cast<const Sample *>(document->source.get() + offset);
+    auto *destination = reinterpret_cast<Sample *>(document->destination.get() + offset);
+    const int64_t width = document->width;
+    for (int64_t pixel = top * width; pixel < bottom * width; ++pixel) {
         const uint8_t selected = document->mask[static_cast<size_t>(pixel)];
         for (int32_t plane = 0; plane < document->planes; ++plane, ++source, ++destination) {
             *destination = Blend(*destination, *source, selected);
@@ -114,21 +116,22 @@ std::optional<VRect> ParseRect(const std::string &text) {
     return VRect{top, left, static_cast<int32_t>(bottom), static_cast<int32_t>(right)};
 }
 
-MaybeFailure Select(const Selection &selection, const std::string &file, const Watcher &watcher,
-                    Document *document) {
+MaybeFailure Select(const Selection &selection, const std::string &file, Sharing sharing,
+                    const Watcher &watcher, Document *document) {
     if (selection.rect && !LiesInside(*selection.rect, *document)) {
         return Failure{kExitUsage,
                        file + ": the rectangle of --select does not lie inside the picture, which is " +
                            SizeOf(*document) + "."};
     }
     document->selection = selection.rect;
-    return selection.maskFile.empty() ? std::nullopt : ReadMask(selection.maskFile, file, watcher, document);
+    return selection.maskFile.empty() ? std::nullopt
+                                      : ReadMask(selection.maskFile, file, sharing, watcher, document);
 }
 
-void BlendByMask(Document *document) {
+void BlendByMask(int32_t top, int32_t bottom, Document *document) {
     if (document->mask != nullptr) {
         (document->depth == 8    ? BlendSamples<uint8_t>
          : document->depth == 16 ? BlendSamples<uint16_t>
-                                 : BlendSamples<float>)(document);
+                                 : BlendSamples<float>)(top, bottom, document);
     }
 }

@@ -17,9 +17,9 @@ struct Selection {
 std::optional<VRect> ParseRect(const std::string &text);
 
 // Puts the selection into the document of `file`. Refuses a rectangle that does not lie inside it, and a mask
-// that is not a grey picture of the same size.
-MaybeFailure Select(const Selection &selection, const std::string &file, const Watcher &watcher,
-                    Document *document);
+// that is not a grey picture of the same size. The mask's block is mapped for `sharing`.
+MaybeFailure Select(const Selection &selection, const std::string &file, Sharing sharing,
+                    const Watcher &watcher, Document *document);
 
-// Where the mask selects partially, blends source and result in the destination.
-void BlendByMask(Document *document);
+// In these rows, where the mask selects partially, blends source and result in the destination.
+void BlendByMask(int32_t top, int32_t bottom, Document *document);

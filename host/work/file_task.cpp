@@ -1,8 +1,10 @@
 #include "host/work/file_task.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
+#include <iterator>
 
 #include "host/filter/action_file.h"
 #include "host/filter/plugin.h"
@@ -14,9 +16,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// The part of the progress bar that reading and filtering fill; writing fills the rest. Chosen: it is by far
-// the shorter of the two.
-constexpr double kFilteredUntil = 0.95;
+constexpr int64_t kMegapixel = 1'000'000;
 
 bool IsSamePlace(const std::string &a, const std::string &b) {
     std::error_code error;
@@ -48,21 +48,58 @@ std::string WordsOn(const Picture &picture, const Action &recorded) {
     return words;
 }
 
-MaybeFailure WriteResults(const FileTask &task, const Picture &picture, const PictureFormat &format,
-                          const Action &recorded, const Watcher &watcher) {
+// Why all of a picture has to be in memory; empty for no reason.
+const char *ReasonToHoldWhole(const FileRequest &request, const FilterSettings &settings,
+                              const PictureFormat &format, const Picture &picture) {
+    const struct {
+        bool holds;
+        const char *reason;
+    } reasons[] = {
+        {settings.orders.user == DialogUser::person, " with a dialog"},
+        {!settings.selection.maskFile.empty(), " with a mask"},
+        {!request.outputs[kComparisonOutput].empty(), " with a comparison"},
+        {IsReadWhole(picture), " for pictures that cannot be read row by row, as this one"},
+        {format.writtenWhole, " for outputs that cannot be written row by row, as this one"},
+    };
+    const auto *found =
+        std::find_if(std::begin(reasons), std::end(reasons), [](const auto &entry) { return entry.holds; });
+    return found == std::end(reasons) ? "" : found->reason;
+}
+
+MaybeFailure CheckSize(const FileRequest &request, const FilterSettings &settings,
+                       const PictureFormat &format, const Picture &picture) {
+    const std::string reason = ReasonToHoldWhole(request, settings, format, picture);
+    const int32_t most =
+        request.maxMegapixels.value_or(reason.empty() ? kMaxStreamedMegapixels : kMaxWholeMegapixels);
+    const int64_t pixels = int64_t{picture.document.width} * picture.document.height;
+    if (pixels <= most * kMegapixel) {
+        return reason.empty() || FitsIntoMemory(PixelBytes(picture.document))
+                   ? std::nullopt
+                   : MaybeFailure(TooLittleMemory(request.inputFile));
+    }
+    return FileFailure(request.inputFile, "its " + SizeOf(picture.document) + " pixels are more than the " +
+                                              std::to_string(most) +
+                                              " megapixels that --max-megapixels allows" +
+                                              (request.maxMegapixels ? "" : reason));
+}
+
+// A dialog shows the picture whole, and a comparison is made when all of it is done.
+Store StoreFor(const FileTask &task) {
+    return task.settings.orders.user == DialogUser::person || !task.outputs[kComparisonOutput].empty()
+               ? Store::whole
+               : Store::slots;
+}
+
+MaybeFailure WriteFurtherResults(const FileTask &task, const Picture &picture, const Action &recorded) {
     if (!task.outputs[kComparisonOutput].empty()) {
         if (MaybeFailure failure =
                 WriteComparison(picture, task.written[kComparisonOutput], task.outputs[kComparisonOutput])) {
             return failure;
         }
     }
-    if (!task.outputs[kActionOutput].empty()) {
-        if (MaybeFailure failure =
-                WriteAction(recorded, task.written[kActionOutput], task.outputs[kActionOutput])) {
-            return failure;
-        }
-    }
-    return WritePicture(picture, format, task.written[kPictureOutput], task.outputs[kPictureOutput], watcher);
+    return task.outputs[kActionOutput].empty()
+               ? std::nullopt
+               : WriteAction(recorded, task.written[kActionOutput], task.outputs[kActionOutput]);
 }
 
 }  // namespace
@@ -76,7 +113,7 @@ MaybeFailure PlanFile(const FileRequest &request, const FilterSettings &settings
     if (MaybeFailure failure = OpenPicture(request.inputFile, picture)) {
         return failure;
     }
-    if (MaybeFailure failure = CheckSize(*picture, request.maxMegapixels)) {
+    if (MaybeFailure failure = CheckSize(request, settings, *format, *picture)) {
         return failure;
     }
     if (MaybeFailure failure = CheckMode(plugin, picture->document, request.inputFile)) {
@@ -111,24 +148,29 @@ MaybeFailure PlanFile(const FileRequest &request, const FilterSettings &settings
     return std::nullopt;
 }
 
-MaybeFailure DoFileTask(const FileTask &task, Picture *picture, const FilterCall &filter,
-                        const Watcher &watcher, FileReport *report) {
+MaybeFailure DoFileTask(const FileTask &task, const FilterPlace &place, const Watcher &watcher,
+                        const std::function<void(const Failure &)> &leave, Picture *picture,
+                        FileReport *report) {
     const PictureFormat *format = nullptr;
     if (MaybeFailure failure = FindFormat(task.outputs[kPictureOutput], &format)) {
         return failure;
     }
-    Document *document = &picture->document;
+    const Sharing sharing = place.jobs > 1 ? Sharing::withWorkers : Sharing::none;
     const Watcher silent = {[](double) {}, watcher.cancelled};
-    if (MaybeFailure failure = Select(task.settings.selection, task.inputFile, silent, document)) {
-        return failure;
-    }
-    Action recorded;
-    if (MaybeFailure failure = filter(picture, PartOf(watcher, 0, kFilteredUntil), &recorded)) {
-        return failure;
-    }
-    BlendByMask(document);
     if (MaybeFailure failure =
-            WriteResults(task, *picture, *format, recorded, PartOf(watcher, kFilteredUntil, 1))) {
+            Select(task.settings.selection, task.inputFile, sharing, silent, &picture->document)) {
+        return failure;
+    }
+    const auto write = [&](const RowSource &rows) {
+        return WritePicture(*picture, *format, task.settings.save, task.written[kPictureOutput],
+                            task.outputs[kPictureOutput], rows);
+    };
+    Action recorded;
+    if (MaybeFailure failure = StreamPicture(
+            {place, task.settings.orders, watcher, StoreFor(task), write, leave}, picture, &recorded)) {
+        return failure;
+    }
+    if (MaybeFailure failure = WriteFurtherResults(task, *picture, recorded)) {
         return failure;
     }
     const std::string lost = LostMetadata(*format, picture->metadata.get());

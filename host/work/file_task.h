@@ -7,14 +7,17 @@
 #include "host/filter/orders.h"
 #include "host/filter/plugin_info.h"
 #include "host/picture/picture.h"
+#include "host/picture/picture_format.h"
 #include "host/picture/selection.h"
 #include "host/report/failure.h"
 #include "host/report/watcher.h"
 #include "host/work/output_file.h"
+#include "host/work/picture_stream.h"
 
 struct FilterSettings {
     FilterOrders orders;
     Selection selection;
+    SaveOptions save;
 };
 
 struct FileRequest {
@@ -22,8 +25,13 @@ struct FileRequest {
     OutputNames outputs;
     bool force;
     bool inPlace;
-    int32_t maxMegapixels;
+    std::optional<int32_t> maxMegapixels;  // without one, as below
 };
+
+// A streamed picture's size takes no memory; some pictures have to be held whole. Chosen: 6 GB for both
+// blocks of 8-bit RGB.
+constexpr int32_t kMaxStreamedMegapixels = 100'000;
+constexpr int32_t kMaxWholeMegapixels = 1000;
 
 // The task writes to `written`, and its planner moves those files to `outputs`: the process that does the
 // task may die in between.
@@ -49,12 +57,10 @@ struct PlannedFile {
 MaybeFailure PlanFile(const FileRequest &request, const FilterSettings &settings, const PluginInfo &plugin,
                       PlannedFile *planned, Picture *picture);
 
-// Reads and filters the opened picture, and fills in what the filter recorded.
-using FilterCall = std::function<MaybeFailure(Picture *picture, const Watcher &watcher, Action *recorded)>;
-
-// Reads, filters and writes a task's opened picture.
-MaybeFailure DoFileTask(const FileTask &task, Picture *picture, const FilterCall &filter,
-                        const Watcher &watcher, FileReport *report);
+// Reads, filters and writes a task's opened picture. `leave` as for streams.
+MaybeFailure DoFileTask(const FileTask &task, const FilterPlace &place, const Watcher &watcher,
+                        const std::function<void(const Failure &)> &leave, Picture *picture,
+                        FileReport *report);
 
 // Moves the finished files to their places.
 MaybeFailure PublishFile(PlannedFile *planned);

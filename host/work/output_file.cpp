@@ -138,8 +138,13 @@ OutputFile::~OutputFile() {
     if (descriptor >= 0) {
         close(descriptor);
     }
-    if (!temporary.empty()) {
-        unlink(temporary.c_str());
+    RemoveTemporary(this);
+}
+
+void RemoveTemporary(OutputFile *output) {
+    if (!output->temporary.empty()) {
+        unlink(output->temporary.c_str());
+        output->temporary.clear();
     }
 }
 

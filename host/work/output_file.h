@@ -50,6 +50,8 @@ struct OutputFile {
 MaybeFailure PlanOutput(const OutputRequest &request, OutputFile *output);
 // Makes the empty temporary file, which only its owner may read.
 MaybeFailure CreateTemporary(OutputFile *output);
+// Does nothing for one that was moved into place.
+void RemoveTemporary(OutputFile *output);
 // Gives the finished temporary file the input's permissions, and also its owner if it replaces the input;
 // then moves it into place.
 MaybeFailure Publish(OutputFile *output);

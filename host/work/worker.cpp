@@ -12,7 +12,7 @@
 #include "host/filter/packing.h"
 #include "host/filter/plugin.h"
 #include "host/picture/vips_library.h"
-#include "host/work/picture_filter.h"
+#include "host/work/band_filter.h"
 #include "host/work/worker_job.h"
 #include "host/work/worker_pool.h"
 
@@ -27,7 +27,7 @@ struct Workplace {
     MaybeFailure pluginFailure;
     bool pluginOpened = false;
     bool vipsStarted = false;
-    // Of the one document whose tiles this worker gets.
+    // Of the one picture whose bands this worker gets.
     PixelBlock source, destination, mask;
 };
 
@@ -56,40 +56,31 @@ void NeedPlugin(const std::string &folder, Workplace *workplace) {
     }
 }
 
-// The workplace owns the shared blocks; the document borrows them for a job.
-bool Attach(bool masked, Workplace *workplace, Document *document) {
+bool MapStore(const BandPlace &place, Workplace *workplace) {
     if (workplace->source == nullptr) {
-        workplace->source = MapShared(kFirstShared, PixelBytes(*document));
-        workplace->destination = MapShared(kFirstShared + 1, PixelBytes(*document));
-        if (masked) {
-            workplace->mask = MapShared(kFirstShared + 2, MaskBytes(*document));
+        workplace->source = MapShared(kFirstShared, place.storeBytes);
+        workplace->destination = MapShared(kFirstShared + 1, place.storeBytes);
+        if (place.maskBytes > 0) {
+            workplace->mask = MapShared(kFirstShared + 2, place.maskBytes);
         }
     }
-    document->source.swap(workplace->source);
-    document->destination.swap(workplace->destination);
-    document->mask.swap(workplace->mask);
-    return document->source != nullptr && document->destination != nullptr &&
-           masked == (document->mask != nullptr);
+    return workplace->source != nullptr && workplace->destination != nullptr &&
+           (place.maskBytes == 0 || workplace->mask != nullptr);
 }
 
-void Detach(Workplace *workplace, Document *document) {
-    document->source.swap(workplace->source);
-    document->destination.swap(workplace->destination);
-    document->mask.swap(workplace->mask);
-}
-
-FilterOutcome DoTile(TileJob *job, Workplace *workplace) {
+FilterOutcome DoBand(const BandJob &job, Workplace *workplace) {
     if (workplace->pluginFailure) {
         return {errReportString, "the plug-in could not be opened once more", {}};
     }
-    ChooseDialogUser(job->orders);
-    FilterOutcome outcome = {memFullErr, {}, {}};
-    if (Attach(job->masked, workplace, &job->document)) {
-        outcome = RunTile({&workplace->plugin.module, &job->document, job->orders, true, ReportingWatcher()},
-                          job->tile);
+    if (!MapStore(job.place, workplace)) {
+        return {memFullErr, {}, {}};
     }
-    Detach(workplace, &job->document);
-    return outcome;
+    if (const MaybeFailure failure = ChooseDialogUser(job.orders)) {
+        return {errReportString, failure->sentence, {}};
+    }
+    BandDocument band = LendBand(job.picture, job.place.rows, job.place.storeRow,
+                                 {&workplace->source, &workplace->destination, &workplace->mask});
+    return FilterBand(&workplace->plugin.module, job.orders, ReportingWatcher(), &band);
 }
 
 FileAnswer DoFile(const FileTask &task, Workplace *workplace) {
@@ -108,11 +99,8 @@ FileAnswer DoFile(const FileTask &task, Workplace *workplace) {
     Picture picture;
     answer.failure = OpenPicture(task.inputFile, &picture);
     if (!answer.failure) {
-        const auto filter = [&](Picture *opened, const Watcher &watcher, Action *recorded) {
-            return FilterPicture({&workplace->plugin.module, task.settings.orders, watcher}, opened,
-                                 recorded);
-        };
-        answer.failure = DoFileTask(task, &picture, filter, ReportingWatcher(), &answer.report);
+        const FilterPlace here = {&workplace->plugin.module, {}, 1};
+        answer.failure = DoFileTask(task, here, ReportingWatcher(), {}, &picture, &answer.report);
     }
     return answer;
 }
@@ -145,7 +133,7 @@ int RunWorker() {
             return size == 0 ? 0 : 2;
         }
         NeedPlugin(job.pluginFolder, &workplace);
-        Say(kAnswerMark, job.tile ? PackOutcome(DoTile(&*job.tile, &workplace))
-                                  : PackAnswer(DoFile(job.file, &workplace)));
+        Say(kAnswerMark,
+            job.band ? PackOutcome(DoBand(*job.band, &workplace)) : PackAnswer(DoFile(job.file, &workplace)));
     }
 }

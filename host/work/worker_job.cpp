@@ -6,54 +6,8 @@
 
 namespace {
 
-// A document without its blocks.
-struct Shape {
-    int16_t imageMode;
-    int32_t depth, colorPlanes, planes, width, height;
-    Fixed horizontalResolution, verticalResolution;
-    bool hasFile;
-    FSSpec file;
-    bool masked;
-    Tile tile;
-};
-
-struct RectRecord {
-    bool there;
-    VRect rect;
-};
-
-constexpr char kTileMark = 't';
+constexpr char kBandMark = 'b';
 constexpr char kFileMark = 'f';
-
-Shape ShapeOf(const Document &document, const Tile &tile) {
-    return {document.imageMode,
-            document.depth,
-            document.colorPlanes,
-            document.planes,
-            document.width,
-            document.height,
-            document.horizontalResolution,
-            document.verticalResolution,
-            document.file.has_value(),
-            document.file.value_or(FSSpec{}),
-            document.mask != nullptr,
-            tile};
-}
-
-void TakeShape(const Shape &shape, TileJob *job) {
-    Document *document = &job->document;
-    document->imageMode = shape.imageMode;
-    document->depth = shape.depth;
-    document->colorPlanes = shape.colorPlanes;
-    document->planes = shape.planes;
-    document->width = shape.width;
-    document->height = shape.height;
-    document->horizontalResolution = shape.horizontalResolution;
-    document->verticalResolution = shape.verticalResolution;
-    document->file = shape.hasFile ? std::optional(shape.file) : std::nullopt;
-    job->masked = shape.masked;
-    job->tile = shape.tile;
-}
 
 bool TakeActionText(std::string_view *packed, Action *action) {
     std::string bytes;
@@ -79,32 +33,25 @@ void AppendNames(std::string *packed, const OutputNames &names) {
 }
 
 bool TakeTask(std::string_view *packed, FileTask *task) {
-    RectRecord rect;
     Selection *selection = &task->settings.selection;
-    if (!TakeText(packed, &task->inputFile) || !TakeNames(packed, &task->outputs) ||
-        !TakeNames(packed, &task->written) || !TakeOrders(packed, &task->settings.orders) ||
-        !TakeText(packed, &selection->maskFile) || !TakeRecord(packed, &rect)) {
-        return false;
-    }
-    selection->rect = rect.there ? std::optional(rect.rect) : std::nullopt;
-    return true;
+    return TakeText(packed, &task->inputFile) && TakeNames(packed, &task->outputs) &&
+           TakeNames(packed, &task->written) && TakeOrders(packed, &task->settings.orders) &&
+           TakeText(packed, &selection->maskFile) && TakeRecord(packed, &selection->rect) &&
+           TakeRecord(packed, &task->settings.save);
 }
 
-bool TakeTile(std::string_view *packed, TileJob *job) {
-    Shape shape;
-    if (!TakeRecord(packed, &shape) || !TakeOrders(packed, &job->orders)) {
-        return false;
-    }
-    TakeShape(shape, job);
-    return true;
+bool TakeBand(std::string_view *packed, BandJob *job) {
+    return TakeRecord(packed, &job->picture) && TakeRecord(packed, &job->place) &&
+           TakeOrders(packed, &job->orders);
 }
 
 }  // namespace
 
-std::string PackTileJob(const std::string &pluginFolder, const Document &document, const FilterOrders &orders,
-                        const Tile &tile) {
-    std::string packed = JobHead(pluginFolder, kTileMark);
-    AppendRecord(&packed, ShapeOf(document, tile));
+std::string PackBandJob(const std::string &pluginFolder, const DocumentShape &picture, const BandPlace &place,
+                        const FilterOrders &orders) {
+    std::string packed = JobHead(pluginFolder, kBandMark);
+    AppendRecord(&packed, picture);
+    AppendRecord(&packed, place);
     AppendOrders(&packed, orders);
     return packed;
 }
@@ -117,7 +64,8 @@ std::string PackFileJob(const std::string &pluginFolder, const FileTask &task) {
     const Selection &selection = task.settings.selection;
     AppendOrders(&packed, task.settings.orders);
     AppendText(&packed, selection.maskFile);
-    AppendRecord(&packed, RectRecord{selection.rect.has_value(), selection.rect.value_or(VRect{})});
+    AppendRecord(&packed, selection.rect);
+    AppendRecord(&packed, task.settings.save);
     return packed;
 }
 
@@ -126,7 +74,7 @@ bool UnpackJob(std::string_view packed, WorkerJob *job) {
     if (!TakeText(&packed, &job->pluginFolder) || !TakeRecord(&packed, &mark)) {
         return false;
     }
-    return mark == kTileMark ? TakeTile(&packed, &job->tile.emplace()) : TakeTask(&packed, &job->file);
+    return mark == kBandMark ? TakeBand(&packed, &job->band.emplace()) : TakeTask(&packed, &job->file);
 }
 
 std::string PackOutcome(const FilterOutcome &outcome) {

@@ -6,21 +6,27 @@
 #include <string_view>
 
 #include "host/filter/filter_run.h"
-#include "host/filter/tiles.h"
 #include "host/report/failure.h"
+#include "host/work/band_plan.h"
 #include "host/work/file_task.h"
 
-// A tile of a document whose blocks are shared with the worker.
-struct TileJob {
-    Document document;  // without its blocks
-    bool masked = false;
-    Tile tile = {};
+// Where a band lies in the blocks that are shared with the worker.
+struct BandPlace {
+    int64_t storeBytes;  // of each of the store's two blocks
+    int32_t storeRow;    // where the band's frame begins
+    int64_t maskBytes;   // of the whole picture's; 0 without a mask
+    Band rows;
+};
+
+struct BandJob {
+    DocumentShape picture;
+    BandPlace place;
     FilterOrders orders;
 };
 
 struct WorkerJob {
     std::string pluginFolder;
-    std::optional<TileJob> tile;  // otherwise a file
+    std::optional<BandJob> band;  // otherwise a file
     FileTask file;
 };
 
@@ -29,8 +35,8 @@ struct FileAnswer {
     FileReport report;
 };
 
-std::string PackTileJob(const std::string &pluginFolder, const Document &document, const FilterOrders &orders,
-                        const Tile &tile);
+std::string PackBandJob(const std::string &pluginFolder, const DocumentShape &picture, const BandPlace &place,
+                        const FilterOrders &orders);
 std::string PackFileJob(const std::string &pluginFolder, const FileTask &task);
 bool UnpackJob(std::string_view packed, WorkerJob *job);
 

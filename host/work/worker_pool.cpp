@@ -12,11 +12,12 @@
 #include <cstring>
 #include <list>
 #include <optional>
+#include <utility>
 
 namespace {
 
 // How long a signal that arrives between two calls can go unnoticed. Chosen: users do not feel the delay.
-constexpr int kPollMilliseconds = 100;
+constexpr int kPollMilliseconds = 40;
 // Descriptors are first moved to this number or above, since one of them could be where another has to go.
 constexpr int kOutOfTheWay = 64;
 
@@ -30,6 +31,8 @@ struct Worker {
     Worker(const Worker &) = delete;
     Worker &operator=(const Worker &) = delete;
     ~Worker() { End(); }
+
+    bool IsDead() const { return line < 0; }
 
     // Returns the status from waitpid, or 0 if the process had already ended.
     int End() {
@@ -98,19 +101,24 @@ struct Pool {
     bool drained = false;  // there are no more jobs
 };
 
-// Gives the worker the next job. If the worker is dead, that shows when its line is read.
+// Gives the worker the next job, if there is one. If the worker is dead, that shows when its line is read.
 void HandOut(Pool *pool, Worker *worker) {
     std::string job;
     worker->job.reset();
-    if (pool->drained || !pool->calls->next(&job)) {
-        pool->drained = true;
-        return;
+    const NextJob next = pool->drained ? NextJob::none : pool->calls->next(&job);
+    pool->drained = next == NextJob::none;
+    if (next == NextJob::made) {
+        worker->job = pool->jobs++;
+        send(worker->line, job.data(), job.size(), MSG_NOSIGNAL);
     }
-    worker->job = pool->jobs++;
-    send(worker->line, job.data(), job.size(), MSG_NOSIGNAL);
 }
 
 bool FillUp(Pool *pool) {
+    for (Worker &worker : pool->workers) {
+        if (!worker.job && !worker.IsDead()) {
+            HandOut(pool, &worker);
+        }
+    }
     while (!pool->drained && pool->workers.size() < pool->wanted) {
         Worker &worker = pool->workers.emplace_back();
         if (!StartWorker(*pool->shared, &worker)) {
@@ -122,19 +130,16 @@ bool FillUp(Pool *pool) {
     return true;
 }
 
-bool IsIdle(const Worker &worker) {
-    return !worker.job.has_value();
-}
-
 // Takes one packet from the worker; false when all workers are to end.
 bool Listen(Pool *pool, Worker *worker) {
     static std::vector<char> packet(kLargestPacket);
     const ssize_t size = recv(worker->line, packet.data(), packet.size(), 0);
-    const size_t job = *worker->job;
     if (size <= 0) {
-        worker->job.reset();
-        return pool->calls->died(job, HowItEnded(worker->End()));
+        const std::optional<size_t> job = std::exchange(worker->job, std::nullopt);
+        const std::string how = HowItEnded(worker->End());
+        return !job || pool->calls->died(*job, how);
     }
+    const size_t job = *worker->job;
     const std::string content(packet.data() + 1, static_cast<size_t>(size) - 1);
     if (packet[0] == kAnswerMark) {
         if (!pool->calls->answered(job, content)) {
@@ -154,15 +159,19 @@ bool ListenToAll(Pool *pool) {
     for (const Worker &worker : pool->workers) {
         lines.push_back({worker.line, POLLIN, 0});
     }
-    if (poll(lines.data(), lines.size(), pool->calls->meanwhile() ? 0 : kPollMilliseconds) <= 0) {
+    lines.push_back({pool->calls->news, POLLIN, 0});
+    if (poll(lines.data(), lines.size(), kPollMilliseconds) <= 0) {
         return true;
     }
-    auto worker = pool->workers.begin();
-    for (const pollfd &line : lines) {
-        if (line.revents != 0 && !Listen(pool, &*worker)) {
+    if (lines.back().revents != 0) {
+        uint64_t count = 0;
+        [[maybe_unused]] const ssize_t taken = read(pool->calls->news, &count, sizeof count);
+    }
+    auto line = lines.begin();
+    for (Worker &worker : pool->workers) {
+        if ((line++)->revents != 0 && !Listen(pool, &worker)) {
             return false;
         }
-        ++worker;
     }
     return true;
 }
@@ -175,7 +184,8 @@ PoolEnd RunWorkers(int32_t workers, const std::vector<int> &shared, const Worker
         if (!FillUp(&pool)) {
             return PoolEnd::notStarted;
         }
-        pool.workers.remove_if(IsIdle);
+        pool.workers.remove_if(
+            [&](const Worker &worker) { return worker.IsDead() || (pool.drained && !worker.job); });
         if (pool.workers.empty()) {
             if (pool.drained) {
                 return PoolEnd::done;

@@ -22,16 +22,21 @@ constexpr char kAnswerMark = 'a';
 // In bytes: room for the nine names of a job, each of up to 4 KiB, three times over.
 constexpr size_t kLargestPacket = 1 << 17;
 
+enum class NextJob {
+    made,
+    notYet,  // it depends on other work
+    none,    // there are no more
+};
+
 struct WorkerCalls {
-    // Makes the message for the next job; jobs are numbered from 0. False when there are no more.
-    std::function<bool(std::string *job)> next;
-    // Does a piece of the caller's own work between two messages; false when none is left.
-    std::function<bool()> meanwhile = [] { return false; };
+    // Makes the message for the next job; jobs are numbered from 0.
+    std::function<NextJob(std::string *job)> next;
+    int news = -1;  // an event descriptor that tells when to ask for a job again that was not there yet
     std::function<void(size_t job, double done)> progress;
     // Both end a job; returning false ends all the others.
     std::function<bool(size_t job, const std::string &answer)> answered;
     std::function<bool(size_t job, const std::string &how)> died;
-    std::function<bool()> cancelled;
+    std::function<bool()> cancelled;  // asked at least every 40 ms
 };
 
 // What users are told when no worker can be started, and when a worker's answer makes no sense.

@@ -25,7 +25,7 @@ Document RandomDocument(int16_t mode, int32_t depth, int32_t colorPlanes, int32_
     document.planes = planes;
     document.width = width;
     document.height = height;
-    MapPixels(&document);
+    MapPixels(Sharing::none, &document);
     std::mt19937 generator(7);
     for (int64_t i = 0; i < PixelBytes(document) / SampleBytes(document); ++i) {
         const auto bits = static_cast<uint32_t>(generator());

@@ -32,6 +32,18 @@ TEST_F(Program, AnyNumberOfJobsGivesTheSameFile) {
     }
 }
 
+// Long enough for more bands than are in memory at once. A comparison takes the whole picture there.
+TEST_F(Program, StreamsGiveTheBytesOfWholePictures) {
+    WriteNoise("in.tif", 1500, 6500, 4, VIPS_FORMAT_USHORT, VIPS_INTERPRETATION_RGB16);
+    const std::vector<std::string> whole = {"in.tif", "-o", "whole.tif", "-r", "1", "--compare", "c.png"};
+    ASSERT_EQ(Wait(Start(whole)).status, 0);
+    for (const char *jobs : {"1", "2"}) {
+        const Ended streamed = Wait(Start({"in.tif", "-o", "out.tif", "-f", "-r", "1", "-j", jobs}));
+        EXPECT_EQ(streamed.status, 0) << streamed.err;
+        EXPECT_TRUE(ContentsOf(folder / "out.tif") == ContentsOf(folder / "whole.tif")) << jobs;
+    }
+}
+
 std::vector<uint8_t> PixelsOf(const std::string &file) {
     Picture picture;
     EXPECT_FALSE(OpenPicture(file, &picture));

@@ -12,11 +12,12 @@ class Tiles : public HostTest {};
 TEST_F(Tiles, CoresCoverTheAreaOnceAndFramesStayWithin) {
     const VRect areas[] = {{0, 0, 100, 90}, {7, 5, 8, 6}, {10, 3, 75, 31}, {0, 0, 31, 1000}};
     for (const VRect &area : areas) {
-        for (const int32_t bands : {1, 2, 7}) {
+        for (const int32_t cut : {0, 2, 7}) {
+            const VRect core = {area.top + HeightOf(area) * cut / 8, area.left, area.bottom, area.right};
             for (const int32_t maxSide : {13, 30, 1000}) {
-                std::vector<int> covered(static_cast<size_t>(WidthOf(area)) *
-                                         static_cast<size_t>(HeightOf(area)));
-                for (const Tile &tile : CutIntoTiles(area, {bands, maxSide})) {
+                std::vector<int> covered(static_cast<size_t>(WidthOf(core)) *
+                                         static_cast<size_t>(HeightOf(core)));
+                for (const Tile &tile : CutIntoTiles(core, area, maxSide)) {
                     ASSERT_LE(std::max(WidthOf(tile.framed), HeightOf(tile.framed)), maxSide);
                     // Six pixels around the core, but not beyond the area's border.
                     ASSERT_EQ(tile.framed.top, std::max(area.top, tile.core.top - 6));
@@ -25,7 +26,7 @@ TEST_F(Tiles, CoresCoverTheAreaOnceAndFramesStayWithin) {
                     ASSERT_EQ(tile.framed.right, std::min(area.right, tile.core.right + 6));
                     for (int32_t y = tile.core.top; y < tile.core.bottom; ++y) {
                         for (int32_t x = tile.core.left; x < tile.core.right; ++x) {
-                            ++covered.at(static_cast<size_t>((y - area.top) * WidthOf(area) + x - area.left));
+                            ++covered.at(static_cast<size_t>((y - core.top) * WidthOf(core) + x - core.left));
                         }
                     }
                 }
@@ -61,9 +62,10 @@ TEST_F(Tiles, GiveTheResultOfOneRun) {
                 const FilterRequest request = {&realFilter, &document, {action}, true, {}};
                 ASSERT_EQ(RunFilter(request).result, noErr);
                 const std::vector<uint8_t> whole = BytesOf(document, document.destination);
-                for (const TileLimits &limits : {TileLimits{1, 30}, TileLimits{5, 1000}}) {
+                const VRect selected = SelectedRect(document);
+                for (const int32_t maxSide : {30, 1000}) {
                     const FilterOutcome outcome =
-                        RunTiles(request, CutIntoTiles(SelectedRect(document), limits));
+                        RunTiles(request, CutIntoTiles(selected, selected, maxSide));
                     ASSERT_EQ(outcome.result, noErr);
                     ASSERT_EQ(BytesOf(document, document.destination), whole);
                     EXPECT_EQ(FindItem(outcome.recorded, kRadiusKey)->number, 4);

@@ -35,7 +35,10 @@ void ExpectBlended(int16_t mode, int32_t depth) {
         document.mask[i] = static_cast<uint8_t>(i);
     }
     const std::vector<uint8_t> bytes = BytesOf(document, document.destination);
-    BlendByMask(&document);
+    BlendByMask(0, 1, &document);
+    EXPECT_TRUE(std::equal(bytes.begin() + RowBytes(document), bytes.end(),
+                           document.destination.get() + RowBytes(document)));
+    BlendByMask(1, 3, &document);
     for (size_t i = 0; i < bytes.size() / sizeof(Sample); ++i) {
         Sample before, filtered, blended;
         std::memcpy(&before, document.source.get() + i * sizeof(Sample), sizeof(Sample));

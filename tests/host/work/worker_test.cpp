@@ -42,15 +42,16 @@ class Worker : public Program {
     int line[2];
 };
 
-TEST_F(Worker, DoesFilesAndTilesUntilTheLineEnds) {
+TEST_F(Worker, DoesFilesAndBandsUntilTheLineEnds) {
     WriteNoise("in.png", 90, 70, 3);
     const std::string plugin = DefaultPluginFolder();
     FileTask task = {Path("in.png"), {"out.png"}, {Path("out.png")}, {}};
     task.settings.orders.action.items.push_back({.key = kRadiusKey, .type = typeFloat, .number = 2});
     Picture noise;
-    noise.document.sharing = Sharing::withWorkers;
-    ASSERT_FALSE(OpenPicture(task.inputFile, &noise) || ReadPixels(&noise, {}));
+    ASSERT_FALSE(OpenPicture(task.inputFile, &noise) || !MapPixels(Sharing::withWorkers, &noise.document));
     const Document &document = noise.document;
+    RowReader reader = StartReading(&noise);
+    ASSERT_FALSE(ReadRows(&reader, document.height, &noise.document, 0));
     const pid_t worker = StartWorker(
         {document.source.get_deleter().descriptor, document.destination.get_deleter().descriptor});
 
@@ -58,10 +59,10 @@ TEST_F(Worker, DoesFilesAndTilesUntilTheLineEnds) {
     ASSERT_TRUE(UnpackAnswer(Do(PackFileJob(plugin, task)), &answer));
     EXPECT_FALSE(answer.failure);
     EXPECT_EQ(answer.report.words, "90 x 70 RGB, 8 bits, radius 2");
-    const std::vector<Tile> tiles = CutIntoTiles(SelectedRect(document), {.bands = 3});
-    for (const Tile &tile : tiles) {
+    for (const Band &rows : {Band{0, 30, 0, 36, true}, Band{30, 70, 24, 70, true}}) {
         FilterOutcome outcome;
-        const std::string job = PackTileJob(plugin, document, task.settings.orders, tile);
+        const std::string job = PackBandJob(plugin, document, {PixelBytes(document), rows.frameTop, 0, rows},
+                                            task.settings.orders);
         ASSERT_TRUE(UnpackOutcome(Do(job), &outcome));
         EXPECT_EQ(outcome.result, noErr);
     }
@@ -92,7 +93,7 @@ TEST_F(Worker, NonsenseEndsIt) {
         {kHybridMedianEvent, {{.key = kRadiusKey, .type = typeFloat, .number = 2}}}, DialogUser::script, 5};
     FileTask task;
     task.settings.orders = orders;
-    for (const std::string &job : {PackFileJob("plugin", task), PackTileJob("plugin", {}, orders, {})}) {
+    for (const std::string &job : {PackFileJob("plugin", task), PackBandJob("plugin", {}, {}, orders)}) {
         WorkerJob unpacked;
         EXPECT_TRUE(UnpackJob(job, &unpacked));
         for (size_t size = 0; size < job.size(); ++size) {
