@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Prints where the time of whole runs goes, as Markdown: pictures of 1 to 100 megapixels at radius 4, one that is 6000
-# pixels wide at every radius, and whole runs of hymedian with one and two jobs compared with the filter alone.
+# pixels wide at every radius, and whole runs of hymedian over four formats compared with their parts.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -37,23 +37,37 @@ echo "|---|$line"
 picture 6000 1000
 for radius in 1 2 3 4 5 6; do echo "| $radius $("$build/run_bench" "$work/6000x1000.tif" "$work/out.tif" $radius)"; done
 
-# Nanoseconds of a whole run, the best of five.
+# Seconds of a whole run of JOBS over FORMAT at RADIUS, the best of five.
 whole() {
-    local best=
+    local best= start took
     for _ in 1 2 3 4 5; do
-        local start took
         start=$(date +%s%N)
-        "$build/hymedian" --quiet --force --radius 4 --jobs "$1" "$work/6000x4000.tif" -o "$work/out.tif"
+        "$build/hymedian" --quiet --force --radius "$3" --jobs "$1" "$work/6000x4000.$2" -o "$work/out.$2"
         took=$(($(date +%s%N) - start))
         if [ -z "$best" ] || [ "$took" -lt "$best" ]; then best=$took; fi
     done
-    echo "$best"
+    awk -v took="$best" 'BEGIN { printf "%.3f", took / 1e9 }'
 }
-alone=$("$build/run_bench" "$work/6000x4000.tif" "$work/out.tif" 4 | cut -d'|' -f5)
-one=$(whole 1)
-two=$(whole 2)
+
 echo
-awk -v alone="$alone" -v one="$one" -v two="$two" 'BEGIN {
-    printf "hymedian over 6000 × 4000 at radius 4: one job %.2f s, %.2f times the filter alone; two jobs %.2f s, %.2f times as fast\n",
-        one / 1e9, one / 1e9 / alone, two / 1e9, one / two
-}'
+echo "hymedian over 6000 × 4000. \"Bound\" is the longest of reading, writing and half of filtering; \"all work\" is half"
+echo "of the sum of the three, which two processors cannot go below."
+echo
+echo "| format | radius | reading, s | filtering, s | writing, s | one job, s | two jobs, s | of one | of the bound | of all work |"
+echo "|---|---|---|---|---|---|---|---|---|---|"
+for format in tif png jpg webp; do
+    [ $format = tif ] || "$build/hymedian" --quiet --radius 1 "$work/6000x4000.tif" -o "$work/6000x4000.$format"
+    for radius in 2 4; do
+        row=$("$build/run_bench" "$work/6000x4000.$format" "$work/out.$format" $radius)
+        one=$(whole 1 $format $radius)
+        two=$(whole 2 $format $radius)
+        awk -F'|' -v format=$format -v radius=$radius -v one="$one" -v two="$two" -v row="$row" 'BEGIN {
+            split(row, part, "|"); reading = part[3]; filtering = part[4]; writing = part[6]
+            bound = filtering / 2
+            if (reading > bound) bound = reading
+            if (writing > bound) bound = writing
+            printf "| %s | %d | %.2f | %.2f | %.2f | %.2f | %.2f | 1 / %.2f | %.2f | %.2f |\n", format, radius, reading, filtering,
+                writing, one, two, one / two, two / bound, two * 2 / (reading + filtering + writing)
+        }'
+    done
+done
