@@ -53,7 +53,7 @@ Document MakeNoise(const Kind &kind) {
     document.colorPlanes = document.planes = kind.planes;
     document.width = kWidth;
     document.height = kHeight;
-    if (!MapPixels(&document)) {
+    if (!MapPixels(Sharing::none, &document)) {
         std::exit(1);
     }
     const auto bytes = static_cast<int64_t>(SampleBytes(document));
