@@ -23,6 +23,7 @@ Plugin plugin;
 MaybeFailure TakeSettings(const Options &options, FilterSettings *settings) {
     settings->selection = {options.selection, options.maskFile};
     settings->save = {options.compressionLevel};
+    settings->range = options.range;
     FilterOrders *orders = &settings->orders;
     if (options.dialog) {
         orders->user = DialogUser::person;

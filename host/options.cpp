@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "host/filter/plugin.h"
+#include "host/picture/sample_range.h"
 #include "host/picture/selection.h"
 #include "host/work/file_task.h"
 #include "hybridmedian/public.h"
@@ -72,6 +73,7 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
         static_cast<int32_t>(std::clamp(std::thread::hardware_concurrency(), 1u, unsigned{kMaxJobs}));
     std::optional<double> radius;
     std::string selection;
+    std::string range;
     CLI::App app("Removes noise from pictures and keeps their edges and fine lines.", "hymedian");
     app.add_option("INPUT", options->inputFiles, "The pictures: PNG, JPEG, TIFF or WebP");
     app.add_option("-o,--output", options->output,
@@ -91,6 +93,9 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
     app.add_option("--select", selection, "Filter this rectangle alone")->type_name("X,Y,W,H");
     app.add_option("--mask", options->maskFile, "Filter as far as this grey picture is white")
         ->type_name("FILE");
+    app.add_option("--range", range,
+                   "The floats that are filtered as black and white; without it, the least and greatest")
+        ->type_name("A,B");
     app.add_option("--compare", options->comparisonFile, "Write before and after, side by side")
         ->type_name("FILE.png");
     app.add_option("-j,--jobs", options->jobs, "How many processes filter; without it, one per processor")
@@ -135,6 +140,10 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
     options->selection = ParseRect(selection);
     if (!selection.empty() && !options->selection) {
         return WrongUsage("--select " + selection + ": a rectangle is X,Y,W,H in pixels, and not empty");
+    }
+    options->range = ParseRange(range);
+    if (!range.empty() && !options->range) {
+        return WrongUsage("--range " + range + ": a range is A,B, two numbers of which the first is less");
     }
     return CheckOptions(*options);
 }

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/document/document.h"
 #include "host/report/failure.h"
 #include "photoshop/document_info.h"
 
@@ -18,6 +19,7 @@ struct Options {
     std::string maskFile;
     std::string comparisonFile;
     std::optional<VRect> selection;
+    std::optional<SampleRange> range;
     std::string pluginFolder;
     int32_t jobs = 1;
     std::optional<int32_t> maxMegapixels;

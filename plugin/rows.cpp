@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "colors/samples.h"
 #include "photoshop/image_modes.h"
-#include "plugin/samples.h"
 
 namespace {
 

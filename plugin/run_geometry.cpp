@@ -1,30 +1,22 @@
 #include "plugin/run_geometry.h"
 
 #include "photoshop/image_modes.h"
-#include "plugin/color_modes.h"
 
 namespace {
 
 constexpr int32_t kNoColorPlanes = 0;  // a mode that is not filtered
 constexpr int32_t kAllPlanes = -1;
 
-// First for samples of one byte, then for larger ones.
-constexpr ModeConversion kLab[] = {{_ConvertLAB8toRGB24, _ConvertRGB24toLAB8},
-                                   {_ConvertLAB16toRGB48, _ConvertRGB48toLAB16}};
-constexpr ModeConversion kCMYK[] = {{_ConvertCMYK8toRGB24, _ConvertRGB24toCMYK8},
-                                    {_ConvertCMYK16toRGB48, _ConvertRGB48toCMYK16}};
-
 struct Mode {
     int32_t colorPlanes;
     int32_t filteredPlanes;
-    const ModeConversion *conversions;
 };
-constexpr Mode kUnsupported = {kNoColorPlanes, 0, nullptr};
-constexpr Mode kGray = {1, 1, nullptr};
-constexpr Mode kRGB = {3, 3, nullptr};
-constexpr Mode kLabColor = {3, 3, kLab};
-constexpr Mode kCMYKColor = {4, 3, kCMYK};
-constexpr Mode kMultichannel = {kAllPlanes, kAllPlanes, nullptr};
+constexpr Mode kUnsupported = {kNoColorPlanes, 0};
+constexpr Mode kGray = {1, 1};
+constexpr Mode kRGB = {3, 3};
+constexpr Mode kLabColor = {3, 3};
+constexpr Mode kCMYKColor = {4, 3};
+constexpr Mode kMultichannel = {kAllPlanes, kAllPlanes};
 
 // Indexed by image mode.
 constexpr Mode kModes[plugInModeCount] = {
@@ -71,8 +63,7 @@ OSErr GetRunGeometry(const PluginState *state, RunGeometry *run) {
     const Mode mode = ModeOf(record->imageMode);
     run->colorPlanes = mode.colorPlanes == kAllPlanes ? run->planes : mode.colorPlanes;
     run->filteredPlanes = mode.filteredPlanes == kAllPlanes ? run->planes : mode.filteredPlanes;
-    run->conversion =
-        mode.conversions == nullptr ? nullptr : &mode.conversions[run->sampleBytes == 1 ? 0 : 1];
+    run->conversion = ConversionOf(record->imageMode, run->sampleBytes);
     run->extraPlanes = run->planes - run->colorPlanes;
     run->row = record->outRect.top - record->filterRect.top;
     if (IsEmpty(record->filterRect) || run->width > INT16_MAX || run->height > INT16_MAX) {

@@ -2,15 +2,10 @@
 // document's mode.
 #pragma once
 
+#include "colors/color_modes.h"
 #include "photoshop/filter_record.h"
 #include "platform/types.h"
 #include "plugin/plugin_state.h"
-
-// Turns the colour planes of a row into RGB and back, in place.
-struct ModeConversion {
-    void (*toRGB)(void *row, int32_t width);
-    void (*fromRGB)(void *row, int32_t width);
-};
 
 struct RunGeometry {
     int32_t sampleBytes;  // 1, 2 or 4

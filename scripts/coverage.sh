@@ -12,7 +12,7 @@ cmake --build --preset coverage
 find build/coverage -name '*.gcda' -delete
 ctest --preset coverage >build/coverage/tests.log || { tail -30 build/coverage/tests.log >&2; exit 1; }
 
-folders="platform photoshop toolkit imagestore log settings median dialog hybridmedian plugin resources host samples"
+folders="platform photoshop colors toolkit imagestore log settings median dialog hybridmedian plugin resources host samples"
 gcovr --root . --filter "^(${folders// /|})/" --csv build/coverage/files.csv build/coverage
 awk -F, -v order="$folders" '
     NR > 1 { split($1, path, "/"); lines[path[1]] += $2; covered[path[1]] += $3; all += $2; hit += $3 }

@@ -3,7 +3,10 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
+
+#include "photoshop/image_modes.h"
 
 namespace {
 
@@ -27,6 +30,25 @@ void PixelUnmapper::operator()(uint8_t *pixels) const {
     if (descriptor >= 0) {
         close(descriptor);
     }
+}
+
+int16_t ShownMode(const DocumentShape &document) {
+    switch (document.imageMode) {
+        case plugInModeGray32:
+            return plugInModeGray16;
+        case plugInModeRGB96:
+            return plugInModeRGB48;
+        default:
+            return document.imageMode;
+    }
+}
+
+int32_t ShownDepth(const DocumentShape &document) {
+    return std::min(document.depth, 16);
+}
+
+int32_t ShownPlanes(const DocumentShape &document) {
+    return document.colorPlanes + (document.transparency != 0 ? 1 : 0);
 }
 
 int32_t SampleBytes(const DocumentShape &document) {

@@ -22,12 +22,21 @@ struct PixelUnmapper {
 };
 using PixelBlock = std::unique_ptr<uint8_t[], PixelUnmapper>;
 
+// The floats of a document that the filter is shown as black and as white.
+struct SampleRange {
+    float least = 0;
+    float greatest = 1;
+};
+
 // What a document is, apart from its samples.
 struct DocumentShape {
     int16_t imageMode = 0;    // as in photoshop/image_modes.h
     int32_t depth = 0;        // bits per sample: 8, 16 or 32
     int32_t colorPlanes = 0;  // as the mode has them
     int32_t planes = 0;       // colour planes first, then extra planes
+    // The extra plane that is transparency, 0 for none. The filter is shown no other extra plane.
+    int32_t transparency = 0;
+    SampleRange range;  // of a document of floats
     int32_t width = 0;
     int32_t height = 0;
     Fixed horizontalResolution = 0;  // pixels per inch
@@ -49,6 +58,11 @@ struct Document : DocumentShape {
     // How much of a pixel is selected: one byte per pixel, 255 being all of it. Null when everything is.
     PixelBlock mask;
 };
+
+// What the filter is shown of the document: colours and transparency, and floats as 16-bit samples.
+int16_t ShownMode(const DocumentShape &document);
+int32_t ShownDepth(const DocumentShape &document);
+int32_t ShownPlanes(const DocumentShape &document);
 
 int32_t SampleBytes(const DocumentShape &document);
 int64_t RowBytes(const DocumentShape &document);

@@ -66,7 +66,7 @@ bool LiesInside(const Run &run, const Area &area) {
     const VRect &framed = run.tile.framed;
     return area.rect.left >= framed.left && area.rect.top >= framed.top && area.rect.right <= framed.right &&
            area.rect.bottom <= framed.bottom && area.loPlane >= 0 && area.loPlane <= area.hiPlane &&
-           area.hiPlane < run.document->planes;
+           area.hiPlane < ShownPlanes(*run.document);
 }
 
 // Always longer than the pixels need, so that filters do not come to count on packed rows.
@@ -94,7 +94,7 @@ OSErr Deliver(const Run &run, const PixelBlock &pixels, const Rect &rect, int16_
         return filterBadParameters;
     }
     const Document &document = *run.document;
-    area.rowBytes = PaddedRowBytes(WidthOf(area.rect) * (hiPlane - loPlane + 1) * SampleBytes(document));
+    area.rowBytes = PaddedRowBytes(WidthOf(area.rect) * (hiPlane - loPlane + 1) * ShownDepth(document) / 8);
     delivery->rows = MakeOwnedBlock<uint8_t>(int64_t{area.rowBytes} * HeightOf(area.rect));
     if (delivery->rows == nullptr) {
         return memFullErr;
@@ -141,15 +141,16 @@ OSErr DeliverMask(Run *run) {
 
 // How samples are laid out in the rows, for filters that do not assume interleaving.
 void DescribeLayout(const Document &document, FilterRecord *record) {
-    record->inPlaneBytes = SampleBytes(document);
-    record->outPlaneBytes = SampleBytes(document);
-    record->inColumnBytes = (record->inHiPlane - record->inLoPlane + 1) * SampleBytes(document);
-    record->outColumnBytes = (record->outHiPlane - record->outLoPlane + 1) * SampleBytes(document);
+    const int32_t sampleBytes = ShownDepth(document) / 8;
+    record->inPlaneBytes = sampleBytes;
+    record->outPlaneBytes = sampleBytes;
+    record->inColumnBytes = (record->inHiPlane - record->inLoPlane + 1) * sampleBytes;
+    record->outColumnBytes = (record->outHiPlane - record->outLoPlane + 1) * sampleBytes;
 }
 
 int64_t MaxRequests(const Run &run) {
     const VRect &framed = run.tile.framed;
-    return kMaxPasses * run.document->planes * std::max(WidthOf(framed), HeightOf(framed));
+    return kMaxPasses * ShownPlanes(*run.document) * std::max(WidthOf(framed), HeightOf(framed));
 }
 
 OSErr Report(std::string_view message, Run *run) {
@@ -208,8 +209,8 @@ void FillDocumentInfo(Run *run) {
     Document &document = *run->document;
     ReadImageDocumentDesc *info = &run->documentInfo;
     info->maxVersion = 1;
-    info->imageMode = document.imageMode;
-    info->depth = document.depth;
+    info->imageMode = ShownMode(document);
+    info->depth = ShownDepth(document);
     info->bounds = {0, 0, HeightOf(run->tile.framed), WidthOf(run->tile.framed)};
     info->hResolution = document.horizontalResolution;
     info->vResolution = document.verticalResolution;
@@ -232,12 +233,12 @@ void FillRecord(Run *run) {
     const bool partly = document.mask != nullptr || (!run->request->tile && document.selection);
     const Point size = {static_cast<int16_t>(HeightOf(framed)), static_cast<int16_t>(WidthOf(framed))};
     const auto colorPlanes = static_cast<int16_t>(document.colorPlanes);
-    const auto extraPlanes = static_cast<int16_t>(document.planes - document.colorPlanes);
+    const auto extraPlanes = static_cast<int16_t>(ShownPlanes(document) - document.colorPlanes);
     FilterRecord *record = &run->record;
     record->abortProc = AbortAsked;
     record->progressProc = ShowProgress;
     record->imageSize = size;
-    record->planes = static_cast<int16_t>(document.planes);
+    record->planes = static_cast<int16_t>(ShownPlanes(document));
     record->filterRect = Narrow(filtered, framed);
     record->haveMask = document.mask != nullptr;
     record->autoMask = document.mask != nullptr;
@@ -246,7 +247,7 @@ void FillRecord(Run *run) {
     record->maxSpace = INT32_MAX;
     record->bufferSpace = INT32_MAX;
     record->hostSig = kHostSignature;
-    record->imageMode = document.imageMode;
+    record->imageMode = ShownMode(document);
     record->imageHRes = document.horizontalResolution;
     record->imageVRes = document.verticalResolution;
     record->wholeSize = size;
@@ -261,7 +262,7 @@ void FillRecord(Run *run) {
     record->descriptorParameters = &run->descriptorParameters;
     record->errorString = &run->errorString;
     record->documentInfo = &run->documentInfo;
-    record->depth = document.depth;
+    record->depth = ShownDepth(document);
 }
 
 OSErr Call(Run *run, int16_t selector) {

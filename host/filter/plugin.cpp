@@ -94,7 +94,7 @@ MaybeFailure OpenPlugin(const std::string &folder, Plugin *plugin) {
 
 MaybeFailure CheckMode(const PluginInfo &info, const Document &document, const std::string &file) {
     const auto &modes = info.modes;
-    return std::find(modes.begin(), modes.end(), document.imageMode) != modes.end()
+    return std::find(modes.begin(), modes.end(), ShownMode(document)) != modes.end()
                ? std::nullopt
                : MaybeFailure(FileFailure(file, "its colour mode is " + ModeName(document.imageMode) +
                                                     ", which the plug-in does not filter"));

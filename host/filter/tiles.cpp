@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
+#include "host/document/original_pixels.h"
+#include "hybridmedian/public.h"
+
 namespace {
 
 struct Span {
@@ -42,6 +45,12 @@ int64_t AreaOf(const Tile &tile) {
     return int64_t{WidthOf(tile.core)} * HeightOf(tile.core);
 }
 
+// How far the filter has looked, as it has recorded itself; if it has not, as far as it can.
+int32_t RadiusOf(const Action &recorded) {
+    const ActionItem *item = FindItem(recorded, kRadiusKey);
+    return item == nullptr ? kMaxRadius : static_cast<int32_t>(ClampRadius(static_cast<float>(item->number)));
+}
+
 }  // namespace
 
 std::vector<Tile> CutIntoTiles(const VRect &core, const VRect &area, int32_t maxSide) {
@@ -63,7 +72,13 @@ FilterOutcome RunTile(const FilterRequest &request, const Tile &tile) {
     if (!IsWhole(*request.document, tile)) {
         ofTile.tile = tile;
     }
-    return RunFilter(ofTile);
+    FilterOutcome outcome = RunFilter(ofTile);
+    const FilteredPart part = {tile.core, ofTile.tile ? tile.framed : tile.core, RadiusOf(outcome.recorded)};
+    if (outcome.result == noErr && !RestoreOriginals(part, request.watcher.cancelled, request.document)) {
+        ResetDestination(request.document, tile.core);
+        outcome.result = userCanceledErr;
+    }
+    return outcome;
 }
 
 FilterOutcome RunTiles(const FilterRequest &request, const std::vector<Tile> &tiles) {

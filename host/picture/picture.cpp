@@ -14,6 +14,7 @@
 #include "host/picture/file_probe.h"
 #include "host/picture/picture_mode.h"
 #include "host/picture/picture_samples.h"
+#include "host/picture/raw_source.h"
 #include "platform/posix_paths.h"
 
 namespace {
@@ -90,9 +91,8 @@ MaybeFailure Unreadable(const std::string &file) {
     return FileFailure(file, "cannot be read: " + TakeVipsError());
 }
 
-// A source takes the name as it is; in a plain file name the library would look for options.
 MaybeFailure OpenImage(const std::string &file, OwnedObject<VipsImage> *image) {
-    const OwnedObject<VipsSource> source(vips_source_new_from_file(file.c_str()));
+    const OwnedObject<VipsSource> source = OpenRawSource(file);
     if (source == nullptr) {
         return Unreadable(file);
     }
@@ -103,6 +103,11 @@ MaybeFailure OpenImage(const std::string &file, OwnedObject<VipsImage> *image) {
     }
     image->reset(vips_image_new_from_source(source.get(), "", "access", VIPS_ACCESS_SEQUENTIAL, "fail_on",
                                             VIPS_FAIL_ON_TRUNCATED, nullptr));
+    if (*image != nullptr && IsLabTiff(file)) {
+        VipsImage *lab = nullptr;
+        vips_copy(image->get(), &lab, "interpretation", VIPS_INTERPRETATION_LAB, nullptr);
+        image->reset(lab);
+    }
     if (*image != nullptr) {
         return std::nullopt;
     }
@@ -120,7 +125,7 @@ int32_t IntegerField(VipsImage *image, const char *name) {
     return value;
 }
 
-MaybeFailure CheckShape(const std::string &file, VipsImage *image, int32_t depth) {
+MaybeFailure CheckShape(const std::string &file, VipsImage *image) {
     const VipsInterpretation interpretation = vips_image_get_interpretation(image);
     const int32_t width = vips_image_get_width(image);
     const int32_t height = vips_image_get_height(image);
@@ -132,14 +137,15 @@ MaybeFailure CheckShape(const std::string &file, VipsImage *image, int32_t depth
         {IntegerField(image, "n-pages") > 1 || IntegerField(image, "n-subifds") > 0 || IsAnimatedPng(file),
          "it has several pages or frames, of which only the first would be left"},
         {width < 1 || height < 1, "the picture is empty"},
-        {colorPlanes == 0 || PlanesOf(image) < colorPlanes,
+        {colorPlanes == 0 || vips_image_get_bands(image) < colorPlanes,
          "its colour mode is " + ColorSpaceName(interpretation) +
              ", and only grey, RGB, Lab and CMYK can be filtered"},
-        {ModeOfFile(interpretation, vips_image_get_format(image), depth) == nullptr,
+        {ModeOfFile(interpretation, vips_image_get_format(image)) == nullptr,
          std::string("its samples are of the kind '") +
              vips_enum_nick(VIPS_TYPE_BAND_FORMAT, vips_image_get_format(image)) +
              "', and only 8 bits, 16 bits and 32-bit floats can be filtered"},
-        {PlanesOf(image) > kMaxPlanes, "it has more than " + std::to_string(kMaxPlanes) + " channels"},
+        {vips_image_get_bands(image) > kMaxPlanes,
+         "it has more than " + std::to_string(kMaxPlanes) + " channels"},
     };
     for (const auto &[refused, reason] : checks) {
         if (refused) {
@@ -158,11 +164,26 @@ void FillShape(VipsImage *image, const PictureMode &mode, VipsImage *metadata, D
     document->imageMode = mode.imageMode;
     document->depth = ModeOf(mode.imageMode).depth;
     document->colorPlanes = ModeOf(mode.imageMode).colorPlanes;
-    document->planes = PlanesOf(image);
+    document->planes = vips_image_get_bands(image);
     document->width = vips_image_get_width(image);
     document->height = vips_image_get_height(image);
     document->horizontalResolution = PixelsPerInch(vips_image_get_xres(metadata));
     document->verticalResolution = PixelsPerInch(vips_image_get_yres(metadata));
+}
+
+// Only in TIFF files can an extra channel be anything else than transparency.
+std::vector<uint16_t> KindsOfExtraPlanes(const std::string &file, bool isTiff, const Document &document) {
+    std::vector<uint16_t> kinds = isTiff ? TiffExtraSamples(file) : std::vector<uint16_t>{kUnassociatedAlpha};
+    kinds.resize(static_cast<size_t>(document.planes - document.colorPlanes), kUnspecifiedExtra);
+    return kinds;
+}
+
+// The plane of the first one that is transparency; 0 without one.
+int32_t TransparencyAmong(const std::vector<uint16_t> &kinds, int32_t colorPlanes) {
+    const auto found = std::find_if(kinds.begin(), kinds.end(), [](uint16_t kind) {
+        return kind == kAssociatedAlpha || kind == kUnassociatedAlpha;
+    });
+    return found == kinds.end() ? 0 : colorPlanes + static_cast<int32_t>(found - kinds.begin());
 }
 
 // Pixels per millimetre, from a field such as "exif-ifd0-XResolution"; 0 without one.
@@ -213,17 +234,17 @@ MaybeFailure OpenPicture(const std::string &file, Picture *picture) {
         return failure;
     }
     VipsImage *image = picture->unread.get();
-    const int32_t depth = TiffDepth(file);
-    if (MaybeFailure failure = CheckShape(file, image, depth)) {
+    if (MaybeFailure failure = CheckShape(file, image)) {
         return failure;
     }
-    picture->form = FormOf(image, depth);
     VipsImage *metadata = vips_image_new();
     picture->metadata.reset(metadata);
     CopyMetadata(image, metadata);
     CompleteResolution(metadata);
-    FillShape(image, *ModeOfFile(vips_image_get_interpretation(image), vips_image_get_format(image), depth),
+    FillShape(image, *ModeOfFile(vips_image_get_interpretation(image), vips_image_get_format(image)),
               metadata, &picture->document);
+    picture->extraSamples = KindsOfExtraPlanes(file, TiffDepth(file) != 0, picture->document);
+    picture->document.transparency = TransparencyAmong(picture->extraSamples, picture->document.colorPlanes);
     picture->document.file = SpecOf(file);
     return std::nullopt;
 }
@@ -263,8 +284,7 @@ MaybeFailure ReadRows(RowReader *reader, int32_t count, Document *document, int6
     std::vector<uint8_t> row(static_cast<size_t>(RowBytes(*document)));
     const auto rowStep = static_cast<int64_t>(region->bpl);
     for (int64_t y = 0; y < count; ++y) {
-        TakeSamples(picture->form, region->data + (strip.top + y - region->valid.top) * rowStep, *document,
-                    row.data());
+        TakeSamples(region->data + (strip.top + y - region->valid.top) * rowStep, *document, row.data());
         if (!FillRow(document, to + y, row.data())) {
             return TooLittleMemory(picture->file);
         }

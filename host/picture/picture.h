@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "host/document/document.h"
 #include "host/picture/picture_samples.h"
@@ -16,7 +17,7 @@ struct Picture {
     OwnedObject<VipsImage> metadata;
     // The open file, until its pixels have been read.
     OwnedObject<VipsImage> unread;
-    SampleForm form = SampleForm::asInFile;
+    std::vector<uint16_t> extraSamples;  // the kind of each extra plane, as in file_probe.h
 };
 
 // Opens the file and fills in everything but the document's blocks. Refuses what cannot be filtered, and

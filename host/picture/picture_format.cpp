@@ -89,13 +89,19 @@ int32_t ExtraPlanes(const Document &document) {
     return document.planes - document.colorPlanes;
 }
 
+// Formats that only hold one extra channel take it for transparency.
+bool HoldsKinds(const PictureFormat &format, const Document &document) {
+    return format.maxExtraPlanes > 1 || ExtraPlanes(document) == 0 || document.transparency != 0;
+}
+
 int32_t LongerSide(const Document &document) {
     return std::max(document.width, document.height);
 }
 
 bool Holds(const PictureFormat &format, const Document &document) {
     return HoldsColors(format, document) && document.depth <= format.maxDepth &&
-           ExtraPlanes(document) <= format.maxExtraPlanes && LongerSide(document) <= format.maxSide;
+           ExtraPlanes(document) <= format.maxExtraPlanes && HoldsKinds(format, document) &&
+           LongerSide(document) <= format.maxSide;
 }
 
 // ".png or .tif"
@@ -139,6 +145,7 @@ MaybeFailure CheckFormatHolds(const PictureFormat &format, const Document &docum
         {ExtraPlanes(document) > format.maxExtraPlanes,
          ExtraPlanes(document) == 1 ? "extra channel"
                                     : std::to_string(ExtraPlanes(document)) + " extra channels"},
+        {!HoldsKinds(format, document), "channel that is not transparency"},
         {LongerSide(document) > format.maxSide,
          "side of " + std::to_string(LongerSide(document)) + " pixels"},
     };

@@ -32,7 +32,6 @@ constexpr ColorSpace kColorSpaces[] = {
     {VIPS_INTERPRETATION_sRGB, 3, "RGB"},  {VIPS_INTERPRETATION_RGB, 3, "RGB"},
     {VIPS_INTERPRETATION_RGB16, 3, "RGB"}, {VIPS_INTERPRETATION_scRGB, 3, "RGB"},
     {VIPS_INTERPRETATION_CMYK, 4, "CMYK"}, {VIPS_INTERPRETATION_LAB, 3, "Lab"},
-    {VIPS_INTERPRETATION_LABS, 3, "Lab"},  {VIPS_INTERPRETATION_LABQ, 3, "Lab"},
     {VIPS_INTERPRETATION_XYZ, 0, "XYZ"},   {VIPS_INTERPRETATION_MULTIBAND, 0, "multichannel"},
 };
 
@@ -45,14 +44,11 @@ const ColorSpace *FindColorSpace(VipsInterpretation interpretation) {
 
 }  // namespace
 
-const PictureMode *ModeOfFile(VipsInterpretation interpretation, VipsBandFormat format, int32_t depth) {
+const PictureMode *ModeOfFile(VipsInterpretation interpretation, VipsBandFormat format) {
     const ColorSpace *space = FindColorSpace(interpretation);
-    // The library delivers some Lab pictures, of either depth, as signed 16-bit samples.
-    const bool signedLab = format == VIPS_FORMAT_SHORT && interpretation == VIPS_INTERPRETATION_LABS;
-    const VipsBandFormat kept = !signedLab ? format : depth == 8 ? VIPS_FORMAT_UCHAR : VIPS_FORMAT_USHORT;
     const auto *found = std::find_if(std::begin(kModes), std::end(kModes), [=](const PictureMode &mode) {
         return space != nullptr && std::strcmp(ModeOf(mode.imageMode).colors, space->name) == 0 &&
-               mode.format == kept;
+               mode.format == format;
     });
     return found == std::end(kModes) ? nullptr : found;
 }

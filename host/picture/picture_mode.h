@@ -18,9 +18,8 @@ struct PictureMode {
     uint16_t flips[kMaxColorPlanes];
 };
 
-// Null for an unsupported colour space or sample format. `depth` is that of the file's samples, which the
-// library may deliver as something else.
-const PictureMode *ModeOfFile(VipsInterpretation interpretation, VipsBandFormat format, int32_t depth);
+// Null for an unsupported colour space or sample format.
+const PictureMode *ModeOfFile(VipsInterpretation interpretation, VipsBandFormat format);
 // For a document's mode, which is always known.
 const PictureMode &ModeOfDocument(int16_t imageMode);
 

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <vector>
 
+#include "host/picture/file_probe.h"
 #include "host/picture/picture_mode.h"
 
 namespace {
@@ -38,8 +39,32 @@ int GenerateRows(VipsRegion *region, void *, void *data, void *, gboolean *) {
     return 0;
 }
 
+bool IsPremultiplied(const Picture &picture) {
+    const Document &document = picture.document;
+    return document.transparency != 0 &&
+           picture.extraSamples[static_cast<size_t>(document.transparency - document.colorPlanes)] ==
+               kAssociatedAlpha;
+}
+
+// Divides the transparency out of the colours.
+OwnedObject<VipsImage> Unpremultiplied(OwnedObject<VipsImage> image) {
+    VipsImage *divided = nullptr;
+    if (image == nullptr || vips_unpremultiply(image.get(), &divided, nullptr) != 0) {
+        return nullptr;
+    }
+    const OwnedObject<VipsImage> fractions(divided);
+    VipsImage *rounded = nullptr;
+    vips_rint(divided, &rounded, nullptr);
+    const OwnedObject<VipsImage> whole(rounded);
+    VipsImage *made = nullptr;
+    if (rounded != nullptr) {
+        vips_cast(rounded, &made, image->BandFmt, nullptr);
+    }
+    return OwnedObject<VipsImage>(made);
+}
+
 // An image without pixels of its own. One thread asks for its rows, so that they come in order.
-OwnedObject<VipsImage> ImageOf(const Picture &picture, const RowSource *rows) {
+OwnedObject<VipsImage> ImageOf(const Picture &picture, const PictureFormat &format, const RowSource *rows) {
     const Document &document = picture.document;
     const PictureMode &mode = ModeOfDocument(document.imageMode);
     OwnedObject<VipsImage> image(vips_image_new());
@@ -56,6 +81,10 @@ OwnedObject<VipsImage> ImageOf(const Picture &picture, const RowSource *rows) {
     if (image != nullptr) {
         image->Type = mode.interpretation;
     }
+    // Only TIFF, which holds any channel, has an alpha of this kind.
+    if (format.maxExtraPlanes == 1 && IsPremultiplied(picture)) {
+        image = Unpremultiplied(std::move(image));
+    }
     return image;
 }
 
@@ -63,8 +92,14 @@ OwnedObject<VipsImage> ImageOf(const Picture &picture, const RowSource *rows) {
 
 MaybeFailure WritePicture(const Picture &picture, const PictureFormat &format, const SaveOptions &options,
                           const std::string &path, const std::string &outputFile, const RowSource &rows) {
-    const OwnedObject<VipsImage> image = ImageOf(picture, &rows);
-    return image == nullptr || format.save(image.get(), path.c_str(), options) != 0
-               ? MaybeFailure(FileFailure(outputFile, "cannot be written: " + TakeVipsError()))
-               : std::nullopt;
+    const OwnedObject<VipsImage> image = ImageOf(picture, format, &rows);
+    if (image == nullptr || format.save(image.get(), path.c_str(), options) != 0) {
+        return FileFailure(outputFile, "cannot be written: " + TakeVipsError());
+    }
+    // The library calls all of a TIFF's extra channels transparency. Other formats have no such thing to
+    // change.
+    if (!picture.extraSamples.empty()) {
+        ChangeTiffExtraSamples(path, picture.extraSamples);
+    }
+    return std::nullopt;
 }

@@ -71,9 +71,15 @@ uint16_t Blend(uint16_t result, uint16_t source, uint32_t selected) {
                                  kSelected);
 }
 
+// What is not finite has no blend.
 float Blend(float result, float source, uint32_t selected) {
-    return static_cast<float>((selected * double{result} + (kSelected - selected) * double{source}) /
-                              kSelected);
+    if (selected == kSelected || !std::isfinite(source)) {
+        return result;
+    }
+    return selected == 0
+               ? source
+               : static_cast<float>((selected * double{result} + (kSelected - selected) * double{source}) /
+                                    kSelected);
 }
 
 template <typename Sample>

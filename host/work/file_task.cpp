@@ -11,6 +11,7 @@
 #include "host/picture/comparison.h"
 #include "host/picture/picture_format.h"
 #include "host/picture/picture_writer.h"
+#include "host/picture/sample_range.h"
 
 namespace fs = std::filesystem;
 
@@ -35,10 +36,6 @@ MaybeFailure CheckPlaces(const FileRequest &request) {
 
 std::string WordsOn(const Picture &picture, const Action &recorded) {
     std::string words = DescribePicture(picture);
-    // The filter hands 32-bit pictures back unfiltered.
-    if (picture.document.depth == 32) {
-        words += ", passed through unfiltered";
-    }
     if (const ActionItem *item = FindItem(recorded, kRadiusKey)) {
         char text[32];
         // A fraction has no effect, so it is not shown.
@@ -159,6 +156,9 @@ MaybeFailure DoFileTask(const FileTask &task, const FilterPlace &place, const Wa
     const Watcher silent = {[](double) {}, watcher.cancelled};
     if (MaybeFailure failure =
             Select(task.settings.selection, task.inputFile, sharing, silent, &picture->document)) {
+        return failure;
+    }
+    if (MaybeFailure failure = ChooseRange(task.settings.range, task.inputFile, silent, &picture->document)) {
         return failure;
     }
     const auto write = [&](const RowSource &rows) {

@@ -18,6 +18,7 @@ struct FilterSettings {
     FilterOrders orders;
     Selection selection;
     SaveOptions save;
+    std::optional<SampleRange> range;  // of floats
 };
 
 struct FileRequest {

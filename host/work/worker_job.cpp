@@ -37,7 +37,7 @@ bool TakeTask(std::string_view *packed, FileTask *task) {
     return TakeText(packed, &task->inputFile) && TakeNames(packed, &task->outputs) &&
            TakeNames(packed, &task->written) && TakeOrders(packed, &task->settings.orders) &&
            TakeText(packed, &selection->maskFile) && TakeRecord(packed, &selection->rect) &&
-           TakeRecord(packed, &task->settings.save);
+           TakeRecord(packed, &task->settings.save) && TakeRecord(packed, &task->settings.range);
 }
 
 bool TakeBand(std::string_view *packed, BandJob *job) {
@@ -66,6 +66,7 @@ std::string PackFileJob(const std::string &pluginFolder, const FileTask &task) {
     AppendText(&packed, selection.maskFile);
     AppendRecord(&packed, selection.rect);
     AppendRecord(&packed, task.settings.save);
+    AppendRecord(&packed, task.settings.range);
     return packed;
 }
 

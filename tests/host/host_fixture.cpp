@@ -23,6 +23,7 @@ Document RandomDocument(int16_t mode, int32_t depth, int32_t colorPlanes, int32_
     document.depth = depth;
     document.colorPlanes = colorPlanes;
     document.planes = planes;
+    document.transparency = planes > colorPlanes ? colorPlanes : 0;
     document.width = width;
     document.height = height;
     MapPixels(Sharing::none, &document);

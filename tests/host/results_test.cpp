@@ -1,4 +1,8 @@
 // The contents of the files that the program writes.
+#include <cmath>
+#include <random>
+#include <unordered_set>
+
 #include "host/picture/picture.h"
 #include "median/plain/plain_filter.h"
 #include "tests/host/program_fixture.h"
@@ -50,6 +54,46 @@ std::vector<uint8_t> PixelsOf(const std::string &file) {
     EXPECT_FALSE(ReadPixels(&picture, {}));
     const uint8_t *pixels = picture.document.source.get();
     return {pixels, pixels + PixelBytes(picture.document)};
+}
+
+// Floats of any size, of which some are not finite.
+TEST_F(Program, FloatsAreFilteredAndStayFloatsOfThePicture) {
+    constexpr int kWidth = 600;
+    constexpr int kHeight = 500;
+    std::vector<float> samples(kWidth * kHeight);
+    std::mt19937 generator(5);
+    std::generate(samples.begin(), samples.end(), [&] {
+        const auto bits = static_cast<uint32_t>(generator());
+        return bits % 50 == 0 ? NAN : static_cast<float>(bits % 100'000) - 7e6F;
+    });
+    std::unordered_set<float> originals;
+    std::copy_if(samples.begin(), samples.end(), std::inserter(originals, originals.end()),
+                 [](float sample) { return !std::isnan(sample); });
+    const OwnedObject<VipsImage> image(vips_image_new_from_memory(
+        samples.data(), samples.size() * sizeof(float), kWidth, kHeight, 1, VIPS_FORMAT_FLOAT));
+    ASSERT_EQ(vips_tiffsave(image.get(), Path("in.tif").c_str(), nullptr), 0);
+    std::set<std::string> results;
+    for (const char *jobs : {"1", "2"}) {
+        for (const char *range : {"-7e6,-6900000", "-6960000,-6950000", ""}) {
+            std::vector<std::string> arguments = {"in.tif", "-o", "out.tif", "-f", "-r", "2", "--jobs", jobs};
+            if (*range != '\0') {
+                arguments.push_back(std::string("--range=") + range);
+            }
+            const Ended ended = Wait(Start(arguments));
+            ASSERT_EQ(ended.status, 0) << ended.err;
+            const std::vector<uint8_t> pixels = PixelsOf(Path("out.tif"));
+            const auto *after = reinterpret_cast<const float *>(pixels.data());
+            int changed = 0;
+            for (size_t i = 0; i < samples.size(); ++i) {
+                changed += !std::isnan(samples[i]) && after[i] != samples[i];
+                ASSERT_EQ(std::isnan(after[i]), std::isnan(samples[i])) << i;
+                ASSERT_TRUE(std::isnan(after[i]) || originals.contains(after[i])) << after[i];
+            }
+            EXPECT_GT(changed, kWidth * kHeight / 20) << range;
+            results.insert(ContentsOf(folder / "out.tif"));
+        }
+    }
+    EXPECT_EQ(results.size(), 3U) << "one for each range; the picture's own ends before 100000";
 }
 
 // Radii that an action cannot hold go through the filter's own dialog.

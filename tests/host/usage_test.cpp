@@ -23,6 +23,9 @@ TEST_F(Program, FailsWithOneSentenceOverOptions) {
         {"good.png -o new.png --dialog", 1, "Dialogs need"},
         {"good.png -o new.png --select 1,1,40,5", 2, "does not lie inside"},
         {"good.png -o new.png --select 1,1,0,5", 2, "1,1,0,5"},
+        {"good.png -o new.png --range 2,2", 2, "--range 2,2"},
+        {"good.png -o new.png --range 1", 2, "--range 1"},
+        {"good.png -o new.png --range 0,inf", 2, "--range 0,inf"},
         {"good.png -o new.png --jobs 0", 2, "jobs"},
     });
 }

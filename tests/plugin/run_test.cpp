@@ -2,10 +2,10 @@
 #include <bit>
 #include <cstring>
 
+#include "colors/color_modes.h"
 #include "hybridmedian/public.h"
 #include "photoshop/image_modes.h"
 #include "platform/memory.h"
-#include "plugin/color_modes.h"
 #include "plugin/entry.h"
 #include "settings/setting_registry.h"
 #include "tests/support/filtered_image.h"

@@ -199,28 +199,32 @@ TEST_F(FilterRun, SixteenBitScalesMeetAtBothEnds) {
     EXPECT_EQ(FileSample(40000), 65535) << "beyond white";
 }
 
-TEST_F(FilterRun, UntouchedExtraSamplesKeepEveryBit) {
-    Document document = RandomDocument(plugInModeRGB48, 16, 3, 5, 9, 6);
-    StandIn filter = {[](FilterRecord *record) { return AskRow(record, 0); },
-                      [](FilterRecord *record) {
-                          // Writes back what it was given, except for the last plane of the first pixel.
-                          std::memcpy(record->outData, record->inData,
-                                      static_cast<size_t>(record->outRowBytes));
-                          static_cast<uint16_t *>(record->outData)[4] = 1234;
-                          const auto next = static_cast<int16_t>(record->outRect.bottom);
-                          return next < record->imageSize.v ? AskRow(record, next) : AskNothing(record);
-                      },
-                      ""};
-    ASSERT_EQ(RunStandIn(&filter, &document).result, noErr);
-    const auto *source = reinterpret_cast<const uint16_t *>(document.source.get());
-    const auto *destination = reinterpret_cast<const uint16_t *>(document.destination.get());
-    for (int i = 0; i < 9 * 6 * 5; ++i) {
-        const bool color = i % 5 < 3;
-        const bool written = i % (9 * 5) == 4;
-        ASSERT_EQ(destination[i], written ? FileSample(1234)
-                                  : color ? FileSample(FilterSample(source[i]))
-                                          : source[i])
-            << i;
+TEST_F(FilterRun, UntouchedTransparencyKeepsEveryBitAndOtherChannelsAreNotShown) {
+    for (const int32_t transparency : {3, 4, 0}) {
+        Document document = RandomDocument(plugInModeRGB48, 16, 3, 5, 9, 6);
+        document.transparency = transparency;
+        const int shown = transparency == 0 ? 3 : 4;
+        StandIn filter = {[](FilterRecord *record) { return AskRow(record, 0); },
+                          [&](FilterRecord *record) {
+                              EXPECT_EQ(record->planes, shown);
+                              // Writes back what it was given, except for the last plane of the first pixel.
+                              std::memcpy(record->outData, record->inData,
+                                          static_cast<size_t>(record->outRowBytes));
+                              static_cast<uint16_t *>(record->outData)[shown - 1] = 1234;
+                              const auto next = static_cast<int16_t>(record->outRect.bottom);
+                              return next < record->imageSize.v ? AskRow(record, next) : AskNothing(record);
+                          },
+                          ""};
+        ASSERT_EQ(RunStandIn(&filter, &document).result, noErr);
+        const auto *source = reinterpret_cast<const uint16_t *>(document.source.get());
+        const auto *destination = reinterpret_cast<const uint16_t *>(document.destination.get());
+        for (int i = 0; i < 9 * 6 * 5; ++i) {
+            const bool written = i % (9 * 5) == (transparency == 0 ? 2 : transparency);
+            ASSERT_EQ(destination[i], written     ? FileSample(1234)
+                                      : i % 5 < 3 ? FileSample(FilterSample(source[i]))
+                                                  : source[i])
+                << i << " " << transparency;
+        }
     }
 }
 
@@ -243,9 +247,7 @@ TEST_F(FilterRun, BothWaysOfDrivingGiveTheSame) {
             ASSERT_NE(recorded, nullptr);
             EXPECT_EQ(recorded->number, 2.5);
             results[advance] = BytesOf(document, document.destination);
-            if (kind.depth < 32) {
-                EXPECT_NE(results[advance], BytesOf(document, document.source)) << "nothing was filtered";
-            }
+            EXPECT_NE(results[advance], BytesOf(document, document.source)) << "nothing was filtered";
         }
         EXPECT_EQ(results[0], results[1]);
     }

@@ -60,7 +60,7 @@ TEST_F(Tiles, GiveTheResultOfOneRun) {
                     document.mask[700] = 255;
                 }
                 const FilterRequest request = {&realFilter, &document, {action}, true, {}};
-                ASSERT_EQ(RunFilter(request).result, noErr);
+                ASSERT_EQ(RunTiles(request, {{SelectedRect(document), WholeRect(document)}}).result, noErr);
                 const std::vector<uint8_t> whole = BytesOf(document, document.destination);
                 const VRect selected = SelectedRect(document);
                 for (const int32_t maxSide : {30, 1000}) {

@@ -42,6 +42,7 @@ class PictureFile : public HostTest {
         const DocumentMode &known = ModeOf(mode);
         Picture picture;
         picture.document = RandomDocument(mode, known.depth, known.colorPlanes, planes, 30, 70);
+        picture.extraSamples.assign(static_cast<size_t>(planes - known.colorPlanes), kUnassociatedAlpha);
         VipsImage *metadata = vips_image_new();
         metadata->Xres = metadata->Yres = 11.811;
         vips_image_set_int(metadata, VIPS_META_ORIENTATION, 6);
@@ -95,6 +96,40 @@ TEST_F(PictureFile, SamplesComeBackAsTheyWere) {
         EXPECT_EQ(BytesOf(read.document, read.document.destination), expected);
         EXPECT_NEAR(read.document.horizontalResolution / 65536.0, 300, 0.5);
         EXPECT_EQ(Blob(read.metadata.get(), VIPS_META_XMP_NAME), kXMP);
+    }
+}
+
+TEST_F(PictureFile, ChannelsAreOfTheKindThatTheirFileSays) {
+    Picture picture = MakePicture(plugInModeRGB48, 4);
+    auto *samples = reinterpret_cast<uint16_t *>(picture.document.destination.get());
+    const uint16_t halfOpaque[] = {1000, 2000, 3000, 32768};
+    std::copy_n(halfOpaque, 4, samples);
+    const struct {
+        uint16_t kind;
+        int32_t transparency;
+        const char *trouble;  // of a PNG
+        uint16_t red;         // in the PNG
+    } cases[] = {{kUnspecifiedExtra, 0, "channel that is not transparency", 0},
+                 {kAssociatedAlpha, 3, "", 2000},
+                 {kUnassociatedAlpha, 3, "", 1000}};
+    for (const auto &test : cases) {
+        SCOPED_TRACE(test.kind);
+        picture.extraSamples = {test.kind};
+        ASSERT_EQ(Write(picture, "a.tif"), "");
+        Picture read;
+        ASSERT_EQ(Read("a.tif", &read), "");
+        EXPECT_EQ(read.document.transparency, test.transparency);
+        EXPECT_EQ(read.extraSamples, picture.extraSamples);
+        EXPECT_EQ(BytesOf(read.document, read.document.source),
+                  BytesOf(picture.document, picture.document.destination));
+        const std::string sentence = Write(read, "a.png");
+        ASSERT_EQ(sentence.empty(), test.red != 0) << sentence;
+        EXPECT_NE(sentence.find(test.trouble), std::string::npos) << sentence;
+        if (sentence.empty()) {
+            Picture png;
+            ASSERT_EQ(Read("a.png", &png), "");
+            EXPECT_EQ(*reinterpret_cast<uint16_t *>(png.document.source.get()), test.red);
+        }
     }
 }
 

@@ -2,6 +2,7 @@
 #include "host/picture/selection.h"
 
 #include <cmath>
+#include <numeric>
 
 #include "tests/host/host_fixture.h"
 
@@ -52,6 +53,16 @@ void ExpectBlended(int16_t mode, int32_t depth) {
 TEST_F(SelectionTest, BlendingRoundsToTheNearest) {
     ExpectBlended<uint8_t>(plugInModeGrayScale, 8);
     ExpectBlended<uint16_t>(plugInModeGray16, 16);
+}
+
+TEST_F(SelectionTest, BlendingLeavesInfinityAlone) {
+    Document document = RandomDocument(plugInModeGray32, 32, 1, 1, 256, 1);
+    std::fill_n(reinterpret_cast<float *>(document.source.get()), 256, INFINITY);
+    ResetDestination(&document, WholeRect(document));
+    document.mask = MapBlock(MaskBytes(document), Sharing::none);
+    std::iota(document.mask.get(), document.mask.get() + 256, uint8_t{0});
+    BlendByMask(0, 1, &document);
+    EXPECT_EQ(BytesOf(document, document.destination), BytesOf(document, document.source));
 }
 
 }  // namespace

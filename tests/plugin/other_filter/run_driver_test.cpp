@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "colors/samples.h"
 #include "photoshop/image_modes.h"
 #include "plugin/entry.h"
-#include "plugin/samples.h"
 #include "tests/plugin/other_filter/test_filter.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/test_host.h"

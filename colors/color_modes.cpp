@@ -1,10 +1,10 @@
-#include "plugin/color_modes.h"
+#include "colors/color_modes.h"
 
 #include <algorithm>
 #include <cmath>
 
+#include "colors/samples.h"
 #include "photoshop/image_modes.h"
-#include "plugin/samples.h"
 
 namespace {
 
@@ -183,4 +183,23 @@ void _ConvertRGB24toCMYK8(void *row, int32_t width) {
 
 void _ConvertRGB48toCMYK16(void *row, int32_t width) {
     ConvertRow<Depth16>(row, width, 3, 4, RGBToCMYK16);
+}
+
+const ModeConversion *ConversionOf(int16_t imageMode, int32_t sampleBytes) {
+    // First for samples of one byte, then for larger ones.
+    static constexpr ModeConversion kLab[] = {{_ConvertLAB8toRGB24, _ConvertRGB24toLAB8},
+                                              {_ConvertLAB16toRGB48, _ConvertRGB48toLAB16}};
+    static constexpr ModeConversion kCMYK[] = {{_ConvertCMYK8toRGB24, _ConvertRGB24toCMYK8},
+                                               {_ConvertCMYK16toRGB48, _ConvertRGB48toCMYK16}};
+    const int depth = sampleBytes == 1 ? 0 : 1;
+    switch (imageMode) {
+        case plugInModeLabColor:
+        case plugInModeLab48:
+            return &kLab[depth];
+        case plugInModeCMYKColor:
+        case plugInModeCMYK64:
+            return &kCMYK[depth];
+        default:
+            return nullptr;
+    }
 }

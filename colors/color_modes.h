@@ -19,3 +19,12 @@ void _ConvertCMYK8toRGB24(void *row, int32_t width);
 void _ConvertCMYK16toRGB48(void *row, int32_t width);
 void _ConvertRGB24toCMYK8(void *row, int32_t width);
 void _ConvertRGB48toCMYK16(void *row, int32_t width);
+
+struct ModeConversion {
+    void (*toRGB)(void *row, int32_t width);
+    void (*fromRGB)(void *row, int32_t width);
+};
+
+// How rows of a document mode become RGB and come back; null for modes whose rows stay as they are. Samples
+// of more than one byte count as 16-bit ones.
+const ModeConversion *ConversionOf(int16_t imageMode, int32_t sampleBytes);

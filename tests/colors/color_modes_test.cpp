@@ -1,4 +1,4 @@
-#include "plugin/color_modes.h"
+#include "colors/color_modes.h"
 
 #include <gtest/gtest.h>
 
