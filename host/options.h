@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/picture/storage.h"
 #include "host/report/failure.h"
 #include "photoshop/document_info.h"
 
@@ -25,6 +26,8 @@ struct Options {
     bool dialog = false;
     bool inPlace = false;
     bool force = false;
+    StorageChoice storage;
+    bool stamp = false;
     bool quiet = false;
     bool info = false;
     // The answer to --help or --version; nothing else is done then.

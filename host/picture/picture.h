@@ -5,6 +5,7 @@
 
 #include "host/document/document.h"
 #include "host/picture/picture_samples.h"
+#include "host/picture/storage.h"
 #include "host/picture/vips_library.h"
 #include "host/report/failure.h"
 #include "host/report/watcher.h"
@@ -17,6 +18,7 @@ struct Picture {
     // The open file, until its pixels have been read.
     OwnedObject<VipsImage> unread;
     SampleForm form = SampleForm::asInFile;
+    Storage storage;  // of the file, and then of the output
 };
 
 // Opens the file and fills in everything but the document's blocks. Refuses what cannot be filtered, and

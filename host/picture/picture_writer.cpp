@@ -64,7 +64,7 @@ OwnedObject<VipsImage> ImageOf(const Picture &picture, const RowSource *rows) {
 MaybeFailure WritePicture(const Picture &picture, const PictureFormat &format, const SaveOptions &options,
                           const std::string &path, const std::string &outputFile, const RowSource &rows) {
     const OwnedObject<VipsImage> image = ImageOf(picture, &rows);
-    return image == nullptr || format.save(image.get(), path.c_str(), options) != 0
+    return image == nullptr || format.save(image.get(), path.c_str(), picture.storage, options) != 0
                ? MaybeFailure(FileFailure(outputFile, "cannot be written: " + TakeVipsError()))
                : std::nullopt;
 }
