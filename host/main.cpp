@@ -22,7 +22,7 @@ Plugin plugin;
 
 MaybeFailure TakeSettings(const Options &options, FilterSettings *settings) {
     settings->selection = {options.selection, options.maskFile};
-    settings->save = {options.compressionLevel};
+    settings->save = {options.compressionLevel, options.storage, options.stamp};
     settings->range = options.range;
     FilterOrders *orders = &settings->orders;
     if (options.dialog) {

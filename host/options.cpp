@@ -72,10 +72,10 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
     options->jobs =
         static_cast<int32_t>(std::clamp(std::thread::hardware_concurrency(), 1u, unsigned{kMaxJobs}));
     std::optional<double> radius;
-    std::string selection;
-    std::string range;
+    std::optional<int32_t> quality;
+    std::string selection, range, compression;
     CLI::App app("Removes noise from pictures and keeps their edges and fine lines.", "hymedian");
-    app.add_option("INPUT", options->inputFiles, "The pictures: PNG, JPEG, TIFF or WebP");
+    app.add_option("INPUT", options->inputFiles, "The pictures: PNG, JPEG, TIFF, WebP, PPM, PAM or GIF");
     app.add_option("-o,--output", options->output,
                    "The filtered picture, whose suffix decides the format; or the folder of all outputs")
         ->type_name("FILE");
@@ -111,6 +111,13 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
     app.add_flag("--in-place", options->inPlace, "Write over the inputs");
     app.add_flag("-f,--force", options->force,
                  "Write over existing outputs, and with --in-place over write-protected inputs");
+    app.add_option(
+           "--compression", compression,
+           std::string("How a TIFF is compressed: ") + kCompressionNames + "; without it, as the input")
+        ->type_name("NAME");
+    app.add_option("--quality", quality, "The quality of JPEG and WebP, 1 to 100; without it, as the input's")
+        ->type_name("N");
+    app.add_flag("--stamp", options->stamp, "Say in each output when and by what it was written");
     app.add_option("--plugin", options->pluginFolder, "The folder of the filter's module")
         ->type_name("FOLDER");
     app.add_flag("--info", options->info, "Tell what the plug-in says of itself");
@@ -131,6 +138,14 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
         // One picture at a time, and whole.
         options->jobs = 1;
     }
+    options->storage.compression = CompressionNamed(compression);
+    if (!compression.empty() && options->storage.compression < 0) {
+        return WrongUsage("--compression can be " + std::string(kCompressionNames));
+    }
+    if (quality && (*quality < 1 || *quality > 100)) {
+        return WrongUsage("The --quality can be any whole number from 1 to 100");
+    }
+    options->storage.quality = quality.value_or(0);
     if (radius && !IsRadius(*radius)) {
         return WrongUsage(std::string("The radius can be ") + kRadii);
     }

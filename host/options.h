@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/document/document.h"
+#include "host/picture/storage.h"
 #include "host/report/failure.h"
 #include "photoshop/document_info.h"
 
@@ -27,6 +28,8 @@ struct Options {
     bool dialog = false;
     bool inPlace = false;
     bool force = false;
+    StorageChoice storage;
+    bool stamp = false;
     bool quiet = false;
     bool info = false;
     // The answer to --help or --version; nothing else is done then.

@@ -21,9 +21,10 @@ declare -A may=(
     [hybridmedian]="dialog median median/kernel settings toolkit imagestore platform $facts"
     [plugin]="colors settings log toolkit imagestore photoshop platform"
     [host/report]=""
+    [host/container]=""
     [host/document]="host/report colors photoshop platform $facts"
     [host/filter]="host/document host/report photoshop platform $facts"
-    [host/picture]="host/document host/report photoshop platform"
+    [host/picture]="host/container host/document host/report photoshop platform"
     [host/work]="host/filter host/picture host/document host/report platform $facts"
     [host]="host/work host/filter host/picture host/document host/report photoshop platform $facts"
 )

@@ -12,9 +12,11 @@
 #include <vector>
 
 #include "host/picture/file_probe.h"
+#include "host/picture/netpbm.h"
 #include "host/picture/picture_mode.h"
 #include "host/picture/picture_samples.h"
 #include "host/picture/raw_source.h"
+#include "host/picture/unsupported.h"
 #include "platform/posix_paths.h"
 
 namespace {
@@ -31,10 +33,8 @@ constexpr double kMaxResolution = 32767;  // what fits in a Fixed
 
 // The loaders in use, by the library's names. Its other loaders never see untrusted files.
 constexpr std::string_view kLoaders[] = {
-    "VipsForeignLoadPngSource",
-    "VipsForeignLoadJpegSource",
-    "VipsForeignLoadTiffSource",
-    "VipsForeignLoadWebpSource",
+    "VipsForeignLoadPngSource",  "VipsForeignLoadJpegSource",  "VipsForeignLoadTiffSource",
+    "VipsForeignLoadWebpSource", "VipsForeignLoadNsgifSource",
 };
 
 // Header fields, which every image has for itself, and traces of the encoding, which an output must not
@@ -54,6 +54,7 @@ constexpr std::string_view kNotCopied[] = {
     "vips-loader",
     "palette",
     "palette-bit-depth",
+    "gif-palette",
     "bits-per-sample",
     "vips-sequential",
     "interlaced",
@@ -92,6 +93,12 @@ MaybeFailure Unreadable(const std::string &file) {
 }
 
 MaybeFailure OpenImage(const std::string &file, OwnedObject<VipsImage> *image) {
+    if (const std::string why = WhyUnsupported(file); !why.empty()) {
+        return FileFailure(file, why);
+    }
+    if (MaybeFailure failure = OpenNetpbm(file, image); failure || *image != nullptr) {
+        return failure;
+    }
     const OwnedObject<VipsSource> source = OpenRawSource(file);
     if (source == nullptr) {
         return Unreadable(file);
@@ -99,7 +106,7 @@ MaybeFailure OpenImage(const std::string &file, OwnedObject<VipsImage> *image) {
     const char *loader = vips_foreign_find_load_source(source.get());
     if (loader == nullptr || !IsAmong(std::begin(kLoaders), std::end(kLoaders), loader)) {
         vips_error_clear();
-        return FileFailure(file, "this is no readable PNG, JPEG, TIFF or WebP picture");
+        return FileFailure(file, "this is no readable PNG, JPEG, TIFF, WebP, PPM, PAM or GIF picture");
     }
     image->reset(vips_image_new_from_source(source.get(), "", "access", VIPS_ACCESS_SEQUENTIAL, "fail_on",
                                             VIPS_FAIL_ON_TRUNCATED, nullptr));
@@ -125,7 +132,7 @@ int32_t IntegerField(VipsImage *image, const char *name) {
     return value;
 }
 
-MaybeFailure CheckShape(const std::string &file, VipsImage *image) {
+MaybeFailure CheckShape(const std::string &file, VipsImage *image, bool pyramid) {
     const VipsInterpretation interpretation = vips_image_get_interpretation(image);
     const int32_t width = vips_image_get_width(image);
     const int32_t height = vips_image_get_height(image);
@@ -134,8 +141,10 @@ MaybeFailure CheckShape(const std::string &file, VipsImage *image) {
         bool refused;
         std::string reason;
     } checks[] = {
-        {IntegerField(image, "n-pages") > 1 || IntegerField(image, "n-subifds") > 0 || IsAnimatedPng(file),
-         "it has several pages or frames, of which only the first would be left"},
+        {(!pyramid && (IntegerField(image, "n-pages") > 1 || IntegerField(image, "n-subifds") > 0)) ||
+             IsAnimatedPng(file),
+         "it has several pages or frames, of which only the first would be left; put them into files of "
+         "their own first"},
         {width < 1 || height < 1, "the picture is empty"},
         {colorPlanes == 0 || vips_image_get_bands(image) < colorPlanes,
          "its colour mode is " + ColorSpaceName(interpretation) +
@@ -234,7 +243,8 @@ MaybeFailure OpenPicture(const std::string &file, Picture *picture) {
         return failure;
     }
     VipsImage *image = picture->unread.get();
-    if (MaybeFailure failure = CheckShape(file, image)) {
+    picture->storage = StorageOf(file);
+    if (MaybeFailure failure = CheckShape(file, image, picture->storage.pyramid)) {
         return failure;
     }
     VipsImage *metadata = vips_image_new();

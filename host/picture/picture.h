@@ -6,6 +6,7 @@
 
 #include "host/document/document.h"
 #include "host/picture/picture_samples.h"
+#include "host/picture/storage.h"
 #include "host/picture/vips_library.h"
 #include "host/report/failure.h"
 #include "host/report/watcher.h"
@@ -18,6 +19,7 @@ struct Picture {
     // The open file, until its pixels have been read.
     OwnedObject<VipsImage> unread;
     std::vector<uint16_t> extraSamples;  // the kind of each extra plane, as in file_probe.h
+    Storage storage;                     // of the file, and then of the output
 };
 
 // Opens the file and fills in everything but the document's blocks. Refuses what cannot be filtered, and

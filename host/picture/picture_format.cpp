@@ -8,42 +8,67 @@
 #include <iterator>
 
 #include "host/document/document_mode.h"
+#include "host/picture/netpbm.h"
 
 namespace {
 
-constexpr int kJpegQuality = 95;  // of 100; chosen to lose little of what the filter has kept
 // Of samples; half of the 4 GiB that a classic TIFF can address is left for metadata and tables.
 constexpr uint64_t kMaxClassicTiffBytes = 2'000'000'000;
+// Chosen: a progressive JPEG needs all of a picture in memory, 3 to 6 bytes a pixel.
+constexpr int64_t kMaxHeldPixels = 50'000'000;
+constexpr int kZstdLevel = 9;
+constexpr int kTileSide = 256;  // of pyramids out of strips
 
 // Chosen: a level and a row filter that cost about as much as the noise filter at radius 2. A level that the
 // user asks for comes with the choice among all row filters, which gives the smallest files.
 constexpr int32_t kQuickLevel = 1;
 constexpr int kQuickFilter = VIPS_FOREIGN_PNG_FILTER_UP;
 
-int SavePng(VipsImage *image, const char *path, const SaveOptions &options) {
-    const int bits = vips_image_get_format(image) == VIPS_FORMAT_USHORT ? 16 : 8;
-    return vips_pngsave(image, path, "bitdepth", bits, "compression",
-                        options.compressionLevel.value_or(kQuickLevel), "filter",
-                        options.compressionLevel ? VIPS_FOREIGN_PNG_FILTER_ALL : kQuickFilter, nullptr);
+// Few bits a sample are for pictures of one grey channel; the library would round others.
+int BitsFor(VipsImage *image, const Storage &storage) {
+    const bool grey = vips_image_get_bands(image) == 1 && vips_image_get_format(image) == VIPS_FORMAT_UCHAR;
+    return grey ? storage.bits : 0;
 }
 
-// With the standard's own Huffman tables: tables made for the picture would save a few percent, but take all
-// of it in memory.
-int SaveJpeg(VipsImage *image, const char *path, const SaveOptions &) {
-    return vips_jpegsave(image, path, "Q", kJpegQuality, "subsample_mode", VIPS_FOREIGN_SUBSAMPLE_OFF,
+int SavePng(VipsImage *image, const char *path, const Storage &storage, const SaveOptions &options) {
+    const int few = BitsFor(image, storage);
+    const int bits = few > 0 ? few : vips_image_get_format(image) == VIPS_FORMAT_USHORT ? 16 : 8;
+    return vips_pngsave(image, path, "bitdepth", bits, "compression",
+                        options.compressionLevel.value_or(kQuickLevel), "filter",
+                        options.compressionLevel ? VIPS_FOREIGN_PNG_FILTER_ALL : kQuickFilter, "strip", TRUE,
+                        nullptr);
+}
+
+// In one pass, with the standard's own Huffman tables, unless the input was progressive: tables made for the
+// picture would save a few percent, but take all of it in memory.
+int SaveJpeg(VipsImage *image, const char *path, const Storage &storage, const SaveOptions &) {
+    const bool small = int64_t{vips_image_get_width(image)} * vips_image_get_height(image) <= kMaxHeldPixels;
+    return vips_jpegsave(image, path, "Q", storage.jpegQuality, "subsample_mode",
+                         storage.subsampled ? VIPS_FOREIGN_SUBSAMPLE_ON : VIPS_FOREIGN_SUBSAMPLE_OFF,
+                         "interlace", static_cast<gboolean>(small && storage.progressive), "strip", TRUE,
                          nullptr);
 }
 
-int SaveTiff(VipsImage *image, const char *path, const SaveOptions &) {
+int SaveTiff(VipsImage *image, const char *path, const Storage &storage, const SaveOptions &) {
     const uint64_t samples = static_cast<uint64_t>(vips_image_get_width(image)) *
                              static_cast<uint64_t>(vips_image_get_height(image)) *
                              static_cast<uint64_t>(vips_image_get_bands(image));
-    const gboolean big = samples * vips_format_sizeof(vips_image_get_format(image)) > kMaxClassicTiffBytes;
-    return vips_tiffsave(image, path, "bigtiff", big, nullptr);
+    const bool large = samples * vips_format_sizeof(vips_image_get_format(image)) > kMaxClassicTiffBytes;
+    const bool tiled = storage.tiled || storage.pyramid;
+    const int bits = BitsFor(image, storage);
+    return vips_tiffsave(
+        image, path, "compression", storage.compression, "predictor", storage.predictor, "level", kZstdLevel,
+        "tile", static_cast<gboolean>(tiled), "tile_width", storage.tiled ? storage.tileWidth : kTileSide,
+        "tile_height", storage.tiled ? storage.tileHeight : kTileSide, "pyramid",
+        static_cast<gboolean>(storage.pyramid), "subifd", static_cast<gboolean>(storage.subDirectories),
+        "bitdepth", bits, "miniswhite", static_cast<gboolean>(bits > 0 && storage.whiteIsZero), "bigtiff",
+        static_cast<gboolean>(large || storage.bigTiff), "strip", TRUE, nullptr);
 }
 
-int SaveWebp(VipsImage *image, const char *path, const SaveOptions &) {
-    return vips_webpsave(image, path, "lossless", TRUE, nullptr);
+int SaveWebp(VipsImage *image, const char *path, const Storage &storage, const SaveOptions &) {
+    const bool lossless = storage.webpQuality == 0;
+    return vips_webpsave(image, path, "lossless", static_cast<gboolean>(lossless), "Q",
+                         lossless ? 75 : storage.webpQuality, "strip", TRUE, nullptr);
 }
 
 constexpr int32_t kMaxJpegSide = 65500;  // the limit of the JPEG library
@@ -54,27 +79,21 @@ constexpr std::string_view kNoOther;
 constexpr std::string_view kAlsoCMYK = "CMYK";
 constexpr std::string_view kAlsoLabAndCMYK = "Lab CMYK";
 
+int SavePpmOf(VipsImage *image, const char *path, const Storage &, const SaveOptions &) {
+    return SavePpm(image, path);
+}
+
+int SavePamOf(VipsImage *image, const char *path, const Storage &, const SaveOptions &) {
+    return SavePam(image, path);
+}
+
 constexpr PictureFormat kFormats[] = {
-    {"PNG",
-     {".png", nullptr},
-     16,
-     1,
-     VIPS_MAX_COORD,
-     kNoOther,
-     {VIPS_META_IPTC_NAME, "IPTC"},
-     false,
-     SavePng},
-    {"JPEG", {".jpg", ".jpeg"}, 8, 0, kMaxJpegSide, kAlsoCMYK, {nullptr, nullptr}, false, SaveJpeg},
-    {"TIFF",
-     {".tif", ".tiff"},
-     32,
-     kMaxPlanes,
-     VIPS_MAX_COORD,
-     kAlsoLabAndCMYK,
-     {VIPS_META_EXIF_NAME, "EXIF"},
-     false,
-     SaveTiff},
-    {"WebP", {".webp", nullptr}, 8, 1, kMaxWebpSide, kNoOther, {VIPS_META_IPTC_NAME, "IPTC"}, true, SaveWebp},
+    {"PNG", {".png"}, 16, 1, VIPS_MAX_COORD, kNoOther, false, SavePng},
+    {"JPEG", {".jpg", ".jpeg"}, 8, 0, kMaxJpegSide, kAlsoCMYK, false, SaveJpeg},
+    {"TIFF", {".tif", ".tiff"}, 32, kMaxPlanes, VIPS_MAX_COORD, kAlsoLabAndCMYK, false, SaveTiff},
+    {"WebP", {".webp"}, 8, 1, kMaxWebpSide, kNoOther, true, SaveWebp},
+    {"PPM", {".ppm", ".pgm", ".pnm"}, 16, 0, VIPS_MAX_COORD, kNoOther, false, SavePpmOf},
+    {"PAM", {".pam"}, 16, 1, VIPS_MAX_COORD, kNoOther, false, SavePamOf},
 };
 
 constexpr std::string_view kEverywhere[] = {"grey", "RGB"};
@@ -128,9 +147,26 @@ MaybeFailure FindFormat(const std::string &file, const PictureFormat **format) {
     const auto *found = std::find_if(std::begin(kFormats), std::end(kFormats),
                                      [&](const PictureFormat &known) { return HasSuffix(known, suffix); });
     if (found == std::end(kFormats)) {
-        return Failure{kExitUsage, file + ": the output's name must end in .png, .jpg, .tif or .webp."};
+        return Failure{kExitUsage,
+                       file + ": the output's name must end in .png, .jpg, .tif, .webp, .ppm or .pam."};
     }
     *format = found;
+    return std::nullopt;
+}
+
+MaybeFailure CheckChoice(const StorageChoice &choice, const PictureFormat &format, const Storage &storage,
+                         const std::string &outputFile) {
+    const bool compressed = format.save == SaveTiff;
+    const bool graded = format.save == SaveJpeg || format.save == SaveWebp;
+    if (choice.compression >= 0 && !compressed) {
+        return Failure{kExitUsage, outputFile + ": --compression is for TIFF."};
+    }
+    if (choice.quality > 0 && !graded) {
+        return Failure{kExitUsage, outputFile + ": --quality is for JPEG and WebP."};
+    }
+    if (choice.compression == VIPS_FOREIGN_TIFF_COMPRESSION_CCITTFAX4 && storage.bits != 1) {
+        return Failure{kExitUsage, outputFile + ": --compression group4 is for pictures of one bit a pixel."};
+    }
     return std::nullopt;
 }
 
@@ -158,9 +194,4 @@ MaybeFailure CheckFormatHolds(const PictureFormat &format, const Document &docum
         }
     }
     return std::nullopt;
-}
-
-std::string LostMetadata(const PictureFormat &format, _VipsImage *metadata) {
-    const auto &[field, name] = format.lost;
-    return field != nullptr && vips_image_get_typeof(metadata, field) != 0 ? name : "";
 }

@@ -93,7 +93,7 @@ OwnedObject<VipsImage> ImageOf(const Picture &picture, const PictureFormat &form
 MaybeFailure WritePicture(const Picture &picture, const PictureFormat &format, const SaveOptions &options,
                           const std::string &path, const std::string &outputFile, const RowSource &rows) {
     const OwnedObject<VipsImage> image = ImageOf(picture, format, &rows);
-    if (image == nullptr || format.save(image.get(), path.c_str(), options) != 0) {
+    if (image == nullptr || format.save(image.get(), path.c_str(), picture.storage, options) != 0) {
         return FileFailure(outputFile, "cannot be written: " + TakeVipsError());
     }
     // The library calls all of a TIFF's extra channels transparency. Other formats have no such thing to

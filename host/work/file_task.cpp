@@ -9,6 +9,7 @@
 #include "host/filter/action_file.h"
 #include "host/filter/plugin.h"
 #include "host/picture/comparison.h"
+#include "host/picture/metadata.h"
 #include "host/picture/picture_format.h"
 #include "host/picture/picture_writer.h"
 #include "host/picture/sample_range.h"
@@ -36,6 +37,9 @@ MaybeFailure CheckPlaces(const FileRequest &request) {
 
 std::string WordsOn(const Picture &picture, const Action &recorded) {
     std::string words = DescribePicture(picture);
+    if (picture.storage.palette) {
+        words += ", true colour instead of a palette";
+    }
     if (const ActionItem *item = FindItem(recorded, kRadiusKey)) {
         char text[32];
         // A fraction has no effect, so it is not shown.
@@ -120,6 +124,10 @@ MaybeFailure PlanFile(const FileRequest &request, const FilterSettings &settings
                                                 request.outputs[kPictureOutput])) {
         return failure;
     }
+    if (MaybeFailure failure =
+            CheckChoice(settings.save.storage, *format, picture->storage, request.outputs[kPictureOutput])) {
+        return failure;
+    }
     if (MaybeFailure failure = CheckPlaces(request)) {
         return failure;
     }
@@ -152,6 +160,7 @@ MaybeFailure DoFileTask(const FileTask &task, const FilterPlace &place, const Wa
     if (MaybeFailure failure = FindFormat(task.outputs[kPictureOutput], &format)) {
         return failure;
     }
+    Choose(task.settings.save.storage, &picture->storage);
     const Sharing sharing = place.jobs > 1 ? Sharing::withWorkers : Sharing::none;
     const Watcher silent = {[](double) {}, watcher.cancelled};
     if (MaybeFailure failure =
@@ -173,9 +182,13 @@ MaybeFailure DoFileTask(const FileTask &task, const FilterPlace &place, const Wa
     if (MaybeFailure failure = WriteFurtherResults(task, *picture, recorded)) {
         return failure;
     }
-    const std::string lost = LostMetadata(*format, picture->metadata.get());
-    *report = {WordsOn(*picture, recorded),
-               lost.empty() ? "" : std::string(" (") + format->name + " keeps no " + lost + " data)"};
+    std::vector<std::string> lost;
+    if (MaybeFailure failure = CarryMetadata({task.inputFile, task.written[kPictureOutput],
+                                              task.outputs[kPictureOutput], task.settings.save.stamp},
+                                             &lost)) {
+        return failure;
+    }
+    *report = {WordsOn(*picture, recorded), WordsOnLoss(format->name, lost)};
     return std::nullopt;
 }
 

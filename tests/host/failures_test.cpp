@@ -32,6 +32,17 @@ TEST_F(Program, FailsWithOneSentenceOverPicturesThatCannotBeRead) {
     WriteBytes("checksum.png", checksum);
     WriteBytes("empty.png", "");
     WriteBytes("text.png", "not a picture");
+    // Kinds that are known, but not read.
+    WriteBytes("a.cr2", std::string("II*\0\x10\0\0\0CR\2\0", 12));
+    WriteBytes("text.ppm", "P3\n1 1\n255\n1 2 3\n");
+    WriteBytes("cut.pgm", "P5 # a comment\n9 9 255\nshort");
+    WriteBytes("huge.pam", "P7\nWIDTH 99999999\nHEIGHT 99999999\nDEPTH 4\nMAXVAL 255\nENDHDR\nx");
+    WriteBytes("a.psd", "8BPS and so on");
+    WriteBytes("a.heic", std::string("\0\0\0\x18"
+                                     "ftypheic",
+                                     12));
+    WriteBytes("twelve.tif", std::string("II*\0\x08\0\0\0\1\0\2\1\3\0\1\0\0\0\x0C\0\0\0\0\0\0\0", 26));
+    WriteBytes("raw.dng", std::string("II*\0\x08\0\0\0\1\0\6\1\3\0\1\0\0\0\x23\x80\0\0\0\0\0\0", 26));
     fs::create_directory(folder / "folder.png");
     ExpectRefusals({
         {"missing.png -o new.png", 1, "missing.png: no such file"},
@@ -46,6 +57,14 @@ TEST_F(Program, FailsWithOneSentenceOverPicturesThatCannotBeRead) {
         {"float-lab.tif -o new.tif", 1, "float"},
         {"uint.tif -o new.tif", 1, "uint"},
         {"pages.tif -o new.tif", 1, "pages.tif: it has several pages"},
+        {"a.cr2 -o new.tif", 1, "a.cr2: this is a camera's raw picture (CR2); develop"},
+        {"text.ppm -o new.tif", 1, "only binary ones"},
+        {"cut.pgm -o new.tif", 1, "cut short"},
+        {"huge.pam -o new.tif", 1, "damaged"},
+        {"a.psd -o new.tif", 1, "a.psd: this is a layered document (PSD); convert"},
+        {"a.heic -o new.tif", 1, "no codec"},
+        {"twelve.tif -o new.tif", 1, "12 bits; convert it to a TIFF of 8 or 16 bits first"},
+        {"raw.dng -o new.tif", 1, "such as DNG"},
         {"animated.png -o new.png", 1, "animated.png: it has several pages"},
     });
 }
