@@ -138,7 +138,7 @@ TEST_F(Platform, NamesAndFoldersAreChecked) {
     std::filesystem::remove_all(folder);
     EXPECT_EQ(HCreate(volume, directory, Name("x"), kCode, kCode), dirNFErr);
     EXPECT_EQ(FindFolder(kOnSystemDisk, kPreferencesFolderType, true, &volume, &directory), fnfErr);
-    EXPECT_FALSE(std::filesystem::exists(folder)) << "the folder is the host's to make";
+    EXPECT_FALSE(std::filesystem::exists(folder)) << "looking for it does not make it";
 }
 
 TEST_F(Platform, PreferencesFolderIsFoundThroughItsVariables) {
