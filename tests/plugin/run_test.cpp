@@ -7,6 +7,7 @@
 #include "platform/memory.h"
 #include "plugin/color_modes.h"
 #include "plugin/entry.h"
+#include "plugin/states.h"
 #include "settings/setting_registry.h"
 #include "tests/support/filtered_image.h"
 #include "tests/support/scratch_folder.h"
@@ -352,7 +353,7 @@ TEST_F(Run, SelectorsAnswerAndKeepTheirState) {
     EXPECT_NE(state()->selectionImage, nullptr);
     EXPECT_EQ(call(filterSelectorStart), noErr);
     EXPECT_EQ(state()->selectionImage, nullptr);
-    DisposeHandle(reinterpret_cast<Handle>(data));
+    DisposeState(data);
 }
 
 TEST_F(Run, RowBufferFitsEveryDepth) {

@@ -45,6 +45,8 @@ class ScriptBridge : public ScratchFolder {
         PIDescriptorParameters parameters = script::Parameters(std::move(items), playInfo);
         FilterRecord record = {};
         record.descriptorParameters = &parameters;
+        record.handleProcs = &script::handleProcs;
+        record.handleProcs = &script::handleProcs;
         const Boolean skip = _ReadScriptParamFromPS(&record, block);
         EXPECT_EQ(script::openTokens, 0);
         EXPECT_EQ(GetHandleSize(parameters.descriptor), 1) << "reading leaves the descriptor to the host";
@@ -156,6 +158,7 @@ TEST_F(ScriptBridge, RecordsEveryEntryByItsKind) {
     const Handle old = parameters.descriptor;
     FilterRecord record = {};
     record.descriptorParameters = &parameters;
+    record.handleProcs = &script::handleProcs;
     script::closeError = memFullErr;
     EXPECT_EQ(_WriteScriptParamToPS(&record, block), memFullErr);
     EXPECT_EQ(parameters.descriptor, old);
@@ -201,6 +204,7 @@ TEST_F(ScriptBridge, RecordsNothingPastTheEndOfAFullBlock) {
     PIDescriptorParameters parameters = script::Parameters({}, 0);
     FilterRecord record = {};
     record.descriptorParameters = &parameters;
+    record.handleProcs = &script::handleProcs;
     EXPECT_EQ(_WriteScriptParamToPS(&record, full), noErr);
     ASSERT_EQ(script::recorded.size(), 20u);
     EXPECT_EQ(script::recorded[1].key, kUnitKey);
