@@ -156,12 +156,17 @@ void InitGlobals(PluginState *state) {
 
 OSErr DoParameters(PluginState *state) {
     FilterRecord *record = state->filterRecord;
+    // What a host without a suite forgot is still there.
+    if (record->parameters == nullptr && state->ownsParameters && !HostMakesHandles(record->handleProcs)) {
+        record->parameters = state->madeParameters;
+    }
     if (record->parameters == nullptr) {
         record->parameters = HostNewHandle(record->handleProcs, sizeof(HostParameters));
         if (record->parameters == nullptr) {
             return memFullErr;
         }
         state->madeParameters = record->parameters;
+        state->ownsParameters = !HostMakesHandles(record->handleProcs);
         WriteHostParameters(record, 0);
     } else if (HasHostParameters(state)) {
         WriteHostParameters(record, offsetof(HostParameters, asked));

@@ -33,6 +33,7 @@ struct PluginState {
     Boolean selectionUsed;
     OSErr imageError;           // from an image that could not be made
     Handle madeParameters;      // the host's parameters, if they were made here
+    Boolean ownsParameters;     // and come from the Memory Manager: no host frees them
     Boolean userToBeAsked;      // Parameters was sent since the last run
     Boolean repeatsLastFilter;  // the run began without Parameters
     Rect requested;             // the row asked for last

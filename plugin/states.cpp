@@ -24,7 +24,11 @@ struct GivenOut {
     }
 
     static void Release(Handle handle) {
-        ReleaseRun(reinterpret_cast<PluginState *>(*handle));
+        auto *state = reinterpret_cast<PluginState *>(*handle);
+        ReleaseRun(state);
+        if (state->ownsParameters) {
+            DisposeHandle(state->madeParameters);
+        }
         DisposeHandle(handle);
     }
 };

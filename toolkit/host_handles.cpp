@@ -10,20 +10,19 @@ Proc Offered(const HandleProcs *procs, int16_t position, Proc HandleProcs::*proc
     return procs != nullptr && procs->numHandleProcs >= position ? procs->*proc : nullptr;
 }
 
-// What cannot be disposed of is not asked for.
-bool MakesHandles(const HandleProcs *procs) {
+}  // namespace
+
+bool HostMakesHandles(const HandleProcs *procs) {
     return Offered(procs, 1, &HandleProcs::newProc) != nullptr &&
            Offered(procs, 2, &HandleProcs::disposeProc) != nullptr;
 }
 
-}  // namespace
-
 Handle HostNewHandle(const HandleProcs *procs, int32_t size) {
-    return MakesHandles(procs) ? procs->newProc(size) : NewHandle(size);
+    return HostMakesHandles(procs) ? procs->newProc(size) : NewHandle(size);
 }
 
 void HostDisposeNewHandle(const HandleProcs *procs, Handle handle) {
-    if (!MakesHandles(procs)) {
+    if (!HostMakesHandles(procs)) {
         DisposeHandle(handle);
     } else if (handle != nullptr) {
         procs->disposeProc(handle);

@@ -8,7 +8,10 @@
 
 constexpr int32_t kUnknownSize = -1;
 
-// Without a suite, the handle is of the Memory Manager here. Null when memory is short.
+// Whether the host can make handles and dispose of them; otherwise HostNewHandle takes those of the Memory
+// Manager.
+bool HostMakesHandles(const HandleProcs *procs);
+// Null when memory is short.
 Handle HostNewHandle(const HandleProcs *procs, int32_t size);
 // Disposes of a handle that HostNewHandle made.
 void HostDisposeNewHandle(const HandleProcs *procs, Handle handle);

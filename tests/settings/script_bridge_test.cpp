@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 #include "imagestore/strings.h"
 #include "platform/memory.h"
@@ -90,6 +91,14 @@ TEST_F(ScriptBridge, TakesValuesInsideTheirRange) {
     EXPECT_STREQ(GetSPInputSettingCString(block, 4), "Disk:a");
     Play({{kTextKey, typeText, 0, std::string(900, 'x')}});
     EXPECT_EQ(std::string(GetSPInputSettingCString(block, 4)), std::string(513, 'x'));
+    // The host alone knows how long its texts are.
+    const auto getSize = std::exchange(script::handleProcs.getSizeProc, [](Handle) { return 4; });
+    Play({{kTextKey, typeText, 0, "Disk:b"}});
+    EXPECT_STREQ(GetSPInputSettingCString(block, 4), "Disk");
+    script::handleProcs.getSizeProc = nullptr;
+    Play({{kTextKey, typeText, 0, "else"}});
+    EXPECT_STREQ(GetSPInputSettingCString(block, 4), "Disk");
+    script::handleProcs.getSizeProc = getSize;
 }
 
 TEST_F(ScriptBridge, KeepsWhatCannotBeRead) {
@@ -164,7 +173,6 @@ TEST_F(ScriptBridge, RecordsEveryEntryByItsKind) {
     EXPECT_EQ(parameters.descriptor, old);
     script::closeError = noErr;
     EXPECT_EQ(_WriteScriptParamToPS(&record, block), noErr);
-    DisposeHandle(parameters.descriptor);
 
     const std::vector<script::Item> expected = {
         {kFloatKey, typeFloat, 2},
@@ -181,6 +189,13 @@ TEST_F(ScriptBridge, RecordsEveryEntryByItsKind) {
     };
     EXPECT_EQ(script::recorded, expected);
     EXPECT_EQ(script::openTokens, 0);
+
+    // The host makes the texts that it will keep.
+    const auto make = std::exchange(script::handleProcs.newProc, [](int32_t) -> Handle { return nullptr; });
+    EXPECT_EQ(_WriteScriptParamToPS(&record, block), noErr);
+    EXPECT_EQ(script::recorded.size(), expected.size() - 1);
+    DisposeHandle(parameters.descriptor);
+    script::handleProcs.newProc = make;
 
     InitializeSPSettings(block, 0, false, false);
     script::recorded.clear();
