@@ -349,9 +349,14 @@ TEST_F(Run, SelectorsAnswerAndKeepTheirState) {
     record.filterRect = {};
 
     // The selection is the only image that Finish leaves; the next Start takes it over.
+    record.maxSpace = 15;  // of which the image takes ten bytes
+    EXPECT_EQ(call(filterSelectorPrepare), noErr);
     EXPECT_EQ(MakeImage(2, 2, 1, &state()->image), noErr);
+    EXPECT_FALSE(state()->image->onDisk);
     EXPECT_EQ(MakeAlphaImage(2, 2, 1, &state()->alphaImage), noErr);
     EXPECT_EQ(MakeSelectionImage(2, 2, 1, &state()->selectionImage), noErr);
+    EXPECT_TRUE(state()->alphaImage->onDisk);
+    record.maxSpace = 0;
     EXPECT_EQ(call(filterSelectorFinish), noErr);
     EXPECT_EQ(state()->image, nullptr);
     EXPECT_EQ(state()->alphaImage, nullptr);
