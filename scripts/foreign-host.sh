@@ -35,7 +35,7 @@ draw() {
 
 # What goes wrong in one of four, as CODE:SWITCHES.
 faults=(-128:abortat=1 -128:abortat=60 -30100:missing=1 -30100:unmasked=1,mask=1 -30100:fewer=1 -30100:fewer=-1
-    -30100:shift=1 -30100:shift=-2 -30100:shift=1000 -30100:bottom=999 -30100:left=-1)
+    -30100:shift=1 -30100:shift=1,once=9 -30100:shift=-2 -30100:shift=1000 -30100:bottom=999 -30100:left=-1)
 declare -A plain codes
 for ((i = 1; i <= count; ++i)); do
     draw picture="1:1 1:2 3:3 3:4 10:1 10:2 11:3 11:5" part="0 1" seed="1 2 3"

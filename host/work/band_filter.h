@@ -17,7 +17,9 @@ struct LentBlocks {
 };
 
 // The band of a picture, whose frame begins in the store's row `storeRow`.
-BandDocument LendBand(const DocumentShape &picture, const Band &band, int32_t storeRow, const LentBlocks &blocks);
+BandDocument LendBand(const DocumentShape &picture, const Band &band, int32_t storeRow,
+                      const LentBlocks &blocks);
 
 // Filters the band's own rows, some of which must be selected.
-FilterOutcome FilterBand(Module *module, const FilterOrders &orders, const Watcher &watcher, BandDocument *band);
+FilterOutcome FilterBand(Module *module, const FilterOrders &orders, const Watcher &watcher,
+                         BandDocument *band);

@@ -6,15 +6,15 @@
 
 namespace {
 
-// A band of this size takes about 5 ms at radius 4 and 10 ms at radius 6; a worker takes about 25 ms to start,
-// so smaller bands would not be worth one.
+// A band of this size takes about 5 ms at radius 4 and 10 ms at radius 6; a worker takes about 25 ms to
+// start, so smaller bands would not be worth one.
 constexpr int64_t kMinBandPixels = 1 << 17;
 // Margins then add at most a quarter to a band's rows.
 constexpr int32_t kMinBandRows = 8 * kFrameMargin;
 // More than one, so that no worker waits long for the last band.
 constexpr int64_t kBandsPerWorker = 3;
-// The size of a band in a long picture. Chosen: margins then add little even to rows of 100 KB, and all slots of
-// a few workers fit into memory.
+// The size of a band in a long picture. Chosen: margins then add little even to rows of 100 KB, and all slots
+// of a few workers fit into memory.
 constexpr int64_t kBandBytes = 12'000'000;
 // Of rows so long that even a few of them take as much; a slot then holds 28.
 constexpr int32_t kFewestRows = 16;
@@ -37,8 +37,8 @@ int64_t BandCount(const DocumentShape &picture, int32_t jobs, Store store) {
     return std::max((picture.height + rows - 1) / rows, BandsOfWorkers(picture, jobs));
 }
 
-// One worker's band is filtered while the next one is read. Several workers each have one more waiting, and two
-// are left for reading and writing.
+// One worker's band is filtered while the next one is read. Several workers each have one more waiting, and
+// two are left for reading and writing.
 size_t SlotCount(int32_t jobs) {
     return jobs == 1 ? 2 : 2 * static_cast<size_t>(jobs) + 2;
 }

@@ -14,8 +14,8 @@ struct Band {
     bool selected;  // in part at least; otherwise there is nothing to filter
 };
 
-// The store is a document of the picture's kind. It either holds the whole picture, or a number of slots, which
-// the bands' frames use in turn.
+// The store is a document of the picture's kind. It either holds the whole picture, or a number of slots,
+// which the bands' frames use in turn.
 struct BandPlan {
     std::vector<Band> bands;  // from top to bottom, each row in one
     size_t slots = 0;         // bands that can be in the store at once

@@ -1,5 +1,5 @@
-// The order of bands between the threads that read, filter and write a picture: which band is how far, and who
-// waits for it. Any of them can stop the others.
+// The order of bands between the threads that read, filter and write a picture: which band is how far, and
+// who waits for it. Any of them can stop the others.
 #pragma once
 
 #include <condition_variable>

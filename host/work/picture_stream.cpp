@@ -15,8 +15,8 @@
 
 namespace {
 
-// The shares of the progress bar. Chosen: the filter takes longer than writing, and some formats do most of their
-// work after the last row.
+// The shares of the progress bar. Chosen: the filter takes longer than writing, and some formats do most of
+// their work after the last row.
 constexpr double kFilteringShare = 0.6;
 constexpr double kRowsShare = 0.35;
 
@@ -160,13 +160,15 @@ void FilterHere(Stream *stream) {
         }
         BandDocument band = LendBand(document, rows, StoreRow(stream->plan, i),
                                      {&store.source, &store.destination, &document.mask});
-        const Watcher watcher = {[=](double done) {
-                                     stream->done[i] = done;
-                                     ShowProgress(stream);
-                                 },
-                                 [=] { return AreStopped(&stream->queue) || stream->request->watcher.cancelled(); }};
-        if (!TakeOutcome(stream, i,
-                         FilterBand(stream->request->place.module, stream->request->orders, watcher, &band))) {
+        const Watcher watcher = {
+            [=](double done) {
+                stream->done[i] = done;
+                ShowProgress(stream);
+            },
+            [=] { return AreStopped(&stream->queue) || stream->request->watcher.cancelled(); }};
+        if (!TakeOutcome(
+                stream, i,
+                FilterBand(stream->request->place.module, stream->request->orders, watcher, &band))) {
             return;
         }
     }

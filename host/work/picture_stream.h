@@ -1,5 +1,5 @@
-// Filters one picture as a stream: bands of its rows are read in order, filtered, and written in order, all at
-// the same time.
+// Filters one picture as a stream: bands of its rows are read in order, filtered, and written in order, all
+// at the same time.
 #pragma once
 
 #include <functional>
@@ -28,10 +28,11 @@ struct StreamRequest {
     Store store;
     // Writes the rows; called from a thread of its own.
     std::function<MaybeFailure(const RowSource &rows)> write;
-    // Called if the user cancels while the picture library reads or writes something that it will not let go of
-    // for long. Must end the process, as threads are still at work.
+    // Called if the user cancels while the picture library reads or writes something that it will not let go
+    // of for long. Must end the process, as threads are still at work.
     std::function<void(const Failure &)> leave;
 };
 
-// Reads the rest of the opened picture, which may already have a selection. Fills in what the filter recorded.
+// Reads the rest of the opened picture, which may already have a selection. Fills in what the filter
+// recorded.
 MaybeFailure StreamPicture(const StreamRequest &request, Picture *picture, Action *recorded);

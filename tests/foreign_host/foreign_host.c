@@ -59,7 +59,8 @@ static void CallElsewhere(void *(*call)(void *)) {
     S(runs, 1) S(between, 0)   /* a second document is filtered in the middle of the first */              \
     S(nowhere, 0) S(thread, 0) /* in a removed folder; on a second thread */                               \
     S(missing, 0) S(unmasked, 0)  /* bytes by which rows, or those of the mask, are too short */           \
-    S(fewer, 0) S(shift, 0)    /* planes left out of rows; how far off rows are delivered */
+    S(fewer, 0)                /* planes left out of rows */                                               \
+    S(shift, 0) S(once, 0)     /* how far off rows are delivered; the only delivery that is */
 // clang-format on
 #define FIELD(name, value) int name;
 #define VALUE(name, value) value,
@@ -313,8 +314,9 @@ static int16_t Serve(void) {
         return -36;
     }
     if (!IsEmpty(record->inRect)) {
-        record->inRect.top = record->outRect.top = (int16_t)(record->inRect.top + on.shift);
-        record->inRect.bottom = record->outRect.bottom = (int16_t)(record->inRect.bottom + on.shift);
+        const int off = on.once == 0 || on.once == run->requests ? on.shift : 0;
+        record->inRect.top = record->outRect.top = (int16_t)(record->inRect.top + off);
+        record->inRect.bottom = record->outRect.bottom = (int16_t)(record->inRect.bottom + off);
     }
     record->inHiPlane = record->outHiPlane = (int16_t)(record->inHiPlane - on.fewer);
     const int planes = record->inHiPlane - record->inLoPlane + 1;

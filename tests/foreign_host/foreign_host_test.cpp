@@ -141,7 +141,7 @@ TEST_F(ForeignHost, GetsTheRightAnswer) {
         {"mask=1 unmasked=1", "-30100 radius 2 parameters -1"},
         {"fewer=1 pad=40", "-30100 radius 2 parameters -1"},
         {"fewer=-1", "-30100 radius 2 parameters -1"},
-        {"shift=1", "-30100 radius 2 parameters -1"},
+        {"shift=1 once=5", "-30100 radius 2 parameters -1"},
         {"shift=-1 advance=0", "-30100 radius 2 parameters -1"},
         {"bottom=31", "-30100 radius 2 parameters -1"},
         {"left=-1", "-30100 radius 2 parameters -1"},

@@ -342,10 +342,13 @@ TEST_F(Run, SelectorsAnswerAndKeepTheirState) {
         EXPECT_TRUE(IsZero(record.inRect) && IsZero(record.outRect)) << selector;
         EXPECT_EQ(state()->phase, phaseIdle);
     }
+    // Parameters counts for one run.
+    EXPECT_FALSE(state()->repeatsLastFilter);
     // One pixel wider than any image can be.
     record.filterRect = {0, -1, 1, 32767};
     EXPECT_EQ(call(filterSelectorStart), filterBadParameters);
     EXPECT_EQ(state()->phase, phaseDone);
+    EXPECT_TRUE(state()->repeatsLastFilter);
     record.filterRect = {};
 
     // The selection is the only image that Finish leaves; the next Start takes it over.

@@ -50,8 +50,8 @@ TEST(BandPlan, CoversEveryRowOnceInBoundedMemory) {
             ASSERT_LE(storeEnd, plan.storeRows);
             // Bands that are in memory together do not overlap, or hold the same rows in the same place.
             if (plan.slots > 1 && i > 0 && i % plan.slots != 0) {
-                ASSERT_EQ(StoreRow(plan, i) - StoreRow(plan, i - 1) >= plan.bands[i - 1].frameBottom -
-                                                                           plan.bands[i - 1].frameTop,
+                ASSERT_EQ(StoreRow(plan, i) - StoreRow(plan, i - 1) >=
+                              plan.bands[i - 1].frameBottom - plan.bands[i - 1].frameTop,
                           !plan.whole);
             }
         }
