@@ -10,10 +10,10 @@ asan) preset=asan watched=() ;;
 valgrind) preset=test watched=(valgrind -q --error-exitcode=9 --leak-check=full --errors-for-leak-kinds=definite) ;;
 *) sed -n '2,3s/^# //p' "$0" >&2; exit 2 ;;
 esac
+[ "$way" = asan ] || scripts/install-packages.sh valgrind
 cmake --preset "$preset" >/dev/null
 cmake --build --preset "$preset" --target foreign_host HybridMedian resources >/dev/null
-build=build
-[ "$preset" = release ] || build=build/$preset
+build=build/$preset
 host=$PWD/$build/foreign_host
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
