@@ -14,6 +14,10 @@ OSErr GetDefaultSettings(RunContext *context, SPBlock *settings) {
     return noErr;
 }
 
+bool RemembersSettings(const RunContext *context) {
+    return PreferenceFloat(context, kRememberedRadiusOffset) != 0;
+}
+
 OSErr GetParameters(NamedImage *, RunContext *, Handle *parameters, SPBlock *settings) {
     const FilterParameters values = {ClampRadius(GetSPInputSettingFloat(settings, 0)), 1};
     *parameters = NewHandle(sizeof values);

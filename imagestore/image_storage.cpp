@@ -8,7 +8,14 @@ namespace {
 
 constexpr int64_t kLargestMemoryImage = 0x20000008;  // 512 MiB plus 8; larger images go to disk
 
+int64_t memoryLimit;  // 0 or less: none
+int64_t memoryTaken;
+
 }  // namespace
+
+void LimitImageMemory(int64_t bytes) {
+    memoryLimit = bytes;
+}
 
 int64_t ImageRowBytes(const NamedImage *image) {
     return int64_t{image->data.width} * image->data.bytesPerPixel;
@@ -23,12 +30,14 @@ int64_t ImageContentsSize(const NamedImage *image) {
 }
 
 OSErr TakeImageMemory(NamedImage *image) {
-    if (ImageContentsSize(image) > kLargestMemoryImage) {
+    const int64_t size = ImageContentsSize(image);
+    if (size > kLargestMemoryImage || (memoryLimit > 0 && size > memoryLimit - memoryTaken)) {
         return memFullErr;
     }
     OSErr err;
-    image->memory = TempNewHandle(ImageContentsSize(image), &err);
+    image->memory = TempNewHandle(size, &err);
     if (err == noErr) {
+        memoryTaken += size;
         HLock(image->memory);
         image->contents = *image->memory;
     }
@@ -37,6 +46,7 @@ OSErr TakeImageMemory(NamedImage *image) {
 
 void ReleaseImageMemory(NamedImage *image) {
     if (image->memory != nullptr) {
+        memoryTaken -= ImageContentsSize(image);
         HUnlock(image->memory);
         DisposeHandle(image->memory);
         image->memory = nullptr;

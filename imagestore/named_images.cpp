@@ -121,14 +121,14 @@ OSErr MakeNamedImage(ConstStringPtr name, Boolean keep, int16_t width, int16_t h
                   std::max<int16_t>(height, 0)};
     DuplicatePString(name, made->name);
 
-    const Folder folder = PreferencesFolder();
+    made->onDisk = TakeImageMemory(made) != noErr || keep != 0;
+    const Folder folder = made->onDisk ? WritablePreferencesFolder() : PreferencesFolder();
     // Another process may be making an image of this name in the same folder.
     int lock;
     OSErr err = LockFolder(folder.vRefNum, folder.dirID, &lock);
     if (err == noErr) {
         HDelete(folder.vRefNum, folder.dirID, name);
     }
-    made->onDisk = TakeImageMemory(made) != noErr || keep != 0;
     if (err == noErr && made->onDisk) {
         err = OpenBackingFile(folder, name, made);
     }

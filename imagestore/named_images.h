@@ -25,6 +25,10 @@ struct NamedImage {
     Boolean pivoted;  // for frequency-domain routines; always 0 here
 };
 
+// From now on images go to disk when those in memory would take more bytes than this together; 0 or less: no
+// limit.
+void LimitImageMemory(int64_t bytes);
+
 // `*image` receives the image even on most failures; the caller must toss it exactly once. Negative
 // dimensions count as 0. Returns noErr, memFullErr or a File Manager error; dskFulErr when the file could not
 // be filled, and LockFolder's error (platform/locks.h) when the folder could not be locked.

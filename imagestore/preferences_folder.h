@@ -11,3 +11,5 @@ struct Folder {
 // The Preferences folder of the system disk. If it is missing, every call on it fails, which is all that
 // callers need to know.
 Folder PreferencesFolder();
+// Makes it, for its owner alone, if it is missing: for those about to write there.
+Folder WritablePreferencesFolder();

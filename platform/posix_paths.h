@@ -18,4 +18,8 @@ std::string PreferencesPath();
 // runs, with default settings and images in memory.
 void MakePreferencesFolder();
 
+// The folder of the program or library that holds the code at `address`, symbolic links followed; empty if it
+// cannot be told.
+std::string FolderOfCode(const void *address);
+
 #pragma GCC visibility pop

@@ -1,5 +1,7 @@
 // The location of the Preferences folder on POSIX.
+#include <pwd.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -15,6 +17,18 @@ std::string Variable(const char *name) {
     return value == nullptr ? std::string() : value;
 }
 
+// Hosts may run without an environment.
+std::string HomeFolder() {
+    std::string home = Variable("HOME");
+    passwd entry;
+    passwd *user = nullptr;
+    char texts[4096];
+    if (home.empty() && getpwuid_r(getuid(), &entry, texts, sizeof texts, &user) == 0 && user != nullptr) {
+        home = user->pw_dir;
+    }
+    return home;
+}
+
 }  // namespace
 
 std::string PreferencesPath() {
@@ -22,7 +36,7 @@ std::string PreferencesPath() {
         return own;
     }
     const std::string configHome = Variable("XDG_CONFIG_HOME");
-    return (configHome.empty() ? Variable("HOME") + "/.config" : configHome) + "/hymedian/Preferences";
+    return (configHome.empty() ? HomeFolder() + "/.config" : configHome) + "/hymedian/Preferences";
 }
 
 void MakePreferencesFolder() {

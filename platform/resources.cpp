@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <limits>
 #include <set>
+#include <utility>
 #include <vector>
 
 #include "platform/faults/fault_injection.h"
@@ -11,6 +12,7 @@
 #include "platform/internal/dialog_resources.h"
 #include "platform/internal/resource_map.h"
 #include "platform/memory.h"
+#include "platform/posix_paths.h"
 
 namespace {
 
@@ -30,6 +32,9 @@ struct Resource {
 std::vector<Resource> resources;
 std::set<int16_t> openFiles;
 OSErr lastError = noErr;
+// Offered but not opened yet, and opened.
+const std::string *offered;
+int16_t offeredFile = -1;
 
 OSErr ReadWholeFile(const FSSpec *spec, int8_t permission, std::vector<uint8_t> *bytes) {
     int16_t refNum;
@@ -87,6 +92,19 @@ void RemoveFile(int16_t file) {
     });
 }
 
+auto Find(OSType type, int16_t id) {
+    return std::find_if(resources.begin(), resources.end(),
+                        [=](const Resource &resource) { return resource.type == type && resource.id == id; });
+}
+
+// Tried once, whatever comes of it.
+void OpenOfferedFile() {
+    FSSpec spec;
+    if (SpecFromPosixPath(*std::exchange(offered, nullptr), &spec) == noErr) {
+        offeredFile = FSpOpenResFile(&spec, fsRdPerm);
+    }
+}
+
 }  // namespace
 
 int16_t FSpOpenResFile(const FSSpec *spec, int8_t permission) {
@@ -119,9 +137,11 @@ void CloseResFile(int16_t refNum) {
 }
 
 Handle GetResource(OSType type, int16_t id) {
-    const auto found = std::find_if(resources.begin(), resources.end(), [=](const Resource &resource) {
-        return resource.type == type && resource.id == id;
-    });
+    auto found = Find(type, id);
+    if (found == resources.end() && offered != nullptr) {
+        OpenOfferedFile();
+        found = Find(type, id);
+    }
     lastError = found == resources.end() ? resNotFound : noErr;
     return found == resources.end() ? nullptr : found->data;
 }
@@ -132,6 +152,16 @@ void ReleaseResource(Handle) {}
 
 OSErr ResError() {
     return lastError;
+}
+
+void OfferResourceFile(const std::string *path) {
+    offered = path;
+}
+
+void WithdrawResourceFile() {
+    offered = nullptr;
+    CloseResFile(offeredFile);
+    offeredFile = -1;
 }
 
 #ifdef HYMEDIAN_FAULT_INJECTION

@@ -5,6 +5,8 @@
 // are exactly as stored.
 #pragma once
 
+#include <string>
+
 #include "platform/types.h"
 
 #pragma GCC visibility push(default)
@@ -25,5 +27,10 @@ void ReleaseResource(Handle resource);
 OSErr ResError();
 
 }  // extern "C"
+
+// Names a file, by its POSIX path, that is opened when a resource is wanted that no open file has. The string
+// must stay until the file is withdrawn, which also closes it.
+void OfferResourceFile(const std::string *path);
+void WithdrawResourceFile();
 
 #pragma GCC visibility pop

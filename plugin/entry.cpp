@@ -4,9 +4,12 @@
 #include <cstring>
 #include <iterator>
 
+#include "imagestore/named_images.h"
 #include "platform/memory.h"
 #include "plugin/run_driver.h"
 #include "plugin/run_geometry.h"
+#include "plugin/states.h"
+#include "toolkit/host_handles.h"
 
 namespace {
 
@@ -16,6 +19,26 @@ struct HostParameters {
     int16_t asked;
 };
 constexpr int16_t kHostParametersMark = 50;  // fixed, but without a meaning
+
+// Writes the block from `offset` on.
+void WriteHostParameters(const FilterRecord *record, size_t offset) {
+    constexpr HostParameters kParameters = {kHostParametersMark, 1};
+    const Ptr contents = HostLockHandle(record->handleProcs, record->parameters);
+    if (contents != nullptr) {
+        std::memcpy(contents + offset, reinterpret_cast<const char *>(&kParameters) + offset,
+                    sizeof kParameters - offset);
+    }
+    HostUnlockHandle(record->handleProcs, record->parameters);
+}
+
+// Whether the host's handle, which may be of an earlier session, has room for the block. If the host cannot
+// tell, only the handle that was made here is known to have it.
+bool HasHostParameters(const PluginState *state) {
+    const FilterRecord *record = state->filterRecord;
+    const int32_t size = HostHandleSize(record->handleProcs, record->parameters);
+    return size == kUnknownSize ? record->parameters == state->madeParameters
+                                : size >= static_cast<int32_t>(sizeof(HostParameters));
+}
 
 OSErr DoAbout(PluginState *) {
     return noErr;
@@ -43,8 +66,18 @@ void ResetRun(PluginState *state) {
     state->maskHasZero = false;
     state->selectionUsed = false;
     state->imageError = noErr;
+    state->repeatsLastFilter = !state->userToBeAsked;
+    state->userToBeAsked = false;
     state->originLeft = state->filterRecord->filterRect.left;
     state->originTop = state->filterRecord->filterRect.top;
+}
+
+// Some hosts state no size of the image.
+bool LiesInImage(const FilterRecord &record) {
+    const auto [height, width] = record.imageSize;
+    return (width <= 0 && height <= 0) ||
+           (record.filterRect.left >= 0 && record.filterRect.top >= 0 && record.filterRect.right <= width &&
+            record.filterRect.bottom <= height);
 }
 
 OSErr AllocateRowBuffer(PluginState *state) {
@@ -71,6 +104,7 @@ void RequestFirstRow(PluginState *state) {
     record->outLoPlane = 0;
     record->inHiPlane = static_cast<int16_t>(record->planes - 1);
     record->outHiPlane = record->inHiPlane;
+    state->requested = record->outRect;
 }
 
 bool RequestsNothing(const FilterRecord *record) {
@@ -98,6 +132,9 @@ OSErr StartRun(PluginState *state) {
         ClearRequest(state->filterRecord);
         return noErr;
     }
+    if (!LiesInImage(*state->filterRecord)) {
+        return filterBadParameters;
+    }
     const OSErr err = AllocateRowBuffer(state);
     if (err != noErr) {
         return err;
@@ -119,17 +156,26 @@ void InitGlobals(PluginState *state) {
 
 OSErr DoParameters(PluginState *state) {
     FilterRecord *record = state->filterRecord;
-    HostParameters parameters = {kHostParametersMark, 1};
+    // What a host without a suite forgot is still there.
+    if (record->parameters == nullptr && state->ownsParameters && !HostMakesHandles(record->handleProcs)) {
+        record->parameters = state->madeParameters;
+    }
     if (record->parameters == nullptr) {
-        record->parameters = NewHandle(sizeof parameters);
+        record->parameters = HostNewHandle(record->handleProcs, sizeof(HostParameters));
         if (record->parameters == nullptr) {
             return memFullErr;
         }
-        std::memcpy(*record->parameters, &parameters, sizeof parameters);
+        state->madeParameters = record->parameters;
+        state->ownsParameters = !HostMakesHandles(record->handleProcs);
+        WriteHostParameters(record, 0);
+    } else if (HasHostParameters(state)) {
+        WriteHostParameters(record, offsetof(HostParameters, asked));
+    } else if (HostHandleSize(record->handleProcs, record->parameters) >= 0 &&
+               HostSetHandleSize(record->handleProcs, record->parameters, sizeof(HostParameters)) == noErr) {
+        WriteHostParameters(record, 0);
     }
-    std::memcpy(*record->parameters + offsetof(HostParameters, asked), &parameters.asked,
-                sizeof parameters.asked);
     state->parametersSet = true;
+    state->userToBeAsked = true;
     return noErr;
 }
 
@@ -163,25 +209,27 @@ OSErr PhotoshopAdvanceState(PluginState *state) {
 }
 
 void PluginMain(int16_t selector, FilterRecord *record, intptr_t *data, int16_t *result) {
-    if (*data == 0) {
-        Handle handle = NewHandleClear(sizeof(PluginState));
-        if (handle == nullptr) {
-            *result = memFullErr;
-            return;
-        }
-        *data = reinterpret_cast<intptr_t>(handle);
+    const Handle handle = TakeState(data);
+    if (handle == nullptr) {
+        *result = memFullErr;
+        return;
     }
-    const Handle handle = reinterpret_cast<Handle>(*data);
     // Handlers work on a copy; until this call returns, the handle holds the state as the last one left it.
     PluginState state;
     std::memcpy(&state, *handle, sizeof state);
     state.filterRecord = record;
     state.result = noErr;
-    if (selector >= 0 && selector < static_cast<int16_t>(std::size(kSelectors))) {
+    const bool hasFields = selector != filterSelectorAbout && record != nullptr;
+    if (hasFields) {
+        LimitImageMemory(record->maxSpace);
+    }
+    if ((hasFields || selector == filterSelectorAbout) && selector >= 0 &&
+        selector < static_cast<int16_t>(std::size(kSelectors))) {
         state.result = kSelectors[selector](&state);
     } else {
         state.result = filterBadParameters;
     }
     *result = state.result;
     std::memcpy(*handle, &state, sizeof state);
+    ReturnState(handle);
 }

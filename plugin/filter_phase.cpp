@@ -4,6 +4,7 @@
 #include "imagestore/strings.h"
 #include "plugin/outputs.h"
 #include "plugin/rows.h"
+#include "settings/host_descriptors.h"
 #include "settings/preferences_file.h"
 #include "settings/script_bridge.h"
 #include "settings/setting_registry.h"
@@ -131,8 +132,16 @@ SPBlock *MakeSettings(RunContext *context) {
     return settings;
 }
 
+// Hosts without scripting repeat the last filter by leaving out Parameters. If there was none, the user is
+// asked after all.
+bool RepeatsLastFilter(const PluginState *state, const RunContext *context) {
+    return state->repeatsLastFilter && RemembersSettings(context) &&
+           !HostDescriptorAvailable(state->filterRecord->descriptorParameters, nullptr);
+}
+
 OSErr FilterWithSettings(PluginState *state, const RunGeometry &run, RunContext *context, SPBlock *settings) {
-    const Boolean skipDialog = _ReadScriptParamFromPS(state->filterRecord, settings);
+    const Boolean skipDialog =
+        _ReadScriptParamFromPS(state->filterRecord, settings) || RepeatsLastFilter(state, context);
     OSErr err = GetParameters(state->image, context, &state->parameters, settings);
     if (err == noErr) {
         err = Process(state, run, context, settings, skipDialog);

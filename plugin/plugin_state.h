@@ -31,7 +31,12 @@ struct PluginState {
     int16_t depth;   // 8, 16 or 32
     Boolean maskHasZero;
     Boolean selectionUsed;
-    OSErr imageError;  // from an image that could not be made
+    OSErr imageError;           // from an image that could not be made
+    Handle madeParameters;      // the host's parameters, if they were made here
+    Boolean ownsParameters;     // and come from the Memory Manager: no host frees them
+    Boolean userToBeAsked;      // Parameters was sent since the last run
+    Boolean repeatsLastFilter;  // the run began without Parameters
+    Rect requested;             // the row asked for last
 };
 
 // Tosses the images that exist.

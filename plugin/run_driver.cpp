@@ -56,9 +56,10 @@ bool HasRow(const void *data, int32_t rowBytes, int64_t needed) {
     return data != nullptr && (rowBytes <= 0 || rowBytes >= needed);
 }
 
+// A host without a mask for this row leaves the selection as it is.
 void StoreMaskRow(PluginState *state, const RunGeometry &run) {
     const auto *mask = static_cast<const uint8_t *>(state->filterRecord->maskData);
-    if (!HasRow(mask, state->filterRecord->maskRowBytes, run.width)) {
+    if (mask == nullptr) {
         return;
     }
     PutLine(state->selectionImage, 0, run.row, run.width, mask);
@@ -73,7 +74,9 @@ int64_t DeliveredRowBytes(const RunGeometry &run) {
 
 OSErr ReadRow(PluginState *state, const RunGeometry &run) {
     FilterRecord *record = state->filterRecord;
-    if (!HasRow(record->inData, record->inRowBytes, DeliveredRowBytes(run))) {
+    const bool maskFits = !state->haveMask || record->maskData == nullptr ||
+                          HasRow(record->maskData, record->maskRowBytes, run.width);
+    if (!HasRow(record->inData, record->inRowBytes, DeliveredRowBytes(run)) || !maskFits) {
         return End(state, filterBadParameters);
     }
     if (state->image == nullptr) {
@@ -163,6 +166,21 @@ Rect RowOf(Rect rect, int16_t filterTop, int32_t row) {
     return rect;
 }
 
+bool AreEqual(const Rect &a, const Rect &b) {
+    return a.top == b.top && a.left == b.left && a.bottom == b.bottom && a.right == b.right;
+}
+
+// Whether the record holds the row that was requested, with all planes, and that row is of the filter
+// rectangle.
+bool IsDelivered(const PluginState *state, const RunGeometry &run) {
+    const FilterRecord *record = state->filterRecord;
+    const Rect row = RowOf(record->filterRect, record->filterRect.top, run.row);
+    return run.row >= 0 && run.row < run.height && AreEqual(row, state->requested) &&
+           AreEqual(record->inRect, row) && AreEqual(record->outRect, row) && record->inLoPlane == 0 &&
+           record->outLoPlane == 0 && record->inHiPlane == run.planes - 1 &&
+           record->outHiPlane == run.planes - 1;
+}
+
 }  // namespace
 
 void ClearRequest(FilterRecord *record) {
@@ -194,9 +212,12 @@ OSErr DoContinue(PluginState *state) {
     if (err != noErr) {
         return End(state, err);
     }
-    // The host may have changed the document's shape since Start.
-    if (GetPtrSize(state->rowBuffer) < RowBufferSize(run)) {
+    // The host may have changed the document's shape since Start, or deliver other rows than it was asked
+    // for.
+    if (GetPtrSize(state->rowBuffer) < RowBufferSize(run) || !IsDelivered(state, run)) {
         return End(state, filterBadParameters);
     }
-    return kSteps[state->phase - phaseReading](state, run);
+    kSteps[state->phase - phaseReading](state, run);
+    state->requested = state->filterRecord->outRect;
+    return state->result;
 }

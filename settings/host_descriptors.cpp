@@ -1,6 +1,6 @@
 #include "settings/host_descriptors.h"
 
-#include "platform/memory.h"
+#include "toolkit/host_handles.h"
 
 Boolean HostDescriptorAvailable(const PIDescriptorParameters *parameters, Boolean *newerVersion) {
     if (parameters == nullptr) {
@@ -31,7 +31,7 @@ OSErr HostCloseReader(const PIDescriptorParameters *parameters, HandleProcs *, P
     return err;
 }
 
-OSErr HostCloseWriter(PIDescriptorParameters *parameters, HandleProcs *handleProcs,
+OSErr HostCloseWriter(PIDescriptorParameters *parameters, const HandleProcs *handleProcs,
                       PIWriteDescriptor *writer) {
     Handle written = nullptr;
     const OSErr err = parameters->writeDescriptorProcs->closeWriteDescriptorProc(*writer, &written);
@@ -42,16 +42,4 @@ OSErr HostCloseWriter(PIDescriptorParameters *parameters, HandleProcs *handlePro
     HostDisposeHandle(handleProcs, parameters->descriptor);
     parameters->descriptor = written;
     return noErr;
-}
-
-void HostDisposeHandle(HandleProcs *handleProcs, Handle handle) {
-    if (handle == nullptr) {
-        return;
-    }
-    if (handleProcs != nullptr && handleProcs->numHandleProcs >= kHandleProcsCount &&
-        handleProcs->disposeRegularHandleProc != nullptr) {
-        handleProcs->disposeRegularHandleProc(handle);
-    } else {
-        DisposeHandle(handle);
-    }
 }

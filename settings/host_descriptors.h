@@ -14,10 +14,7 @@ Boolean HostPlayDialog(const PIDescriptorParameters *parameters);
 OSErr HostCloseReader(const PIDescriptorParameters *parameters, HandleProcs *handleProcs,
                       PIReadDescriptor *reader);
 
-// Makes what was written the new parameters->descriptor and disposes of the old one. If the host cannot close
-// the writer, the old one stays.
-OSErr HostCloseWriter(PIDescriptorParameters *parameters, HandleProcs *handleProcs,
+// Makes what was written the new parameters->descriptor and disposes of the old one, as far as the suite
+// goes. If the host cannot close the writer, the old one stays.
+OSErr HostCloseWriter(PIDescriptorParameters *parameters, const HandleProcs *handleProcs,
                       PIWriteDescriptor *writer);
-
-// Disposes of a handle that came from the host, through the host's suite if it has one.
-void HostDisposeHandle(HandleProcs *handleProcs, Handle handle);

@@ -33,7 +33,7 @@ void ReadStrings(RunContext *context, int16_t refNum) {
 }
 
 int16_t OpenNewFile() {
-    const Folder folder = PreferencesFolder();
+    const Folder folder = WritablePreferencesFolder();
     HDelete(folder.vRefNum, folder.dirID, kFileName);
     HCreate(folder.vRefNum, folder.dirID, kFileName, kCreator, kFileType);
     int16_t refNum;

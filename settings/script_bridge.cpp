@@ -7,6 +7,7 @@
 #include "imagestore/strings.h"
 #include "platform/owned_block.h"
 #include "settings/host_descriptors.h"
+#include "toolkit/host_handles.h"
 
 namespace {
 
@@ -16,12 +17,13 @@ constexpr OSType kUnitEnumeration = FourCharCode("UniT");
 struct Reader {
     const ReadDescriptorProcs *procs;
     PIReadDescriptor token;
-    HandleProcs *handleProcs;
+    const HandleProcs *handleProcs;
 };
 
 struct Writer {
     const WriteDescriptorProcs *procs;
     PIWriteDescriptor token;
+    const HandleProcs *handleProcs;
 };
 
 void StoreInRange(SPEntry *entry, OSErr err, int32_t value) {
@@ -69,13 +71,17 @@ void ReadBoolean(const Reader &reader, SPEntry *entry) {
     }
 }
 
-void StoreText(SPBlock *block, uint32_t input, Handle text) {
-    char *buffer = AllocateCString(kTextSize);
+// A text whose size the host cannot tell leaves the setting as it is.
+void StoreText(const HandleProcs *handleProcs, SPBlock *block, uint32_t input, Handle text) {
+    const int32_t size = HostHandleSize(handleProcs, text);
+    const Ptr contents = HostLockHandle(handleProcs, text);
+    char *buffer = size < 0 || contents == nullptr ? nullptr : AllocateCString(kTextSize);
     if (buffer != nullptr) {
-        BlockMoveData(*text, buffer, std::min<int64_t>(GetHandleSize(text), kTextSize - 1));
+        BlockMoveData(contents, buffer, std::min(size, kTextSize - 1));
         SetSPInputSettingCString(block, input, buffer);
         DisposeCString(buffer);
     }
+    HostUnlockHandle(handleProcs, text);
 }
 
 // Which of the host's procedures carry the value of an entry of this kind. Strings travel as handles of text
@@ -133,18 +139,22 @@ void ReadEntry(const Reader &reader, SPBlock *block, uint32_t input) {
     }
     Handle text = nullptr;
     if (reader.procs->getTextProc(reader.token, &text) == noErr && text != nullptr) {
-        StoreText(block, input, text);
+        StoreText(reader.handleProcs, block, input, text);
         HostDisposeHandle(reader.handleProcs, text);
     }
 }
 
 void WriteText(const Writer &writer, OSType key, const char *text) {
-    Handle handle = NewHandleClear(kTextSize);
-    if (handle != nullptr) {
-        DuplicateCString(text, *handle, kTextSize);
+    char padded[kTextSize] = {};
+    DuplicateCString(text, padded, kTextSize);
+    const Handle handle = HostNewHandle(writer.handleProcs, kTextSize);
+    const Ptr contents = HostLockHandle(writer.handleProcs, handle);
+    if (contents != nullptr) {
+        BlockMoveData(padded, contents, kTextSize);
+        HostUnlockHandle(writer.handleProcs, handle);
         writer.procs->putTextProc(writer.token, key, handle);
-        DisposeHandle(handle);
     }
+    HostDisposeNewHandle(writer.handleProcs, handle);
 }
 
 // Kind and key come from `entry`, the value from input `valueIndex`. Writes nothing for an entry past the
@@ -216,11 +226,11 @@ OSErr _WriteScriptParamToPS(FilterRecord *record, SPBlock *block) {
         return noErr;
     }
     for (uint32_t i = 0; i < CountSPInputs(block); ++i) {
-        WriteEntry({procs, token}, block, SPInputEntry(block, i), i);
+        WriteEntry({procs, token, record->handleProcs}, block, SPInputEntry(block, i), i);
     }
     // An output is recorded with the value of the input of the same index.
     for (uint32_t j = 0; j < CountSPOutputs(block); ++j) {
-        WriteEntry({procs, token}, block, SPOutputEntry(block, j), j);
+        WriteEntry({procs, token, record->handleProcs}, block, SPOutputEntry(block, j), j);
     }
     return HostCloseWriter(parameters, record->handleProcs, &token);
 }

@@ -19,6 +19,9 @@ static_assert(sizeof(FilterParameters) == 6);
 // Declares the filter's settings in `settings`, with the values remembered in the context's preferences.
 OSErr GetDefaultSettings(RunContext *context, SPBlock *settings);
 
+// Whether an earlier run has left its settings in the context's preferences.
+bool RemembersSettings(const RunContext *context);
+
 // Makes the filter's parameter block from the settings; the caller disposes of the handle.
 OSErr GetParameters(NamedImage *image, RunContext *context, Handle *parameters, SPBlock *settings);
 

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <fstream>
 #include <optional>
+#include <vector>
 
 #include "imagestore/kept_images.h"
 #include "platform/files.h"
@@ -170,8 +171,10 @@ TEST_F(NamedImages, KeptImagesComeBackUnderTheirNames) {
 
 TEST_F(NamedImages, ImagesTooLargeForMemoryGoToDisk) {
     // The limit is 512 MiB plus 8 bytes; these sizes are the closest that three dimensions can get. The
-    // second allocation, for the contents, fails if it is attempted, and without a folder no file is created.
-    setenv("HYMEDIAN_PREFERENCES", (folder / "missing").c_str(), 1);
+    // second allocation, for the contents, fails if it is attempted, and a folder below a file cannot be
+    // made.
+    WriteBytes("file", "");
+    setenv("HYMEDIAN_PREFERENCES", (folder / "file" / "missing").c_str(), 1);
     const struct {
         int16_t width, height, bytesPerPixel;
         bool tried;
@@ -191,6 +194,28 @@ TEST_F(NamedImages, ImagesTooLargeForMemoryGoToDisk) {
     EXPECT_EQ(MakeImage(-5, 7, 3, &image), noErr);
     EXPECT_EQ(image->data.width, 0);
     TossImage(image);
+}
+
+TEST_F(NamedImages, ImagesInMemoryTakeNoMoreThanTheirLimit) {
+    setenv("HYMEDIAN_PREFERENCES", (folder / "made" / "for it").c_str(), 1);
+    LimitImageMemory(2 * (6 + 30 * 20) + 6 + 50);
+    const struct {
+        int16_t width;
+        bool onDisk;
+    } cases[] = {{30, false}, {30, false}, {3, true}, {2, false}};
+    std::vector<NamedImage *> images;
+    for (const auto &[width, onDisk] : cases) {
+        ASSERT_EQ(MakeImage(width, 20, 1, &images.emplace_back()), noErr);
+        EXPECT_EQ(images.back()->onDisk, onDisk) << images.size();
+    }
+    // What is tossed makes room again.
+    TossImage(images[0]);
+    ASSERT_EQ(MakeImage(30, 20, 1, &images[0]), noErr);
+    EXPECT_FALSE(images[0]->onDisk);
+    for (NamedImage *image : images) {
+        TossImage(image);
+    }
+    LimitImageMemory(0);
 }
 
 // With room for only the record and the contents, there is no block to clear with.

@@ -1,3 +1,4 @@
+#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -138,7 +139,7 @@ TEST_F(Platform, NamesAndFoldersAreChecked) {
     std::filesystem::remove_all(folder);
     EXPECT_EQ(HCreate(volume, directory, Name("x"), kCode, kCode), dirNFErr);
     EXPECT_EQ(FindFolder(kOnSystemDisk, kPreferencesFolderType, true, &volume, &directory), fnfErr);
-    EXPECT_FALSE(std::filesystem::exists(folder)) << "the folder is the host's to make";
+    EXPECT_FALSE(std::filesystem::exists(folder)) << "looking for it does not make it";
 }
 
 TEST_F(Platform, PreferencesFolderIsFoundThroughItsVariables) {
@@ -165,6 +166,8 @@ TEST_F(Platform, PreferencesFolderIsFoundThroughItsVariables) {
         EXPECT_EQ(HCreate(volume, directory, Name("x"), kCode, kCode), noErr);
         EXPECT_TRUE(std::filesystem::exists(c.found + "/x")) << c.found;
     }
+    unsetenv("HOME");
+    EXPECT_EQ(PreferencesPath(), getpwuid(getuid())->pw_dir + std::string("/.config/hymedian/Preferences"));
     setenv("HOME", homeBefore.c_str(), 1);
     unsetenv("XDG_CONFIG_HOME");
 }

@@ -84,6 +84,28 @@ TEST_F(Resources, AreFoundByTypeAndNumber) {
     EXPECT_EQ(text(kItems, 9534), "none");
 }
 
+TEST_F(Resources, OfferedFilesAreOpenedWhenTheyAreNeeded) {
+    CloseResFile(Open(ResourceFileBytes(Sample())));
+    const int16_t other = Open(ResourceFileBytes({{kText, 7, Bytes("another file's")}}));
+    const std::string path = folder / "offered.rsrc";
+    OfferResourceFile(&path);
+    std::filesystem::copy(folder / "test.rsrc", path);
+    EXPECT_NE(GetResource(kText, 7), nullptr);
+    // Not read yet, so what is there now counts.
+    CloseResFile(Open(ResourceFileBytes(Sample())));
+    std::filesystem::copy(folder / "test.rsrc", path, std::filesystem::copy_options::overwrite_existing);
+    EXPECT_NE(GetResource(kItems, 9534), nullptr);
+    WithdrawResourceFile();
+    EXPECT_EQ(GetResource(kItems, 9534), nullptr);
+
+    std::filesystem::remove(path);
+    OfferResourceFile(&path);
+    EXPECT_EQ(GetResource(kItems, 9534), nullptr);
+    WithdrawResourceFile();
+    EXPECT_NE(GetResource(kText, 7), nullptr);
+    CloseResFile(other);
+}
+
 // Every file that is truncated or has a byte changed is either refused or read without harm.
 TEST_F(Resources, DamagedFilesDoNoHarm) {
     const std::vector<uint8_t> whole = ResourceFileBytes(Sample());

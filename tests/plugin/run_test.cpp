@@ -7,6 +7,7 @@
 #include "photoshop/image_modes.h"
 #include "platform/memory.h"
 #include "plugin/entry.h"
+#include "plugin/states.h"
 #include "settings/setting_registry.h"
 #include "tests/support/filtered_image.h"
 #include "tests/support/scratch_folder.h"
@@ -325,7 +326,12 @@ TEST_F(Run, SelectorsAnswerAndKeepTheirState) {
         const int16_t others[2] = {3, 9};
         std::memcpy(*record.parameters, others, sizeof others);
     }
-    DisposeHandle(record.parameters);
+    // A host without a suite cannot free what it forgets, so it gets the same again.
+    const Handle made = record.parameters;
+    record.parameters = nullptr;
+    EXPECT_EQ(call(filterSelectorParameters), noErr);
+    EXPECT_TRUE(record.parameters == made);
+    DisposeHandle(made);
 
     // Nothing happens without a Start, or after one with an empty rectangle, whatever was requested.
     for (const int selector : {filterSelectorContinue, filterSelectorStart}) {
@@ -336,23 +342,31 @@ TEST_F(Run, SelectorsAnswerAndKeepTheirState) {
         EXPECT_TRUE(IsZero(record.inRect) && IsZero(record.outRect)) << selector;
         EXPECT_EQ(state()->phase, phaseIdle);
     }
+    // Parameters counts for one run.
+    EXPECT_FALSE(state()->repeatsLastFilter);
     // One pixel wider than any image can be.
     record.filterRect = {0, -1, 1, 32767};
     EXPECT_EQ(call(filterSelectorStart), filterBadParameters);
     EXPECT_EQ(state()->phase, phaseDone);
+    EXPECT_TRUE(state()->repeatsLastFilter);
     record.filterRect = {};
 
     // The selection is the only image that Finish leaves; the next Start takes it over.
+    record.maxSpace = 15;  // of which the image takes ten bytes
+    EXPECT_EQ(call(filterSelectorPrepare), noErr);
     EXPECT_EQ(MakeImage(2, 2, 1, &state()->image), noErr);
+    EXPECT_FALSE(state()->image->onDisk);
     EXPECT_EQ(MakeAlphaImage(2, 2, 1, &state()->alphaImage), noErr);
     EXPECT_EQ(MakeSelectionImage(2, 2, 1, &state()->selectionImage), noErr);
+    EXPECT_TRUE(state()->alphaImage->onDisk);
+    record.maxSpace = 0;
     EXPECT_EQ(call(filterSelectorFinish), noErr);
     EXPECT_EQ(state()->image, nullptr);
     EXPECT_EQ(state()->alphaImage, nullptr);
     EXPECT_NE(state()->selectionImage, nullptr);
     EXPECT_EQ(call(filterSelectorStart), noErr);
     EXPECT_EQ(state()->selectionImage, nullptr);
-    DisposeHandle(reinterpret_cast<Handle>(data));
+    DisposeState(data);
 }
 
 TEST_F(Run, RowBufferFitsEveryDepth) {

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 #include "imagestore/strings.h"
 #include "platform/memory.h"
@@ -45,6 +46,8 @@ class ScriptBridge : public ScratchFolder {
         PIDescriptorParameters parameters = script::Parameters(std::move(items), playInfo);
         FilterRecord record = {};
         record.descriptorParameters = &parameters;
+        record.handleProcs = &script::handleProcs;
+        record.handleProcs = &script::handleProcs;
         const Boolean skip = _ReadScriptParamFromPS(&record, block);
         EXPECT_EQ(script::openTokens, 0);
         EXPECT_EQ(GetHandleSize(parameters.descriptor), 1) << "reading leaves the descriptor to the host";
@@ -88,6 +91,14 @@ TEST_F(ScriptBridge, TakesValuesInsideTheirRange) {
     EXPECT_STREQ(GetSPInputSettingCString(block, 4), "Disk:a");
     Play({{kTextKey, typeText, 0, std::string(900, 'x')}});
     EXPECT_EQ(std::string(GetSPInputSettingCString(block, 4)), std::string(513, 'x'));
+    // The host alone knows how long its texts are.
+    const auto getSize = std::exchange(script::handleProcs.getSizeProc, [](Handle) { return 4; });
+    Play({{kTextKey, typeText, 0, "Disk:b"}});
+    EXPECT_STREQ(GetSPInputSettingCString(block, 4), "Disk");
+    script::handleProcs.getSizeProc = nullptr;
+    Play({{kTextKey, typeText, 0, "else"}});
+    EXPECT_STREQ(GetSPInputSettingCString(block, 4), "Disk");
+    script::handleProcs.getSizeProc = getSize;
 }
 
 TEST_F(ScriptBridge, KeepsWhatCannotBeRead) {
@@ -156,12 +167,12 @@ TEST_F(ScriptBridge, RecordsEveryEntryByItsKind) {
     const Handle old = parameters.descriptor;
     FilterRecord record = {};
     record.descriptorParameters = &parameters;
+    record.handleProcs = &script::handleProcs;
     script::closeError = memFullErr;
     EXPECT_EQ(_WriteScriptParamToPS(&record, block), memFullErr);
     EXPECT_EQ(parameters.descriptor, old);
     script::closeError = noErr;
     EXPECT_EQ(_WriteScriptParamToPS(&record, block), noErr);
-    DisposeHandle(parameters.descriptor);
 
     const std::vector<script::Item> expected = {
         {kFloatKey, typeFloat, 2},
@@ -178,6 +189,13 @@ TEST_F(ScriptBridge, RecordsEveryEntryByItsKind) {
     };
     EXPECT_EQ(script::recorded, expected);
     EXPECT_EQ(script::openTokens, 0);
+
+    // The host makes the texts that it will keep.
+    const auto make = std::exchange(script::handleProcs.newProc, [](int32_t) -> Handle { return nullptr; });
+    EXPECT_EQ(_WriteScriptParamToPS(&record, block), noErr);
+    EXPECT_EQ(script::recorded.size(), expected.size() - 1);
+    DisposeHandle(parameters.descriptor);
+    script::handleProcs.newProc = make;
 
     InitializeSPSettings(block, 0, false, false);
     script::recorded.clear();
@@ -201,6 +219,7 @@ TEST_F(ScriptBridge, RecordsNothingPastTheEndOfAFullBlock) {
     PIDescriptorParameters parameters = script::Parameters({}, 0);
     FilterRecord record = {};
     record.descriptorParameters = &parameters;
+    record.handleProcs = &script::handleProcs;
     EXPECT_EQ(_WriteScriptParamToPS(&record, full), noErr);
     ASSERT_EQ(script::recorded.size(), 20u);
     EXPECT_EQ(script::recorded[1].key, kUnitKey);

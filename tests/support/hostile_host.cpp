@@ -6,6 +6,7 @@
 
 #include "platform/memory.h"
 #include "plugin/entry.h"
+#include "plugin/states.h"
 #include "tests/support/script_host.h"
 
 namespace {
@@ -134,7 +135,7 @@ void ReleaseEverything(intptr_t *data) {
     session->record.filterRect = {};
     PluginMain(filterSelectorFinish, &session->record, data, &result);
     PluginMain(filterSelectorStart, &session->record, data, &result);
-    DisposeHandle(reinterpret_cast<Handle>(*data));
+    DisposeState(*data);
     DisposeHandle(session->record.parameters);
     DisposeHandle(session->parameters.descriptor);
 }
@@ -144,6 +145,7 @@ void ReleaseEverything(intptr_t *data) {
 void PlayHostileHost(const uint8_t *bytes, size_t size) {
     Session current = {};
     session = &current;
+    current.record.handleProcs = &script::handleProcs;
     current.decisions = {bytes, bytes + size};
     current.parameters = script::Parameters({{FourCharCode("nRad"), typeFloat, bytes[0] / 40.0}}, 0);
     intptr_t data = 0;

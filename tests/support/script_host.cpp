@@ -117,6 +117,16 @@ WriteDescriptorProcs MakeWriteProcs() {
 
 ReadDescriptorProcs readProcs = MakeReadProcs();
 WriteDescriptorProcs writeProcs = MakeWriteProcs();
+HandleProcs handleProcs = {kHandleProcsVersion,
+                           6,
+                           [](int32_t size) { return NewHandle(size); },
+                           DisposeHandle,
+                           [](Handle handle) { return static_cast<int32_t>(GetHandleSize(handle)); },
+                           [](Handle handle, int32_t size) { return SetHandleSize(handle, size); },
+                           [](Handle handle, Boolean) { return *handle; },
+                           HUnlock,
+                           nullptr,
+                           nullptr};
 
 PIDescriptorParameters Parameters(std::vector<Item> items, int16_t playInfo) {
     playing = std::move(items);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "photoshop/descriptors.h"
+#include "photoshop/suites.h"
 
 namespace script {
 
@@ -26,6 +27,7 @@ extern int openTokens;                 // readers and writers not yet closed
 extern OSErr closeError;               // the result of closing a writer
 extern ReadDescriptorProcs readProcs;
 extern WriteDescriptorProcs writeProcs;
+extern HandleProcs handleProcs;  // for handles of the Memory Manager
 
 // Plays `items`; a host without a recorded action has no descriptor. The caller disposes of `descriptor`.
 PIDescriptorParameters Parameters(std::vector<Item> items, int16_t playInfo);

@@ -7,6 +7,7 @@
 
 #include "platform/memory.h"
 #include "plugin/entry.h"
+#include "plugin/states.h"
 
 namespace {
 
@@ -104,6 +105,7 @@ void FillRecord() {
     record.haveMask = !document.mask.empty();
     record.advanceState = session->options->advanceState ? AdvanceState : nullptr;
     record.bufferSpace = 77;
+    record.handleProcs = &script::handleProcs;
     record.descriptorParameters = session->options->descriptorParameters;
     record.documentInfo = session->options->documentInfo;
     record.progressProc = [](int32_t done, int32_t total) {
@@ -149,7 +151,7 @@ TestRun RunPlugin(const TestDocument &document, const TestHostOptions &options) 
     if (!goesOn()) {
         current.run.destination = document.source;
     }
-    DisposeHandle(reinterpret_cast<Handle>(data));
+    DisposeState(data);
     session = nullptr;
     return current.run;
 }

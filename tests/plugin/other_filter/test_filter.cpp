@@ -11,6 +11,10 @@ OSErr GetDefaultSettings(RunContext *context, SPBlock *settings) {
     return noErr;
 }
 
+bool RemembersSettings(const RunContext *) {
+    return false;
+}
+
 OSErr GetParameters(NamedImage *image, RunContext *context, Handle *, SPBlock *settings) {
     if (testFilter.makeParameters) {
         testFilter.makeParameters(image, context, settings);
