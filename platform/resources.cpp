@@ -11,6 +11,7 @@
 #include "platform/internal/dialog_resources.h"
 #include "platform/internal/resource_map.h"
 #include "platform/memory.h"
+#include "platform/posix_paths.h"
 
 namespace {
 
@@ -111,6 +112,12 @@ int16_t FSpOpenResFile(const FSSpec *spec, int8_t permission) {
         return -1;
     }
     return file;
+}
+
+int16_t OpenOwnResources(const char *name) {
+    FSSpec spec;
+    lastError = SpecFromPosixPath(OwnFolder() + "/" + name, &spec);
+    return lastError == noErr ? FSpOpenResFile(&spec, fsRdPerm) : int16_t{-1};
 }
 
 void CloseResFile(int16_t refNum) {

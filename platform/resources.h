@@ -7,14 +7,14 @@
 
 #include "platform/types.h"
 
-#pragma GCC visibility push(default)
-
 extern "C" {
 
 // Reads a whole resource file. Returns a reference, distinct from the File Manager's, or -1; ResError then
 // gives the reason. A malformed file gives mapReadErr.
 int16_t FSpOpenResFile(const FSSpec *spec, int8_t permission);
 void CloseResFile(int16_t refNum);
+// Opens a resource file in the folder of the module that this code is part of.
+int16_t OpenOwnResources(const char *name);
 
 // Null if no open file has the resource.
 Handle GetResource(OSType type, int16_t id);
@@ -25,5 +25,3 @@ void ReleaseResource(Handle resource);
 OSErr ResError();
 
 }  // extern "C"
-
-#pragma GCC visibility pop

@@ -2,6 +2,8 @@
 
 #include "imagestore/paths.h"
 #include "imagestore/strings.h"
+#include "platform/dialog_backend.h"
+#include "platform/resources.h"
 #include "plugin/outputs.h"
 #include "plugin/rows.h"
 #include "settings/preferences_file.h"
@@ -14,6 +16,8 @@ namespace {
 
 constexpr int32_t kSettingSlots = 22;  // the header's two and room for twenty settings
 constexpr OSType kUndefinedSignature = FourCharCode("udef");
+
+constexpr char kResourceName[] = "HybridMedian.rsrc";
 
 // For a preferences header that was never set: inches, and 72 pixels to the inch.
 constexpr float kDefaultUnitIndex = 6.0f;
@@ -147,6 +151,8 @@ OSErr FilterWithSettings(PluginState *state, const RunGeometry &run, RunContext 
 }  // namespace
 
 OSErr RunFilterPhase(PluginState *state, const RunGeometry &run) {
+    const int16_t resources = OpenOwnResources(kResourceName);
+    UsePlatformData(state->filterRecord->hostSig, state->filterRecord->platformData);
     RunContext context = {};
     FillContext(state, run, &context);
     const int16_t preferences = ReadPreferences(&context);
@@ -159,5 +165,7 @@ OSErr RunFilterPhase(PluginState *state, const RunGeometry &run) {
     }
     WritePreferences(&context, preferences);
     DisposeCString(context.logBasePath);
+    UsePlatformData(0, nullptr);
+    CloseResFile(resources);
     return err;
 }

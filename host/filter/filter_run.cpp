@@ -7,12 +7,13 @@
 #include "host/document/document_rows.h"
 #include "host/filter/descriptor_suites.h"
 #include "host/filter/memory_suites.h"
+#include "hybridmedian/public.h"
 #include "photoshop/filter_record.h"
+#include "platform/answered_dialogs.h"
 #include "platform/owned_block.h"
 
 namespace {
 
-constexpr OSType kHostSignature = FourCharCode("HyMh");
 // Filter cases, as the interface numbers them.
 constexpr int16_t kFlatImageNoSelection = 1;
 constexpr int16_t kFlatImageWithSelection = 2;
@@ -245,7 +246,7 @@ void FillRecord(Run *run) {
     record->backColor = {{UINT8_MAX, UINT8_MAX, UINT8_MAX, UINT8_MAX}};
     record->maxSpace = INT32_MAX;
     record->bufferSpace = INT32_MAX;
-    record->hostSig = kHostSignature;
+    record->hostSig = kAnsweringHost;
     record->imageMode = document.imageMode;
     record->imageHRes = document.horizontalResolution;
     record->imageVRes = document.verticalResolution;
@@ -305,6 +306,13 @@ std::string MessageOf(const Run &run, OSErr result) {
 }  // namespace
 
 FilterOutcome RunFilter(const FilterRequest &request) {
+    std::unique_ptr<AnsweredDialogs> answered;
+    if (request.orders.user == DialogUser::script) {
+        answered = AnswerDialogs(user::Answer(kRadiusFieldItem, std::to_string(request.orders.radius)));
+        if (answered == nullptr) {
+            return {memFullErr, {}, {}};
+        }
+    }
     Run run = {};
     run.request = &request;
     run.document = request.document;
@@ -316,6 +324,7 @@ FilterOutcome RunFilter(const FilterRequest &request) {
         HostWriteDescriptorProcs(),   HostReadDescriptorProcs()};
     FillDocumentInfo(&run);
     FillRecord(&run);
+    run.record.platformData = answered == nullptr ? nullptr : &answered->forModule;
 
     currentRun = &run;
     const OSErr result = CallSelectors(&run);
