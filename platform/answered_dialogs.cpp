@@ -28,8 +28,7 @@ std::unique_ptr<AnsweredDialogs> AnswerDialogs(std::vector<UserAction> actions) 
     answered->line = ends[0];
     answered->forModule = {kDialogLineTag, sizeof(DialogLine), ends[1]};
     try {
-        answered->thread =
-            std::thread(remote::AnswerDialogs, ends[0], ScriptedDialogs(&answered->session));
+        answered->thread = std::thread(remote::AnswerDialogs, ends[0], ScriptedDialogs(&answered->session));
     } catch (const std::system_error &) {
         return nullptr;
     }

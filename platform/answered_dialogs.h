@@ -1,5 +1,5 @@
-// For hosts: answers a module's dialogs from a script, without showing them. Host and module may each have a platform
-// layer of their own.
+// For hosts: answers a module's dialogs from a script, without showing them. Host and module may each have a
+// platform layer of their own.
 #pragma once
 
 #include <memory>

@@ -214,7 +214,8 @@ void FillDocumentInfo(Run *run) {
     info->bounds = {0, 0, HeightOf(run->tile.framed), WidthOf(run->tile.framed)};
     info->hResolution = document.horizontalResolution;
     info->vResolution = document.verticalResolution;
-    info->documentFileSpec = document.file ? &*document.file : nullptr;
+    // The number of a directory would mean nothing to the module, which has a table of its own.
+    info->documentFileSpec = nullptr;
     for (int i = 0; i < 256; ++i) {
         info->redLUT[i] = info->greenLUT[i] = info->blueLUT[i] = static_cast<uint8_t>(i);
     }

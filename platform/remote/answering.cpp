@@ -39,7 +39,8 @@ bool AnswerHello(Show *show, std::string_view content) {
     remote::Hello hello;
     return TakeOnly(content, &hello) && hello.greeting == remote::kGreeting &&
            hello.version == remote::kVersion &&
-           remote::SendPacket(show->line, remote::kHello, Packed(remote::Hello{.screen = show->backend->screen()}));
+           remote::SendPacket(show->line, remote::kHello,
+                              Packed(remote::Hello{.screen = show->backend->screen()}));
 }
 
 bool TakeState(Show *show, std::string_view content) {
@@ -100,7 +101,8 @@ bool AnswerEdit(Show *show, std::string_view content) {
 bool AnswerDrag(Show *show, std::string_view content) {
     Point start;
     return show->opened && TakeOnly(content, &start) &&
-           remote::SendPacket(show->line, remote::kDrag, Packed(show->backend->drag(show->dialog.get(), start)));
+           remote::SendPacket(show->line, remote::kDrag,
+                              Packed(show->backend->drag(show->dialog.get(), start)));
 }
 
 void EndShow(Show *show) {
@@ -123,9 +125,9 @@ constexpr struct {
     remote::Mark mark;
     bool (*answer)(Show *show, std::string_view content);
 } kAnswers[] = {
-    {remote::kHello, AnswerHello}, {remote::kState, TakeState},  {remote::kRows, TakePicture},
-    {remote::kOpen, AnswerOpen},   {remote::kNext, AnswerNext},  {remote::kTrack, AnswerTrack},
-    {remote::kEdit, AnswerEdit},   {remote::kDrag, AnswerDrag},  {remote::kClose, AnswerClose},
+    {remote::kHello, AnswerHello}, {remote::kState, TakeState}, {remote::kRows, TakePicture},
+    {remote::kOpen, AnswerOpen},   {remote::kNext, AnswerNext}, {remote::kTrack, AnswerTrack},
+    {remote::kEdit, AnswerEdit},   {remote::kDrag, AnswerDrag}, {remote::kClose, AnswerClose},
 };
 
 bool Answer(Show *show, const remote::Packet &packet) {

@@ -5,8 +5,8 @@
 
 namespace remote {
 
-// Shows the dialogs, one after the other, until the other side hangs up or says something that makes no sense; then
-// hangs up. The descriptor stays the caller's.
+// Shows the dialogs, one after the other, until the other side hangs up or says something that makes no
+// sense; then hangs up. The descriptor stays the caller's.
 void AnswerDialogs(int line, const DialogBackend &backend);
 
 }  // namespace remote

@@ -86,9 +86,8 @@ void Connect() {
     }
     connection = {};
     connection.tried = true;
-    connection.line = hostsLine >= 0
-                          ? fcntl(hostsLine, F_DUPFD_CLOEXEC, 0)
-                          : remote::StartWindowProgram(OwnFolder(), &connection.process);
+    connection.line = hostsLine >= 0 ? fcntl(hostsLine, F_DUPFD_CLOEXEC, 0)
+                                     : remote::StartWindowProgram(OwnFolder(), &connection.process);
     if (connection.line >= 0) {
         remote::SetPatience(connection.line, patience);
         if (!remote::Greet(connection.line, &connection.screen)) {
@@ -143,10 +142,6 @@ bool NextEvent(DialogRecord *dialog, EventRecord *event) {
     if (dialog != shown || !Update(*dialog) || !Ask(remote::kNext, {}, &next) || next.more == 0) {
         return false;
     }
-    if (next.focusItem != 0 && !model::IsTextField(dialog, next.focusItem)) {
-        HangUp();
-        return false;
-    }
     dialog->focusItem = next.focusItem;
     model::MoveWindowTo(&dialog->window, next.place);
     *event = remote::ReceivedEvent(next.event, dialog);
@@ -155,7 +150,8 @@ bool NextEvent(DialogRecord *dialog, EventRecord *event) {
 
 TrackedPart Track(ControlRecord *control) {
     TrackedPart tracked = {};
-    return AskWith(remote::kTrack, model::PlaceOf(*control->dialog, control), &tracked) ? tracked : TrackedPart{};
+    return AskWith(remote::kTrack, model::PlaceOf(*control->dialog, control), &tracked) ? tracked
+                                                                                        : TrackedPart{};
 }
 
 void Edit(DialogRecord *dialog, int16_t item, const EventRecord &event) {
@@ -165,7 +161,7 @@ void Edit(DialogRecord *dialog, int16_t item, const EventRecord &event) {
     if (!AskWith(remote::kEdit, edit, &selection, &text)) {
         return;
     }
-    if (selection.start > selection.end || selection.end > text.size() || text.size() > model::kLongestText) {
+    if (text.size() > model::kLongestText) {
         HangUp();
         return;
     }
@@ -194,8 +190,8 @@ bool remote::Greet(int line, Rect *screen) {
         return false;
     }
     std::string_view content = packet.content;
-    if (packet.mark != kHello || !TakeRecord(&content, &hello) || !content.empty() || hello.greeting != kGreeting ||
-        hello.version != kVersion) {
+    if (packet.mark != kHello || !TakeRecord(&content, &hello) || !content.empty() ||
+        hello.greeting != kGreeting || hello.version != kVersion) {
         return false;
     }
     *screen = hello.screen;

@@ -1,5 +1,5 @@
-// The back end that has dialogs shown by another process: by the host, if it has given a line, or else by the program
-// in this code's own folder. Whatever goes wrong there is a cancel here.
+// The back end that has dialogs shown by another process: by the host, if it has given a line, or else by the
+// program in this code's own folder. Whatever goes wrong there is a cancel here.
 #pragma once
 
 #include <string>

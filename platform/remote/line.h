@@ -21,8 +21,8 @@ bool MakeLine(int ends[2]);
 // How long the next packets are waited for, sent or received.
 void SetPatience(int line, int milliseconds);
 
-// Both return false when nothing more can come of the line: the other side has hung up or takes too long, or a
-// packet is too large.
+// Both return false when nothing more can come of the line: the other side has hung up or takes too long, or
+// a packet is too large.
 bool SendPacket(int line, char mark, std::string_view content);
 bool ReceivePacket(int line, Packet *packet);
 

@@ -45,7 +45,8 @@ bool remote::SendPicture(int line, const GrafPort &port, SentPicture *sent) {
     const auto rowsEach = static_cast<int16_t>((kLargestContent - sizeof drawn) / rowBytes);
     for (int32_t top = drawn.top; top < drawn.bottom; top += rowsEach) {
         const Rect rows = {static_cast<int16_t>(top), drawn.left,
-                           static_cast<int16_t>(std::min<int32_t>(top + rowsEach, drawn.bottom)), drawn.right};
+                           static_cast<int16_t>(std::min<int32_t>(top + rowsEach, drawn.bottom)),
+                           drawn.right};
         const size_t from = static_cast<size_t>(top - drawn.top) * rowBytes;
         const size_t size = static_cast<size_t>(rows.bottom - rows.top) * rowBytes;
         const bool same = known && std::memcmp(&pixels[from], &sent->pixels[from], size) == 0;

@@ -16,8 +16,8 @@ bool ConcernsWindow(uint16_t what) {
 remote::SentEvent remote::EventToSend(const DialogRecord &dialog, const EventRecord &event) {
     const bool ofDialog = event.message == reinterpret_cast<uintptr_t>(&dialog.window);
     const auto message = static_cast<uint32_t>(event.message & charCodeMask);
-    return {event.what, event.modifiers, ConcernsWindow(event.what) ? uint32_t{ofDialog} : message, event.when,
-            event.where};
+    return {event.what, event.modifiers, ConcernsWindow(event.what) ? uint32_t{ofDialog} : message,
+            event.when, event.where};
 }
 
 EventRecord remote::ReceivedEvent(const SentEvent &sent, DialogRecord *dialog) {

@@ -1,5 +1,5 @@
-// What a dialog's owner and whoever shows it say to each other. The owner asks; to every question but the marked ones
-// there is one answer, with the same mark. Numbers are in the machine's own byte order.
+// What a dialog's owner and whoever shows it say to each other. The owner asks; to every question but the
+// marked ones there is one answer, with the same mark. Numbers are in the machine's own byte order.
 #pragma once
 
 #include "platform/dialog_backend.h"

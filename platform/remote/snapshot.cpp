@@ -60,8 +60,8 @@ bool TakeControl(std::string_view *packed, size_t place, DialogRecord *copy) {
     if (control == nullptr || !SameControl(*control, sent)) {
         control = std::make_unique<ControlRecord>();
     }
-    *control = {copy,         sent.bounds,  title,             sent.definition, sent.value,
-                sent.minimum, sent.maximum, sent.visible != 0, 0};
+    *control = {copy,         sent.bounds,       title, sent.definition, sent.value, sent.minimum,
+                sent.maximum, sent.visible != 0, 0};
     return true;
 }
 
@@ -92,7 +92,8 @@ bool LinkControls(const std::vector<int32_t> &places, DialogRecord *copy) {
     return true;
 }
 
-// The kinds of a dialog's items, the size of its window and the focus are taken for granted by those who show it.
+// The kinds of a dialog's items, the size of its window and the focus are taken for granted by those who show
+// it.
 bool TakeWindow(const SentWindow &sent, const std::string &title, DialogRecord *copy) {
     WindowRecord *window = &copy->window;
     const Rect contents = {0, 0, static_cast<int16_t>(sent.bounds.bottom - sent.bounds.top),
@@ -103,7 +104,8 @@ bool TakeWindow(const SentWindow &sent, const std::string &title, DialogRecord *
         return false;
     }
     const Rect &known = window->port.pixMap.bounds;
-    if (std::memcmp(&known, &contents, sizeof known) != 0 || (!isNew && copy->items.size() != sent.itemCount) ||
+    if (std::memcmp(&known, &contents, sizeof known) != 0 ||
+        (!isNew && copy->items.size() != sent.itemCount) ||
         (!ports::IsEmpty(sent.drawn) && !ports::Holds(known, sent.drawn))) {
         return false;
     }
@@ -151,8 +153,8 @@ std::string remote::PackDialog(const DialogRecord &dialog) {
         AppendText(&packed, item.text.characters);
     }
     for (const auto &control : dialog.controls) {
-        AppendRecord(&packed, SentControl{control->bounds, control->definition, control->minimum, control->maximum,
-                                          control->value, uint16_t{control->visible}});
+        AppendRecord(&packed, SentControl{control->bounds, control->definition, control->minimum,
+                                          control->maximum, control->value, uint16_t{control->visible}});
         AppendText(&packed, control->title);
     }
     return packed;

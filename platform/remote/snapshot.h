@@ -10,9 +10,9 @@ namespace remote {
 
 std::string PackDialog(const DialogRecord &dialog);
 
-// Brings a copy up to date; an empty copy becomes one of the dialog, with a picture that the caller releases. Controls
-// that are still as they were stay where they are in memory. False for bytes that cannot be the state of the copied
-// dialog; the copy is then of no use.
+// Brings a copy up to date; an empty copy becomes one of the dialog, with a picture that the caller releases.
+// Controls that are still as they were stay where they are in memory. False for bytes that cannot be the
+// state of the copied dialog; the copy is then of no use.
 bool UnpackDialog(std::string_view packed, DialogRecord *copy);
 
 }  // namespace remote

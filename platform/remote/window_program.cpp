@@ -25,14 +25,15 @@ bool PlaceDescriptors(int line, Actions *actions) {
     return sound && posix_spawn_file_actions_addclosefrom_np(actions, remote::kWindowLine + 1) == 0;
 }
 
-// A process group of its own, so that keys at the host's terminal are the host's; and no signal is blocked or ignored.
+// A process group of its own, so that keys at the host's terminal are the host's; and no signal is blocked or
+// ignored.
 bool ResetSignals(Attributes *attributes) {
     sigset_t none;
     sigset_t all;
     sigemptyset(&none);
     sigfillset(&all);
-    return posix_spawnattr_setflags(attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK |
-                                                    POSIX_SPAWN_SETSIGDEF) == 0 &&
+    return posix_spawnattr_setflags(
+               attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF) == 0 &&
            posix_spawnattr_setpgroup(attributes, 0) == 0 &&
            posix_spawnattr_setsigmask(attributes, &none) == 0 &&
            posix_spawnattr_setsigdefault(attributes, &all) == 0;

@@ -1,5 +1,5 @@
-// The dialog and whoever shows it at two ends of a line: it is as if they were in one place, and nothing that the other
-// end says or fails to say does more than cancel it.
+// The dialog and whoever shows it at two ends of a line: it is as if they were in one place, and nothing that
+// the other end says or fails to say does more than cancel it.
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -29,9 +29,12 @@ using user::Press;
 using Actions = std::vector<UserAction>;
 
 // One of each kind of question.
-const Actions kSession = {user::DragWindow(30, 20), Press(kRadiusBarItem, kPageDown),
-                          MoveThumb(kHorizontalBarItem, 140), DoubleClick(kRadiusFieldItem),
-                          Key('4'), Key(kReturn)};
+const Actions kSession = {user::DragWindow(30, 20),
+                          Press(kRadiusBarItem, kPageDown),
+                          MoveThumb(kHorizontalBarItem, 140),
+                          DoubleClick(kRadiusFieldItem),
+                          Key('4'),
+                          Key(kReturn)};
 
 size_t OpenDescriptors() {
     const std::filesystem::directory_iterator all("/proc/self/fd");
@@ -40,8 +43,8 @@ size_t OpenDescriptors() {
 
 class RemoteDialog : public DialogTest {
   protected:
-    // Passes packets on between a dialog and its script, but for what `damage` does to the answers. Returns the number
-    // of answers.
+    // Passes packets on between a dialog and its script, but for what `damage` does to the answers. Returns
+    // the number of answers.
     int RunDamaged(const std::function<bool(int number, Packet *answer)> &damage, DialogOutcome *outcome) {
         int ends[2];
         EXPECT_TRUE(remote::MakeLine(ends));
@@ -89,8 +92,12 @@ TEST_F(RemoteDialog, IsAsIfItWereHere) {
         {2, kSession},
         {2.5f, {Press(kRadiusBarItem, kDownArrow), Key(kEnter)}},
         {3, {Key('1'), Key('2'), Key(kBackspace), Click(kMinusItem), Key('5'), Click(kOKItem)}},
-        {1, {Click(kPreviewCheckBoxItem), MoveThumb(kVerticalBarItem, 3), Press(kVerticalBarItem, kUp), Key(kReturn)}},
-        {4, {Event(nullEvent), Event(updateEvt, true), Event(activateEvt, true), Event(updateEvt), Event(activateEvt)}},
+        {1,
+         {Click(kPreviewCheckBoxItem), MoveThumb(kVerticalBarItem, 3), Press(kVerticalBarItem, kUp),
+          Key(kReturn)}},
+        {4,
+         {Event(nullEvent), Event(updateEvt, true), Event(activateEvt, true), Event(updateEvt),
+          Event(activateEvt)}},
         {3, {Key('5'), Key('.', cmdKey)}},
         {3, user::Answer(kRadiusFieldItem, "6")},
     };
@@ -139,7 +146,9 @@ TEST_F(RemoteDialog, DamagedAnswersCancel) {
         [](Packet *answer) { return answer->mark = 'x', true; },
         [](Packet *answer) { return answer->content.pop_back(), true; },
         [](Packet *answer) { return answer->content.clear(), true; },
-        [](Packet *answer) { return answer->content.append(remote::kLargestContent - answer->content.size(), 'x'), true; },
+        [](Packet *answer) {
+            return answer->content.append(remote::kLargestContent - answer->content.size(), 'x'), true;
+        },
     };
     // The last answer, to closing, comes when all is decided.
     for (int n = 0; n < answers - 1; ++n) {
@@ -156,13 +165,19 @@ TEST_F(RemoteDialog, DamagedAnswersCancel) {
         void (*damage)(Packet *answer);
     } senseless[] = {
         {remote::kHello, [](Packet *p) { Change<remote::Hello>(p, [](remote::Hello *h) { ++h->version; }); }},
-        {remote::kHello, [](Packet *p) { Change<remote::Hello>(p, [](remote::Hello *h) { ++h->greeting; }); }},
+        {remote::kHello,
+         [](Packet *p) { Change<remote::Hello>(p, [](remote::Hello *h) { ++h->greeting; }); }},
         {remote::kOpen, [](Packet *p) { Change<uint16_t>(p, [](uint16_t *open) { *open = 0; }); }},
-        {remote::kNext, [](Packet *p) { Change<remote::NextEvent>(p, [](remote::NextEvent *e) { e->focusItem = 6; }); }},
-        {remote::kNext, [](Packet *p) { Change<remote::NextEvent>(p, [](remote::NextEvent *e) { e->focusItem = -1; }); }},
-        {remote::kNext, [](Packet *p) { Change<remote::NextEvent>(p, [](remote::NextEvent *e) { e->focusItem = 99; }); }},
-        {remote::kEdit, [](Packet *p) { Change<remote::TextSelection>(p, [](remote::TextSelection *s) { s->end = 99; }); }},
-        {remote::kEdit, [](Packet *p) { Change<remote::TextSelection>(p, [](remote::TextSelection *s) { s->start = 9; }); }},
+        {remote::kNext,
+         [](Packet *p) { Change<remote::NextEvent>(p, [](remote::NextEvent *e) { e->focusItem = 6; }); }},
+        {remote::kNext,
+         [](Packet *p) { Change<remote::NextEvent>(p, [](remote::NextEvent *e) { e->focusItem = -1; }); }},
+        {remote::kNext,
+         [](Packet *p) { Change<remote::NextEvent>(p, [](remote::NextEvent *e) { e->focusItem = 99; }); }},
+        {remote::kEdit,
+         [](Packet *p) { Change<remote::TextSelection>(p, [](remote::TextSelection *s) { s->end = 99; }); }},
+        {remote::kEdit,
+         [](Packet *p) { Change<remote::TextSelection>(p, [](remote::TextSelection *s) { s->start = 9; }); }},
         {remote::kEdit, [](Packet *p) { p->content.append(256, '1'); }},
         {remote::kNext, [](Packet *) { usleep(400000); }},
     };
@@ -201,7 +216,8 @@ TEST_F(RemoteDialog, DamagedQuestionsEndTheShow) {
                 const size_t size = question.content.size();
                 if (random() % 3 != 0 && size > 0) {
                     for (int bytes = 0; bytes < 3; ++bytes) {
-                        question.content[random() % std::min<size_t>(size, 600)] = static_cast<char>(random());
+                        question.content[random() % std::min<size_t>(size, 600)] =
+                            static_cast<char>(random());
                     }
                 } else {
                     question.content.resize(random() % 2 != 0 ? size + 1 : size - std::min<size_t>(size, 1));
@@ -269,7 +285,8 @@ TEST_F(RemoteDialog, ProgramsThatDoNotShowItLeaveNothing) {
         {"exit 0", kNoDisplay},
         {"kill -ABRT $$", kNoDisplay},
         {"cat </dev/zero >&3 2>/dev/null", kNoDisplay},
-        {"ls /proc/$$/fd >$0.fds; grep -E 'SigBlk|SigIgn' /proc/self/status >$0.signals; ps -o pgid= $$ >$0.group",
+        {"ls /proc/$$/fd >$0.fds; grep -E 'SigBlk|SigIgn' /proc/self/status >$0.signals; ps -o pgid= $$ "
+         ">$0.group",
          kNoDisplay},
     };
     for (const auto &c : cases) {
