@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstring>
 #include <functional>
@@ -197,37 +198,66 @@ TEST_F(RemoteDialog, DamagedAnswersCancel) {
     EXPECT_EQ(OpenDescriptors(), descriptors);
 }
 
-// Whoever shows dialogs stops at the first question that makes no sense, and keeps nothing.
+// Asks all the questions; true if that went well to the end.
+bool AskAll(const std::vector<Packet> &questions) {
+    const auto answered = AnswerDialogs(kSession);
+    const int line = answered->forModule.line;
+    remote::SetPatience(line, 2000);
+    return std::all_of(questions.begin(), questions.end(), [=](const Packet &question) {
+        const bool answer = question.mark != remote::kState && question.mark != remote::kRows;
+        Packet packet;
+        return remote::SendPacket(line, question.mark, question.content) &&
+               (!answer || remote::ReceivePacket(line, &packet));
+    });
+}
+
+// Whoever shows dialogs stops at a question that makes no sense, and keeps nothing.
 TEST_F(RemoteDialog, DamagedQuestionsEndTheShow) {
     DialogOutcome outcome;
     RunDamaged([](int, Packet *) { return true; }, &outcome);
-    const std::vector<Packet> questions = std::move(asked);
-    std::mt19937 random(5);
+    ASSERT_TRUE(AskAll(asked));
     const int64_t blocks = faults::BlocksInUse();
-    for (int round = 0; round < 600; ++round) {
-        const auto answered = AnswerDialogs(kSession);
-        remote::SetPatience(answered->forModule.line, 2000);
-        const size_t damaged = static_cast<size_t>(round) % questions.size();
-        bool refused = false;
-        for (size_t i = 0; i < questions.size() && !refused; ++i) {
-            Packet question = questions[i];
-            if (i == damaged) {
-                // Cut, too long, or with a few bytes changed.
-                const size_t size = question.content.size();
-                if (random() % 3 != 0 && size > 0) {
-                    for (int bytes = 0; bytes < 3; ++bytes) {
-                        question.content[random() % std::min<size_t>(size, 600)] =
-                            static_cast<char>(random());
-                    }
-                } else {
-                    question.content.resize(random() % 2 != 0 ? size + 1 : size - std::min<size_t>(size, 1));
-                }
-            }
-            const bool answer = question.mark != remote::kState && question.mark != remote::kRows;
-            Packet packet;
-            refused = !remote::SendPacket(answered->forModule.line, question.mark, question.content) ||
-                      (answer && !remote::ReceivePacket(answered->forModule.line, &packet));
+    // A number is added to one or two fields of the last question of a kind.
+    const struct {
+        char mark;
+        size_t fields[2];
+        int16_t added;
+    } senseless[] = {
+        {remote::kRows, {0, 4}, 5000},                                 // rows below the window
+        {remote::kRows, {2, 6}, -400},                                 // to its left
+        {remote::kState, {12, 12}, 5000},                              // drawn beyond its bottom
+        {remote::kState, {4, 4}, 1},                                   // of another height
+        {remote::kTrack, {0, 0}, 99},                                  // no such control
+        {remote::kTrack, {2, 2}, -1},     {remote::kEdit, {0, 0}, 1},  // not a text field
+        {remote::kHello, {0, 0}, 1},      {remote::kHello, {4, 4}, 1},
+    };
+    for (const auto &c : senseless) {
+        SCOPED_TRACE(testing::Message() << "senseless question " << &c - senseless);
+        std::vector<Packet> questions = asked;
+        const auto last = std::find_if(questions.rbegin(), questions.rend(),
+                                       [&](const Packet &question) { return question.mark == c.mark; });
+        for (size_t i = 0; i < (c.fields[0] == c.fields[1] ? 1 : 2); ++i) {
+            int16_t field;
+            std::memcpy(&field, &last->content[c.fields[i]], sizeof field);
+            field = static_cast<int16_t>(field + c.added);
+            std::memcpy(&last->content[c.fields[i]], &field, sizeof field);
         }
+        EXPECT_FALSE(AskAll(questions));
+    }
+    // One is cut, too long, or has a few bytes changed, which may make sense.
+    std::mt19937 random(5);
+    for (size_t round = 0; round < 600; ++round) {
+        std::vector<Packet> questions = asked;
+        std::string *content = &questions[round % questions.size()].content;
+        const size_t size = content->size();
+        const bool changed = random() % 3 != 0 && size > 0;
+        for (int bytes = 0; bytes < 3 && changed; ++bytes) {
+            (*content)[random() % std::min<size_t>(size, 600)] = static_cast<char>(random());
+        }
+        if (!changed) {
+            content->resize(random() % 2 != 0 ? size + 1 : size - std::min<size_t>(size, 1));
+        }
+        AskAll(questions);
     }
     EXPECT_EQ(faults::BlocksInUse(), blocks);
 }
