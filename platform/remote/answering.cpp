@@ -77,7 +77,7 @@ bool AnswerNext(Show *show, std::string_view) {
 
 bool AnswerTrack(Show *show, std::string_view content) {
     int32_t place = 0;
-    if (!show->opened || !TakeOnly(content, &place) || place < 0 ||
+    if (!show->opened || !TakeOnly(content, &place) ||
         static_cast<size_t>(place) >= show->dialog->controls.size()) {
         return false;
     }

@@ -1,6 +1,7 @@
 // The dialog and whoever shows it at two ends of a line: it is as if they were in one place, and nothing that
 // the other end says or fails to say does more than cancel it.
 #include <fcntl.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -290,12 +291,32 @@ TEST_F(RemoteDialog, PlatformDataOfOthersIsTheirs) {
     UsePlatformData(0, nullptr);
 }
 
+TEST(DialogLine, TakesNoPacketThatIsTooLarge) {
+    int ends[2];
+    ASSERT_TRUE(remote::MakeLine(ends));
+    const std::string large(remote::kLargestContent + 2, 'x');
+    Packet packet;
+    for (const size_t size : {remote::kLargestContent + 1, remote::kLargestContent + 2}) {
+        EXPECT_EQ(send(ends[0], large.data(), size, 0), static_cast<ssize_t>(size));
+        EXPECT_EQ(remote::ReceivePacket(ends[1], &packet), size == remote::kLargestContent + 1);
+    }
+    EXPECT_FALSE(remote::SendPacket(ends[0], 'x', large));
+    close(ends[0]);
+    close(ends[1]);
+}
+
 // What takes the place of the program that shows dialogs.
 TEST_F(RemoteDialog, ProgramsThatDoNotShowItLeaveNothing) {
     const auto install = [&](const std::string &script) {
-        WriteBytes("hymedian-dialog", "#!/bin/sh\necho noise; echo noise >&2\n" + script + "\n");
+        WriteBytes("hymedian-dialog", script);
         std::filesystem::permissions(folder / "hymedian-dialog", std::filesystem::perms::owner_all);
     };
+    const std::string shell = "#!/bin/sh\necho noise; echo noise >&2\n";
+    // A shell would change what it inherits.
+    const std::string seesSignals =
+        "#!/usr/bin/awk -f\nBEGIN { while ((getline < \"/proc/self/status\") > 0)\n"
+        "if (/SigBlk|SigIgn/) print >\"" +
+        Path("signals") + "\" }\n";
     EXPECT_EQ(TryDialogProgram(folder), kNoDialogProgram);
     const size_t descriptors = OpenDescriptors();
     signal(SIGTERM, SIG_IGN);
@@ -308,27 +329,28 @@ TEST_F(RemoteDialog, ProgramsThatDoNotShowItLeaveNothing) {
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
     const struct {
-        const char *script;
+        std::string script;
         OSErr problem;
     } cases[] = {
-        {"exit 127", kNoToolkit},
-        {"exit 0", kNoDisplay},
-        {"kill -ABRT $$", kNoDisplay},
-        {"cat </dev/zero >&3 2>/dev/null", kNoDisplay},
-        {"ls /proc/$$/fd >$0.fds; grep -E 'SigBlk|SigIgn' /proc/self/status >$0.signals; ps -o pgid= $$ "
-         ">$0.group",
-         kNoDisplay},
+        {shell + "exit 127", kNoToolkit},
+        {shell + "exit 0", kNoDisplay},
+        {shell + "kill -ABRT $$", kNoDisplay},
+        {shell + "cat </dev/zero >&3 2>/dev/null", kNoDisplay},
+        {shell + "ls /proc/$$/fd >$0.fds; ps -o pgid= $$ >$0.group", kNoDisplay},
+        {seesSignals, kNoDisplay},
     };
     for (const auto &c : cases) {
         install(c.script);
         EXPECT_EQ(TryDialogProgram(folder), c.problem) << c.script;
     }
     EXPECT_EQ(testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr(), "");
-    std::istringstream signals(ContentsOf(folder / "hymedian-dialog.signals"));
+    std::istringstream signals(ContentsOf(folder / "signals"));
     uint64_t of = 0;
-    for (std::string name; signals >> name >> std::hex >> of;) {
+    int seen = 0;
+    for (std::string name; signals >> name >> std::hex >> of; ++seen) {
         EXPECT_EQ(of & 0x7FFFFFFF, 0u) << name;
     }
+    EXPECT_EQ(seen, 2);
     EXPECT_NE(std::stoi(ContentsOf(folder / "hymedian-dialog.group")), getpgrp());
     const std::string open = ContentsOf(folder / "hymedian-dialog.fds");
     EXPECT_NE(open.find("\n3\n"), std::string::npos) << open;
