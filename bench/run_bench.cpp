@@ -99,7 +99,6 @@ Figures MeasureRun(Module *module, const char *file, const char *output, float r
     figures.reading = reading;
 
     const FilterOrders orders = {{}, DialogUser::script, static_cast<int32_t>(radius)};
-    ChooseDialogUser(orders);
     start = Clock::now();
     const FilterOutcome outcome =
         RunTiles({module, &picture.document, orders, true, {}},

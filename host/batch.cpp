@@ -167,16 +167,13 @@ bool TakeAnswer(Batch *batch, size_t job, const std::string &packed) {
 bool TakeDeath(Batch *batch, size_t job, const std::string &how) {
     const std::unique_ptr<Assigned> assigned = TakeBack(batch, job);
     const FileTask &task = assigned->planned.task;
-    const bool inDialog = task.settings.orders.user == DialogUser::person;
-    const Failure failure = FileFailure(
-        task.inputFile, inDialog ? "the dialog's process " + how +
-                                       ", perhaps because the display went away, nothing was written"
-                                 : "its worker process " + how + ", nothing was written");
+    const Failure failure =
+        FileFailure(task.inputFile, "its worker process " + how + ", nothing was written");
     Settle(batch, assigned->request, failure, {}, assigned->start);
     return true;
 }
 
-// Small pictures go to workers whole. So do pictures with a dialog, since that dies with its display.
+// Small pictures go to workers whole. So do pictures with a dialog, since an interrupt has to end it at once.
 // Pictures worth several workers are left for later.
 void RunInWorkers(Batch *batch) {
     WorkerCalls calls;

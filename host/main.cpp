@@ -47,7 +47,7 @@ MaybeFailure Prepare(const Options &options, FilterSettings *settings, std::vect
     if (MaybeFailure failure = OpenPlugin(options.pluginFolder, &plugin)) {
         return failure;
     }
-    return ChooseDialogUser(settings->orders);
+    return CheckDialogUser(settings->orders, options.pluginFolder);
 }
 
 int Run(const Options &options) {

@@ -26,8 +26,14 @@ ControlRecord *model::AddControl(DialogRecord *dialog, ControlRecord control) {
     return dialog->controls.back().get();
 }
 
+int32_t model::PlaceOf(const DialogRecord &dialog, const ControlRecord *control) {
+    const auto found = std::find_if(dialog.controls.begin(), dialog.controls.end(),
+                                    [=](const auto &owned) { return owned.get() == control; });
+    return found == dialog.controls.end() ? -1 : static_cast<int32_t>(found - dialog.controls.begin());
+}
+
 void model::CopyTitle(const std::string &text, StringPtr title) {
-    const size_t length = std::min(text.size(), size_t{255});
+    const size_t length = std::min(text.size(), kLongestText);
     title[0] = static_cast<uint8_t>(length);
     std::copy_n(text.begin(), length, title + 1);
 }

@@ -4,8 +4,6 @@
 
 #include "platform/windows.h"
 
-#pragma GCC visibility push(default)
-
 struct ControlRecord;
 using ControlRef = ControlRecord *;
 using ControlActionUPP = void (*)(ControlRef control, int16_t part);
@@ -39,5 +37,3 @@ void GetControlTitle(ControlRef control, StringPtr title);
 void SetControlTitle(ControlRef control, ConstStringPtr title);
 
 }  // extern "C"
-
-#pragma GCC visibility pop

@@ -3,8 +3,6 @@
 
 #include "platform/types.h"
 
-#pragma GCC visibility push(default)
-
 enum : uint8_t {
     shortDate = 0,
     longDate = 1,
@@ -20,5 +18,3 @@ void DateString(uint32_t seconds, uint8_t form, Str255 text, Handle resource);
 void TimeString(uint32_t seconds, Boolean wantSeconds, Str255 text, Handle resource);
 
 }  // extern "C"
-
-#pragma GCC visibility pop

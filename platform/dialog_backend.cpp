@@ -1,67 +1,59 @@
-// Owns the choice of back end, and loads the module that holds the screen one.
-#include <dlfcn.h>
-
-#include <string>
-
+// Owns the choice of back end.
 #include "platform/dialog_backend.h"
+
+#include <unistd.h>
+
+#include "platform/dialog_line.h"
+#include "platform/remote/asking.h"
+#include "platform/remote/line.h"
+#include "platform/remote/window_program.h"
 
 namespace {
 
-constexpr DialogBackend kShowsNothing = {
-    []() -> Rect { return {}; },
-    [](DialogRecord *) { return false; },
-    [](DialogRecord *) {},
-    [](DialogRecord *, EventRecord *) { return false; },
-    [](ControlRecord *) -> TrackedPart { return {}; },
-    [](DialogRecord *, int16_t, const EventRecord &) {},
-    [](DialogRecord *, Point start) { return start; },
-};
+// What a dynamic linker that misses a library ends the program with.
+constexpr int kNotLinked = 127;
 
 const DialogBackend *chosen;
-bool triedScreen;
-
-// The module is in the same folder as this library.
-std::string ModulePath() {
-    Dl_info self;
-    if (dladdr(reinterpret_cast<const void *>(&UseScreenDialogs), &self) == 0) {
-        return "libplatform-qt.so";
-    }
-    const std::string path = self.dli_fname;
-    return path.substr(0, path.rfind('/') + 1) + "libplatform-qt.so";
-}
 
 }  // namespace
 
 const DialogBackend &CurrentDialogBackend() {
-    // Tried only once: what is missing now will not appear later.
-    if (chosen == nullptr && !triedScreen) {
-        triedScreen = true;
-        (void)UseScreenDialogs();
-    }
-    return chosen == nullptr ? kShowsNothing : *chosen;
+    return chosen == nullptr ? remote::AskingBackend() : *chosen;
 }
 
 void SetDialogBackend(const DialogBackend *backend) {
     chosen = backend;
 }
 
-OSErr UseScreenDialogs() {
-    // Never closed: what the module registers with the toolkit must outlive every dialog.
-    void *module = dlopen(ModulePath().c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (module == nullptr) {
-        return kNoScreenModule;
-    }
-    using Maker = const DialogBackend *(*)();
-    const auto make = reinterpret_cast<Maker>(dlsym(module, "ScreenDialogBackend"));
-    const DialogBackend *backend = make == nullptr ? nullptr : make();
-    if (backend == nullptr) {
-        return kNoDisplay;
-    }
-    SetDialogBackend(backend);
-    return noErr;
+void UsePlatformData(OSType hostSig, const void *platformData) {
+    const auto *given = static_cast<const DialogLine *>(platformData);
+    const bool sound = hostSig == kAnsweringHost && given != nullptr && given->tag == kDialogLineTag &&
+                       given->size >= sizeof *given;
+    remote::UseLine(sound ? given->line : -1);
 }
 
-const char *ScreenDialogProblem(OSErr problem) {
-    return problem == kNoScreenModule ? "Dialogs need Qt 6, which is not installed."
-                                      : "Dialogs need a display, and there is none.";
+OSErr TryDialogProgram(const std::string &folder) {
+    int process = -1;
+    const int line = remote::StartWindowProgram(folder, &process);
+    if (line < 0) {
+        return kNoDialogProgram;
+    }
+    Rect screen;
+    remote::SetPatience(line, remote::kPatienceMilliseconds);
+    const bool answers = remote::Greet(line, &screen);
+    close(line);
+    const int status = remote::EndWindowProgram(process);
+    return answers ? noErr : status == kNotLinked ? kNoToolkit : kNoDisplay;
+}
+
+const char *DialogProgramProblem(OSErr problem) {
+    switch (problem) {
+        case kNoDialogProgram:
+            return "Dialogs need the program hymedian-dialog beside the plug-in's module, and it is not "
+                   "there.";
+        case kNoToolkit:
+            return "Dialogs need Qt 6, which is not installed.";
+        default:
+            return "Dialogs need a display, and there is none.";
+    }
 }

@@ -2,9 +2,9 @@
 // back end shows them and passes on what the user does.
 #pragma once
 
-#include "platform/dialogs.h"
+#include <string>
 
-#pragma GCC visibility push(default)
+#include "platform/dialogs.h"
 
 struct ScriptedSession;
 
@@ -19,6 +19,7 @@ struct DialogBackend {
     // False when the dialog cannot be shown. Its picture and items are complete by now; controls may be added
     // later.
     bool (*open)(DialogRecord *dialog);
+    // Also of a dialog that could not be opened.
     void (*close)(DialogRecord *dialog);
 
     // Shows the dialog's current state and waits for the next event. False when no more events can come.
@@ -35,17 +36,22 @@ struct DialogBackend {
 // From now on `wanted` answers dialogs. The caller keeps ownership and must keep it alive while it is in use.
 void UseScriptedDialogs(ScriptedSession *wanted);
 
-constexpr OSErr kNoScreenModule = -30001;
-constexpr OSErr kNoDisplay = -30002;
+// The one host whose platformData is read: hymedian, which can answer dialogs itself through it, see
+// platform/answered_dialogs.h. To others it is theirs.
+constexpr OSType kAnsweringHost = FourCharCode("HyMh");
 
-// From now on dialogs appear on the screen. On kNoScreenModule or kNoDisplay nothing changes. If no back end
-// has been chosen, the first dialog tries this one.
-OSErr UseScreenDialogs();
-// One sentence telling the user why UseScreenDialogs failed; `problem` is not noErr.
-const char *ScreenDialogProblem(OSErr problem);
+// The record's fields of these names, for dialogs from now on; null lets go of them.
+void UsePlatformData(OSType hostSig, const void *platformData);
 
-// The back end in use; if there is none, one that cannot show anything.
+constexpr OSErr kNoDialogProgram = -30001;
+constexpr OSErr kNoToolkit = -30002;
+constexpr OSErr kNoDisplay = -30003;
+
+// Whether the program in a module's folder could show a dialog now.
+OSErr TryDialogProgram(const std::string &folder);
+// One sentence telling the user why it could not; `problem` is not noErr.
+const char *DialogProgramProblem(OSErr problem);
+
+// The back end in use. If none has been chosen, dialogs are shown by the host, or by a program of their own.
 const DialogBackend &CurrentDialogBackend();
 void SetDialogBackend(const DialogBackend *backend);
-
-#pragma GCC visibility pop

@@ -40,13 +40,6 @@ Reader ReaderOf(Handle resource) {
     return {bytes, bytes + GetHandleSize(resource)};
 }
 
-// Width and height must fit 16 bits and not be negative.
-bool IsSound(const Rect &bounds) {
-    const int32_t width = bounds.right - bounds.left;
-    const int32_t height = bounds.bottom - bounds.top;
-    return width >= 0 && width <= INT16_MAX && height >= 0 && height <= INT16_MAX;
-}
-
 ControlRecord ItemControl(const Rect &bounds, const std::string &title) {
     return {nullptr, bounds, title, 0, 0, 0, 1, true, 0};
 }
@@ -63,7 +56,7 @@ bool model::ReadWindowTemplate(Handle resource, WindowRecord *window, int16_t *i
     window->reference = reader.Read<int32_t>();
     *itemListID = reader.Read<int16_t>();
     window->title = reader.ReadString();
-    return reader.sound && IsSound(window->bounds) && !ports::IsEmpty(window->bounds);
+    return reader.sound && ports::IsSound(window->bounds) && !ports::IsEmpty(window->bounds);
 }
 
 bool model::ReadItemList(Handle resource, DialogRecord *dialog) {
@@ -73,7 +66,7 @@ bool model::ReadItemList(Handle resource, DialogRecord *dialog) {
         reader.Read<int32_t>();  // where a loaded item list keeps its handles
         DialogItem item = {};
         item.bounds = reader.Read<Rect>();
-        reader.sound = reader.sound && IsSound(item.bounds);
+        reader.sound = reader.sound && ports::IsSound(item.bounds);
         item.type = reader.Read<uint8_t>();
         item.text.characters = reader.ReadString();
         if (item.text.characters.size() % 2 != 0 && reader.next != reader.end) {

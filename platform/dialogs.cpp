@@ -80,6 +80,12 @@ int16_t FirstTextField(const DialogRecord &dialog) {
     return field == dialog.items.end() ? int16_t{0} : static_cast<int16_t>(field - dialog.items.begin() + 1);
 }
 
+bool Open(DialogRecord *dialog) {
+    dialog->defaultItem = kStdOkItemIndex;
+    dialog->focusItem = FirstTextField(*dialog);
+    return CurrentDialogBackend().open(dialog);
+}
+
 }  // namespace
 
 std::vector<DialogRecord *> &model::OpenDialogs() {
@@ -107,14 +113,15 @@ bool model::IsControlItem(const DialogItem &item) {
     return KindOf(item) >= kButtonDialogItem && KindOf(item) <= kResourceControlDialogItem;
 }
 
+bool model::IsTextField(DialogRecord *dialog, int16_t item) {
+    const DialogItem *found = ItemAt(dialog, item);
+    return found != nullptr && KindOf(*found) == kEditTextDialogItem;
+}
+
 DialogRef GetNewDialog(int16_t id, void *, WindowRef) {
     auto dialog = std::make_unique<DialogRecord>();
-    if (!ReadTemplates(id, dialog.get()) || !MakePicture(&dialog->window)) {
-        return nullptr;
-    }
-    dialog->defaultItem = kStdOkItemIndex;
-    dialog->focusItem = FirstTextField(*dialog);
-    if (!CurrentDialogBackend().open(dialog.get())) {
+    if (!ReadTemplates(id, dialog.get()) || !MakePicture(&dialog->window) || !Open(dialog.get())) {
+        CurrentDialogBackend().close(dialog.get());
         ports::ReleasePort(&dialog->window.port);
         return nullptr;
     }
@@ -172,10 +179,10 @@ void SetDialogItemText(Handle handle, ConstStringPtr text) {
 }
 
 void SelectDialogItemText(DialogRef dialog, int16_t item, int16_t start, int16_t end) {
-    DialogItem *found = model::ItemAt(dialog, item);
-    if (found == nullptr || model::KindOf(*found) != kEditTextDialogItem) {
+    if (!model::IsTextField(dialog, item)) {
         return;
     }
+    DialogItem *found = model::ItemAt(dialog, item);
     const auto position = [&](int16_t at) {
         return std::min(static_cast<size_t>(std::max(at, int16_t{0})), found->text.characters.size());
     };

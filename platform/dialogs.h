@@ -7,8 +7,6 @@
 #include "platform/controls.h"
 #include "platform/events.h"
 
-#pragma GCC visibility push(default)
-
 struct DialogRecord;
 using DialogRef = DialogRecord *;
 
@@ -66,5 +64,3 @@ void ModalDialog(ModalFilterUPP filter, int16_t *itemHit);
 Boolean StdFilterProc(DialogRef dialog, EventRecord *event, int16_t *itemHit);
 
 }  // extern "C"
-
-#pragma GCC visibility pop

@@ -3,8 +3,6 @@
 
 #include "platform/types.h"
 
-#pragma GCC visibility push(default)
-
 struct EventRecord {
     uint16_t what;
     uintptr_t message;  // the character of a key event; the window of an update or activate event
@@ -37,5 +35,3 @@ extern "C" {
 void GetMouse(Point *mouse);
 
 }  // extern "C"
-
-#pragma GCC visibility pop

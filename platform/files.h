@@ -8,8 +8,6 @@
 
 #include "platform/types.h"
 
-#pragma GCC visibility push(default)
-
 enum : int16_t {
     kOnSystemDisk = -32768,
 };
@@ -87,5 +85,3 @@ OSErr AllocContig(int16_t refNum, int64_t *count);
 OSErr FSClose(int16_t refNum);
 
 }  // extern "C"
-
-#pragma GCC visibility pop

@@ -3,8 +3,6 @@
 
 #include "platform/types.h"
 
-#pragma GCC visibility push(default)
-
 constexpr OSType gestaltSystemVersion = FourCharCode("sysv");
 constexpr OSErr gestaltUnknownErr = -5550;
 
@@ -14,5 +12,3 @@ extern "C" {
 OSErr Gestalt(OSType selector, int32_t *response);
 
 }  // extern "C"
-
-#pragma GCC visibility pop

@@ -10,8 +10,6 @@
 
 #include "platform/types.h"
 
-#pragma GCC visibility push(default)
-
 // Always pass `lock` to UnlockFolder. A folder that cannot be opened is not an error here: every call on it
 // fails anyway.
 OSErr LockFolder(int16_t vRefNum, int32_t dirID, int *lock);
@@ -20,5 +18,3 @@ void UnlockFolder(int lock);
 // Held until UnlockFile or FSClose. An unknown reference gives rfNumErr.
 OSErr LockFile(int16_t refNum);
 void UnlockFile(int16_t refNum);
-
-#pragma GCC visibility pop

@@ -4,10 +4,6 @@
 #include <string>
 #include <string_view>
 
-#pragma GCC visibility push(default)
-
 std::string MacRomanToUTF8(std::string_view text);
 // Characters that Mac Roman lacks become '?'.
 std::string UTF8ToMacRoman(std::string_view text);
-
-#pragma GCC visibility pop

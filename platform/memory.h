@@ -7,8 +7,6 @@
 
 #include "platform/types.h"
 
-#pragma GCC visibility push(default)
-
 extern "C" {
 
 Ptr NewPtr(int64_t size);
@@ -33,5 +31,3 @@ Handle TempNewHandle(int64_t size, OSErr *result);
 void BlockMoveData(const void *source, void *destination, int64_t count);
 
 }  // extern "C"
-
-#pragma GCC visibility pop

@@ -1,13 +1,39 @@
+// Where the module or program that this code was linked into was loaded from.
 #include <dlfcn.h>
 
+#include <cstdint>
+#include <cstdio>
 #include <filesystem>
+#include <fstream>
 
 #include "platform/posix_paths.h"
 
-std::string FolderOfCode(const void *address) {
-    Dl_info library;
+namespace {
+
+// The mapped file that holds an address.
+std::string MappedFile(uintptr_t address) {
+    std::ifstream maps("/proc/self/maps");
+    std::string line;
+    while (std::getline(maps, line)) {
+        uintptr_t begin = 0;
+        uintptr_t end = 0;
+        if (std::sscanf(line.c_str(), "%lx-%lx", &begin, &end) == 2 && address >= begin && address < end) {
+            return line.substr(std::min(line.find('/'), line.size()));
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
+std::string OwnFolder() {
+    Dl_info self = {};
+    const auto *here = reinterpret_cast<const void *>(&OwnFolder);
+    std::string file = dladdr(here, &self) == 0 ? "" : self.dli_fname;
+    // A relative path is only good as long as the current folder is that of the time of loading.
+    if (file.empty() || file[0] != '/') {
+        file = MappedFile(reinterpret_cast<uintptr_t>(here));
+    }
     std::error_code error;
-    const std::filesystem::path file =
-        dladdr(address, &library) == 0 ? "" : std::filesystem::canonical(library.dli_fname, error);
-    return file.parent_path();
+    return std::filesystem::canonical(file, error).parent_path().string();
 }

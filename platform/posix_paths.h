@@ -5,8 +5,6 @@
 
 #include "platform/types.h"
 
-#pragma GCC visibility push(default)
-
 // fnfErr when nothing has the path's last name; the FSSpec is valid all the same.
 OSErr SpecFromPosixPath(const std::string &path, FSSpec *spec);
 OSErr PosixPathFromSpec(const FSSpec &spec, std::string *path);
@@ -18,8 +16,6 @@ std::string PreferencesPath();
 // runs, with default settings and images in memory.
 void MakePreferencesFolder();
 
-// The folder of the program or library that holds the code at `address`, symbolic links followed; empty if it
-// cannot be told.
-std::string FolderOfCode(const void *address);
-
-#pragma GCC visibility pop
+// The folder of the file that this code is part of, a module or a program, with symbolic links resolved;
+// empty if it cannot be told.
+std::string OwnFolder();

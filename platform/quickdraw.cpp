@@ -100,6 +100,17 @@ bool ports::IsEmpty(const Rect &rect) {
     return rect.top >= rect.bottom || rect.left >= rect.right;
 }
 
+bool ports::IsSound(const Rect &rect) {
+    const int32_t width = rect.right - rect.left;
+    const int32_t height = rect.bottom - rect.top;
+    return width >= 0 && width <= INT16_MAX && height >= 0 && height <= INT16_MAX;
+}
+
+bool ports::Holds(const Rect &outer, const Rect &inner) {
+    return inner.top >= outer.top && inner.left >= outer.left && inner.bottom <= outer.bottom &&
+           inner.right <= outer.right;
+}
+
 void OffsetRect(Rect *rect, int16_t dh, int16_t dv) {
     *rect = {static_cast<int16_t>(rect->top + dv), static_cast<int16_t>(rect->left + dh),
              static_cast<int16_t>(rect->bottom + dv), static_cast<int16_t>(rect->right + dh)};

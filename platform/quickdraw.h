@@ -7,8 +7,6 @@
 
 #include "platform/types.h"
 
-#pragma GCC visibility push(default)
-
 struct GrafPort;
 using CGrafPtr = GrafPort *;
 using GrafPtr = CGrafPtr;
@@ -88,5 +86,3 @@ void CopyBits(const BitMap *source, const BitMap *destination, const Rect *sourc
               const Rect *destinationRect, int16_t mode, RgnHandle mask);
 
 }  // extern "C"
-
-#pragma GCC visibility pop

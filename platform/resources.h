@@ -9,8 +9,6 @@
 
 #include "platform/types.h"
 
-#pragma GCC visibility push(default)
-
 extern "C" {
 
 // Reads a whole resource file. Returns a reference, distinct from the File Manager's, or -1; ResError then
@@ -32,5 +30,3 @@ OSErr ResError();
 // must stay until the file is withdrawn, which also closes it.
 void OfferResourceFile(const std::string *path);
 void WithdrawResourceFile();
-
-#pragma GCC visibility pop

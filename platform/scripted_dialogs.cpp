@@ -163,7 +163,12 @@ DialogState StateOf(const DialogRecord &dialog) {
     return state;
 }
 
-void UseScriptedDialogs(ScriptedSession *wanted) {
+const DialogBackend &ScriptedDialogs(ScriptedSession *wanted) {
     session = wanted;
-    SetDialogBackend(wanted == nullptr ? nullptr : &kScripted);
+    return kScripted;
+}
+
+void UseScriptedDialogs(ScriptedSession *wanted) {
+    const DialogBackend &scripted = ScriptedDialogs(wanted);
+    SetDialogBackend(wanted == nullptr ? nullptr : &scripted);
 }

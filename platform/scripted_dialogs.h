@@ -7,8 +7,6 @@
 #include "platform/dialog_backend.h"
 #include "platform/internal/dialog_model.h"
 
-#pragma GCC visibility push(default)
-
 struct UserAction {
     EventRecord event;  // a mouse action's place is filled in when its turn comes
     int16_t item;       // the item under the mouse; 0 for the title bar
@@ -52,4 +50,5 @@ struct ScriptedSession {
     std::vector<DialogState> *states = nullptr;  // if not null, receives the state before each action
 };
 
-#pragma GCC visibility pop
+// The back end that answers from the session, which the caller keeps alive while it is in use.
+const DialogBackend &ScriptedDialogs(ScriptedSession *wanted);

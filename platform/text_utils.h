@@ -3,8 +3,6 @@
 
 #include "platform/types.h"
 
-#pragma GCC visibility push(default)
-
 extern "C" {
 
 void NumToString(int32_t number, StringPtr text);
@@ -13,5 +11,3 @@ void NumToString(int32_t number, StringPtr text);
 void StringToNum(ConstStringPtr text, int32_t *number);
 
 }  // extern "C"
-
-#pragma GCC visibility pop

@@ -3,8 +3,6 @@
 
 #include "platform/quickdraw.h"
 
-#pragma GCC visibility push(default)
-
 struct WindowRecord;
 using WindowRef = WindowRecord *;
 
@@ -33,5 +31,3 @@ RgnHandle GetGrayRgn();
 Rect *GetRegionBounds(RgnHandle region, Rect *bounds);
 
 }  // extern "C"
-
-#pragma GCC visibility pop

@@ -2,6 +2,7 @@
 
 #include "imagestore/paths.h"
 #include "imagestore/strings.h"
+#include "platform/dialog_backend.h"
 #include "plugin/outputs.h"
 #include "plugin/rows.h"
 #include "settings/host_descriptors.h"
@@ -156,6 +157,7 @@ OSErr FilterWithSettings(PluginState *state, const RunGeometry &run, RunContext 
 }  // namespace
 
 OSErr RunFilterPhase(PluginState *state, const RunGeometry &run) {
+    UsePlatformData(state->filterRecord->hostSig, state->filterRecord->platformData);
     RunContext context = {};
     FillContext(state, run, &context);
     const int16_t preferences = ReadPreferences(&context);
@@ -168,5 +170,6 @@ OSErr RunFilterPhase(PluginState *state, const RunGeometry &run) {
     }
     WritePreferences(&context, preferences);
     DisposeCString(context.logBasePath);
+    UsePlatformData(0, nullptr);
     return err;
 }

@@ -11,8 +11,7 @@ extern "C" __attribute__((visibility("default"))) void ModuleEntry(int16_t selec
 namespace {
 
 // Beside the module. Found on loading, while a path that the host gave is still relative to the same folder.
-const std::string resourceFile =
-    FolderOfCode(reinterpret_cast<const void *>(&ModuleEntry)) + "/HybridMedian.rsrc";
+const std::string resourceFile = OwnFolder() + "/HybridMedian.rsrc";
 
 }  // namespace
 

@@ -18,7 +18,6 @@ host=$PWD/$build/foreign_host
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 cp -r "$build/HybridMedian.plugin" "$folder/elsewhere"
-[ ! -e "$build/libplatform.so" ] || cp "$build/libplatform.so" "$folder"
 module=$folder/elsewhere/HybridMedian.so
 cd "$folder"
 unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM

@@ -32,7 +32,27 @@ END
 g++ -std=c++20 -I "$prefix/include/hymedian" "$work/host.cpp" -o "$work/host" && "$work/host" ||
     fail "The installed headers do not serve a host."
 
+# The plug-in is a folder that may be copied anywhere, and works there by itself.
+mkdir "$work/elsewhere"
+mv "$prefix/lib/hymedian/HybridMedian.plugin" "$work/elsewhere/"
+for radius in 2 6; do
+    (cd / && env -i HYMEDIAN_PREFERENCES="$HYMEDIAN_PREFERENCES" "$prefix/bin/hymedian" --quiet --radius $radius \
+        --plugin "$work/elsewhere/HybridMedian.plugin" "$work/noisy.png" -o "$work/elsewhere-$radius.png")
+    build/hymedian --quiet --radius $radius "$work/noisy.png" -o "$work/built-$radius.png"
+    cmp "$work/built-$radius.png" "$work/elsewhere-$radius.png" || fail "The copied plug-in gives another picture."
+done
+
+# What is shipped gives no other library or program a name to take for its own: only the module has one, its entry point.
+# Copies of another library's data carry that library's version.
+shipped=0
 while read -r file; do
-    if nm -D --defined-only -C "$file" | grep faults::; then fail "$file has what only tests may use."; fi
-done < <(find "$prefix" -type f \( -name '*.so' -o -name hymedian \))
+    names=$(nm -D --defined-only "$file" 2>/dev/null) || continue
+    shipped=$((shipped + 1))
+    names=$(awk '$3 !~ /@/ { print $3 }' <<<"$names")
+    expected=
+    [[ $file != *.so ]] || expected=main
+    [ "$names" = "$expected" ] || fail "$file has these names: $names."
+    if nm -C "$file" 2>/dev/null | grep faults::; then fail "$file has what only tests may use."; fi
+done < <(find "$prefix" "$work/elsewhere" -type f)
+[ $shipped -eq 3 ] || fail "$shipped files were looked at."
 echo "The installed files work."

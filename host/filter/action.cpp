@@ -4,8 +4,8 @@
 #include <cstring>
 #include <string_view>
 
-#include "host/filter/packing.h"
 #include "platform/memory.h"
+#include "platform/packing.h"
 
 namespace {
 

@@ -7,12 +7,13 @@
 #include "host/document/document_rows.h"
 #include "host/filter/descriptor_suites.h"
 #include "host/filter/memory_suites.h"
+#include "hybridmedian/public.h"
 #include "photoshop/filter_record.h"
+#include "platform/answered_dialogs.h"
 #include "platform/owned_block.h"
 
 namespace {
 
-constexpr OSType kHostSignature = FourCharCode("HyMh");
 // Filter cases, as the interface numbers them.
 constexpr int16_t kFlatImageNoSelection = 1;
 constexpr int16_t kFlatImageWithSelection = 2;
@@ -214,7 +215,8 @@ void FillDocumentInfo(Run *run) {
     info->bounds = {0, 0, HeightOf(run->tile.framed), WidthOf(run->tile.framed)};
     info->hResolution = document.horizontalResolution;
     info->vResolution = document.verticalResolution;
-    info->documentFileSpec = document.file ? &*document.file : nullptr;
+    // The number of a directory would mean nothing to the module, which has a table of its own.
+    info->documentFileSpec = nullptr;
     for (int i = 0; i < 256; ++i) {
         info->redLUT[i] = info->greenLUT[i] = info->blueLUT[i] = static_cast<uint8_t>(i);
     }
@@ -246,7 +248,7 @@ void FillRecord(Run *run) {
     record->backColor = {{UINT8_MAX, UINT8_MAX, UINT8_MAX, UINT8_MAX}};
     record->maxSpace = INT32_MAX;
     record->bufferSpace = INT32_MAX;
-    record->hostSig = kHostSignature;
+    record->hostSig = kAnsweringHost;
     record->imageMode = ShownMode(document);
     record->imageHRes = document.horizontalResolution;
     record->imageVRes = document.verticalResolution;
@@ -306,6 +308,13 @@ std::string MessageOf(const Run &run, OSErr result) {
 }  // namespace
 
 FilterOutcome RunFilter(const FilterRequest &request) {
+    std::unique_ptr<AnsweredDialogs> answered;
+    if (request.orders.user == DialogUser::script) {
+        answered = AnswerDialogs(user::Answer(kRadiusFieldItem, std::to_string(request.orders.radius)));
+        if (answered == nullptr) {
+            return {memFullErr, {}, {}};
+        }
+    }
     Run run = {};
     run.request = &request;
     run.document = request.document;
@@ -317,6 +326,7 @@ FilterOutcome RunFilter(const FilterRequest &request) {
         HostWriteDescriptorProcs(),   HostReadDescriptorProcs()};
     FillDocumentInfo(&run);
     FillRecord(&run);
+    run.record.platformData = answered == nullptr ? nullptr : &answered->forModule;
 
     currentRun = &run;
     const OSErr result = CallSelectors(&run);

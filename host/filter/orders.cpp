@@ -1,47 +1,11 @@
 #include "host/filter/orders.h"
 
-#include "host/filter/packing.h"
-#include "hybridmedian/public.h"
 #include "platform/dialog_backend.h"
-#include "platform/scripted_dialogs.h"
+#include "platform/packing.h"
 
-namespace {
-
-ScriptedSession answers;
-DialogBackend answering;
-
-// Every dialog gets the same answers.
-bool OpenAnswered(DialogRecord *) {
-    answers.done = 0;
-    return true;
-}
-
-MaybeFailure AnswerByScript(const FilterOrders &orders) {
-    answers.actions = user::Answer(kRadiusFieldItem, std::to_string(orders.radius));
-    UseScriptedDialogs(&answers);
-    answering = CurrentDialogBackend();
-    answering.open = OpenAnswered;
-    SetDialogBackend(&answering);
-    return std::nullopt;
-}
-
-MaybeFailure ShowToPerson(const FilterOrders &) {
-    const OSErr problem = UseScreenDialogs();
-    return problem == noErr ? std::nullopt : MaybeFailure({kExitFailed, ScreenDialogProblem(problem)});
-}
-
-}  // namespace
-
-MaybeFailure ChooseDialogUser(const FilterOrders &orders) {
-    switch (orders.user) {
-        case DialogUser::script:
-            return AnswerByScript(orders);
-        case DialogUser::person:
-            return ShowToPerson(orders);
-        case DialogUser::nobody:
-            break;
-    }
-    return std::nullopt;
+MaybeFailure CheckDialogUser(const FilterOrders &orders, const std::string &pluginFolder) {
+    const OSErr problem = orders.user == DialogUser::person ? TryDialogProgram(pluginFolder) : noErr;
+    return problem == noErr ? std::nullopt : MaybeFailure({kExitFailed, DialogProgramProblem(problem)});
 }
 
 void AppendOrders(std::string *packed, const FilterOrders &orders) {

@@ -20,9 +20,8 @@ struct FilterOrders {
     int32_t radius = 0;  // the script's answer
 };
 
-// Chooses who answers from now on; call it before the first run. Fails if a person has no display, or nothing
-// can show dialogs.
-MaybeFailure ChooseDialogUser(const FilterOrders &orders);
+// Fails if there is a person to be asked, and the plug-in's folder and this machine have nothing to ask with.
+MaybeFailure CheckDialogUser(const FilterOrders &orders, const std::string &pluginFolder);
 
 // To and from bytes for another process of this program. TakeOrders takes them from the front; false if there
 // are no orders there.

@@ -50,12 +50,6 @@ std::string DefaultPluginFolder() {
                : (here / kInstalledFolder / kPluginName).lexically_normal().string();
 }
 
-Plugin::~Plugin() {
-    if (resources != -1) {
-        CloseResFile(resources);
-    }
-}
-
 MaybeFailure LoadModule(const std::string &folder, Module *module) {
     const std::string path = (fs::path(folder) / kModuleName).string();
     std::error_code error;
@@ -81,12 +75,16 @@ MaybeFailure OpenPlugin(const std::string &folder, Plugin *plugin) {
         return failure;
     }
     const std::string path = (fs::path(folder) / kResourceName).string();
-    if (MaybeFailure failure = OpenResources(path, &plugin->resources)) {
+    // The module opens the file for itself, in a platform layer of its own.
+    int16_t resources = -1;
+    if (MaybeFailure failure = OpenResources(path, &resources)) {
         return failure;
     }
     const Handle list = GetResource(PIPropertyListType, kPropertyListID);
-    if (list == nullptr ||
-        !ParsePropertyList({*list, static_cast<size_t>(GetHandleSize(list))}, &plugin->info)) {
+    const bool sound = list != nullptr &&
+                       ParsePropertyList({*list, static_cast<size_t>(GetHandleSize(list))}, &plugin->info);
+    CloseResFile(resources);
+    if (!sound) {
         return FileFailure(path, "the plug-in's resource file has no sound list of a filter's properties");
     }
     return std::nullopt;

@@ -1,4 +1,4 @@
-// The whole plug-in: its resources, what they declare, and its module.
+// The whole plug-in: what its resources declare, and its module.
 #pragma once
 
 #include <string>
@@ -17,12 +17,6 @@ struct Module {
 struct Plugin {
     PluginInfo info;
     Module module;
-    int16_t resources = -1;  // open as long as the plug-in: the filter reads from it, too
-
-    Plugin() = default;
-    Plugin(const Plugin &) = delete;
-    Plugin &operator=(const Plugin &) = delete;
-    ~Plugin();
 };
 
 // HybridMedian.plugin next to the program; if there is none, where it is installed.

@@ -9,12 +9,12 @@
 #include <csignal>
 #include <vector>
 
-#include "host/filter/packing.h"
 #include "host/filter/plugin.h"
 #include "host/picture/vips_library.h"
 #include "host/work/band_filter.h"
 #include "host/work/worker_job.h"
 #include "host/work/worker_pool.h"
+#include "platform/packing.h"
 
 namespace {
 
@@ -75,9 +75,6 @@ FilterOutcome DoBand(const BandJob &job, Workplace *workplace) {
     if (!MapStore(job.place, workplace)) {
         return {memFullErr, {}, {}};
     }
-    if (const MaybeFailure failure = ChooseDialogUser(job.orders)) {
-        return {errReportString, failure->sentence, {}};
-    }
     BandDocument band = LendBand(job.picture, job.place.rows, job.place.storeRow,
                                  {&workplace->source, &workplace->destination, &workplace->mask});
     return FilterBand(&workplace->plugin.module, job.orders, ReportingWatcher(), &band);
@@ -86,9 +83,6 @@ FilterOutcome DoBand(const BandJob &job, Workplace *workplace) {
 FileAnswer DoFile(const FileTask &task, Workplace *workplace) {
     if (workplace->pluginFailure) {
         return {workplace->pluginFailure, {}};
-    }
-    if (MaybeFailure failure = ChooseDialogUser(task.settings.orders)) {
-        return {failure, {}};
     }
     if (!workplace->vipsStarted) {
         workplace->vipsStarted = StartVips("hymedian");

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/filter/packing.h"
+#include "platform/packing.h"
 
 namespace {
 

@@ -8,8 +8,6 @@
 #include "platform/dialogs.h"
 #include "platform/internal/port.h"
 
-#pragma GCC visibility push(default)
-
 struct ControlRecord {
     DialogRecord *dialog;
     Rect bounds;
@@ -60,6 +58,8 @@ struct DialogRecord {
 namespace model {
 
 constexpr int16_t kTitleBarHeight = 20;
+// What Str255 holds.
+constexpr size_t kLongestText = 255;
 
 // Open dialogs, frontmost last.
 std::vector<DialogRecord *> &OpenDialogs();
@@ -74,7 +74,10 @@ DialogItem *ItemAt(DialogRecord *dialog, int16_t item);
 int16_t ItemUnder(const DialogRecord &dialog, Point local);
 int16_t KindOf(const DialogItem &item);  // its type without kItemDisableBit
 bool IsControlItem(const DialogItem &item);
+bool IsTextField(DialogRecord *dialog, int16_t item);
 ControlRecord *AddControl(DialogRecord *dialog, ControlRecord control);
+// The control's place in the dialog's list; -1 if it is not there.
+int32_t PlaceOf(const DialogRecord &dialog, const ControlRecord *control);
 
 // Moves the window's contents to a place on the screen.
 void MoveWindowTo(WindowRecord *window, Point place);
@@ -83,5 +86,3 @@ void CopyTitle(const std::string &text, StringPtr title);
 std::string TitleFrom(ConstStringPtr title);
 
 }  // namespace model
-
-#pragma GCC visibility pop

@@ -3,8 +3,6 @@
 
 #include "platform/quickdraw.h"
 
-#pragma GCC visibility push(default)
-
 struct GrafPort {
     PixMap pixMap;
     PixMap *pixMapMaster;  // what a PixMapHandle points at
@@ -29,7 +27,9 @@ bool Contains(const Rect &rect, Point point);
 Rect Common(const Rect &a, const Rect &b);
 Rect Enclosing(const Rect &a, const Rect &b);
 bool IsEmpty(const Rect &rect);
+// Whether width and height fit 16 bits and are not negative.
+bool IsSound(const Rect &rect);
+// Whether all of `inner`, which is sound, lies in `outer`.
+bool Holds(const Rect &outer, const Rect &inner);
 
 }  // namespace ports
-
-#pragma GCC visibility pop

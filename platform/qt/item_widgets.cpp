@@ -16,8 +16,6 @@ using qt::DialogWindow;
 
 // In pixels; smaller text would be hard to read.
 constexpr int kSmallestFont = 9;
-// What Str255 holds.
-constexpr int kLongestText = 255;
 // A click leaves the focus, and the selection, in the field; only Tab moves the focus to the widget.
 constexpr Qt::FocusPolicy kNoClickFocus = Qt::TabFocus;
 
@@ -47,7 +45,7 @@ QWidget *MakeLabel(DialogWindow *shown, size_t, const QString &text) {
 
 QWidget *MakeField(DialogWindow *shown, size_t index, const QString &text) {
     auto *field = new QLineEdit(text, shown->window.get());
-    field->setMaxLength(kLongestText);
+    field->setMaxLength(static_cast<int>(model::kLongestText));
     QObject::connect(field, &QLineEdit::textEdited, [=] {
         qt::PostEdit(&shown->input, static_cast<int16_t>(index + 1), field->text(), field->cursorPosition());
     });

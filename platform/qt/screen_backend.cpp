@@ -1,13 +1,12 @@
-// The screen back end. Owns the application and the windows of open dialogs.
+// Owns the application and the windows of open dialogs.
+#include "platform/qt/screen_backend.h"
+
 #include <QApplication>
-#include <QLoggingCategory>
 #include <QScreen>
 #include <algorithm>
-#include <clocale>
 
 #include "platform/mac_roman.h"
 #include "platform/qt/dialog_window.h"
-#include "platform/qt/display_probe.h"
 
 namespace {
 
@@ -15,21 +14,16 @@ namespace {
 // display.
 auto &windows = *new std::vector<std::unique_ptr<qt::DialogWindow>>;
 
-// Lives as long as the process, like Qt's own state. Made only for the first dialog, so that merely asking
-// whether there is a display does not tie the process to it.
+// Lives as long as the process, like Qt's own state.
 void NeedApplication() {
     if (QCoreApplication::instance() != nullptr) {
         return;
     }
-    // Qt's warnings about the display are not for the user; $QT_LOGGING_RULES still overrides this.
-    QLoggingCategory::setFilterRules("default.warning=false");
     static int count = 1;
     static char name[] = "hymedian";
     static char *arguments[] = {name, nullptr};
     [[maybe_unused]] static auto *application = new QApplication(count, arguments);
     QApplication::setQuitOnLastWindowClosed(false);
-    // Numbers in files must not follow the user's locale.
-    std::setlocale(LC_NUMERIC, "C");
 }
 
 qt::DialogWindow *WindowOf(const DialogRecord *dialog) {
@@ -101,10 +95,6 @@ constexpr DialogBackend kScreen = {
 
 }  // namespace
 
-// Null without a display.
-extern "C" const DialogBackend *ScreenDialogBackend();
-
-extern "C" const DialogBackend *ScreenDialogBackend() {
-    const bool answers = QCoreApplication::instance() != nullptr || qt::DisplayAnswers();
-    return answers ? &kScreen : nullptr;
+const DialogBackend &qt::ScreenDialogs() {
+    return kScreen;
 }

@@ -19,9 +19,6 @@ class ForeignHost : public Program {
     ForeignHost() {
         const fs::path built = fs::path(HYMEDIAN_PROGRAM).parent_path();
         fs::copy(built / "HybridMedian.plugin", module.parent_path());
-        if (fs::exists(built / "libplatform.so")) {
-            fs::copy(built / "libplatform.so", output);
-        }
     }
 
     // The host's line, without what it says of its pixels if they are `pixels`, or as before after a failure.

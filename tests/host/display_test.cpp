@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <fstream>
 #include <functional>
 #include <thread>
 
@@ -74,37 +75,56 @@ class Display : public Program {
     pid_t server = -1;
 };
 
+// The processes that `program` has started, and those that these have, by name.
+std::vector<pid_t> Descendants(pid_t program, const std::string &name) {
+    std::vector<pid_t> found;
+    const std::string number = std::to_string(program);
+    std::ifstream children("/proc/" + number + "/task/" + number + "/children");
+    for (pid_t child = 0; children >> child;) {
+        std::string itsName;
+        std::ifstream("/proc/" + std::to_string(child) + "/comm") >> itsName;
+        if (itsName == name) {
+            found.push_back(child);
+        }
+        const std::vector<pid_t> below = Descendants(child, name);
+        found.insert(found.end(), below.begin(), below.end());
+    }
+    return found;
+}
+
+enum class Ends { byInterrupt, withItsDisplay, withItsWindow };
+
 TEST_F(Display, DialogsEndWithItAndByInterrupts) {
-    // A process that its display takes along ends with threads at work, which no search for leaks can stand.
-    setenv("ASAN_OPTIONS", "detect_leaks=0", 1);
     WriteNoise("in.png", 400, 300, 3);
     const std::set<std::string> before = Names();
-    const struct {
-        bool serverEnds;  // otherwise the program is interrupted
-        int status;
-        const char *sentence;
-    } cases[] = {
-        {false, 130, "hymedian: in.png: interrupted, nothing was written.\n"},
-        {true, 1,
-         "hymedian: in.png: the dialog's process ended with status 1, perhaps because the display went away, "
-         "nothing was written.\n"},
-    };
-    for (const auto &c : cases) {
+    for (const Ends how : {Ends::byInterrupt, Ends::withItsDisplay, Ends::withItsWindow}) {
+        SCOPED_TRACE(static_cast<int>(how));
         if (!StartServer()) {
             GTEST_SKIP() << "Xvfb is not installed";
         }
         const pid_t program = Start({"in.png", "-o", "new.png", "--dialog"});
         EXPECT_TRUE(ComesTrue([&] { return ShowsWindow(); }));
-        c.serverEnds ? StopServer() : static_cast<void>(kill(program, SIGINT));
+        const std::vector<pid_t> windows = Descendants(program, "hymedian-dialog");
+        ASSERT_EQ(windows.size(), 1u);
+        if (how == Ends::byInterrupt) {
+            kill(program, SIGINT);
+        } else if (how == Ends::withItsDisplay) {
+            StopServer();
+        } else {
+            kill(windows[0], SIGKILL);
+        }
         if (!ComesTrue([=] { return HasEnded(program); })) {
             ADD_FAILURE() << "the program does not end";
             kill(-program, SIGKILL);
         }
         const Ended ended = Wait(program);
-        EXPECT_EQ(ended.status, c.status);
-        EXPECT_EQ(ended.err, c.sentence);
+        EXPECT_EQ(ended.status, 130);
+        EXPECT_EQ(ended.err, "hymedian: in.png: interrupted, nothing was written.\n");
         EXPECT_EQ(Names(), before);
         EXPECT_EQ(kill(-program, 0), -1) << "a process of the program's is left";
+        EXPECT_TRUE(ComesTrue([&] {
+            return ContentsOf("/proc/" + std::to_string(windows[0]) + "/maps").empty();
+        })) << "a window is left";
         StopServer();
     }
 }

@@ -136,7 +136,7 @@ TEST_F(Program, FailsWithOneSentenceOverPlugins) {
     resources[resources.find("mode") + 12] = 0;
     WriteBytes("modes/HybridMedian.rsrc", resources);
     fs::create_directory(folder / "no-main");
-    fs::copy(build / "libplatform.so", folder / "no-main/HybridMedian.so");
+    fs::copy(HYMEDIAN_NO_MAIN, folder / "no-main/HybridMedian.so");
     ExpectRefusals({
         {"good.png -o new.png --plugin nowhere", 1, "nowhere"},
         {"good.png -o new.png --plugin no-main", 1, "main"},

@@ -237,16 +237,6 @@ TEST_F(RadiusDialog, AnswersForThoseWhoDoNotWatch) {
     EXPECT_EQ(outcome.stored, 5);
 }
 
-TEST_F(RadiusDialog, WithoutADisplayItIsCancelled) {
-    UseScriptedDialogs(nullptr);
-    setenv("QT_QPA_PLATFORM", "none of these", 1);
-    const OSErr problem = UseScreenDialogs();
-    EXPECT_TRUE(problem == kNoDisplay || problem == kNoScreenModule);
-    EXPECT_STRNE(ScreenDialogProblem(kNoDisplay), ScreenDialogProblem(kNoScreenModule));
-    EXPECT_EQ(RunOnBackend(image, 3).result, userCanceledErr);
-    unsetenv("QT_QPA_PLATFORM");
-}
-
 TEST_F(RadiusDialog, OpensWithTheTextSelectedAndThePreviewOn) {
     const DialogOutcome outcome = Run(image, 3, {});
     const EditedText &field = outcome.Last().texts[kRadiusFieldItem - 1];

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <filesystem>
@@ -298,6 +299,20 @@ TEST_F(Platform, LocksOfOthersAreNotWaitedForLong) {
     EXPECT_EQ(LockFile(ref), rfNumErr);
     EXPECT_EQ(LockFolder(volume, 9999, &lock), noErr);
     EXPECT_EQ(lock, -1);
+}
+
+// Also when it was started by a name that means nothing where it is now.
+TEST(OwnFolder, IsTheProgramsWhateverItWasStartedAs) {
+    const std::filesystem::path before = std::filesystem::current_path();
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
+    std::filesystem::current_path("/");
+    EXPECT_EQ(OwnFolder(), program.parent_path());
+    std::filesystem::current_path(before);
+    if (std::getenv("OWN_FOLDER_AGAIN") == nullptr) {
+        const std::string command = "cd '" + program.parent_path().string() + "' && OWN_FOLDER_AGAIN=1 ./" +
+                                    program.filename().string() + " --gtest_filter='OwnFolder.*' >/dev/null";
+        EXPECT_EQ(std::system(command.c_str()), 0);
+    }
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // The dialog deliberately keeps the line buffer of every rebuild. The font library keeps what it has read
 // about fonts.
-extern "C" const char *__lsan_default_suppressions();
+extern "C" __attribute__((visibility("default"))) const char *__lsan_default_suppressions();
 
 extern "C" const char *__lsan_default_suppressions() {
     return "leak:NewLineBuffer\nleak:libfontconfig\n";

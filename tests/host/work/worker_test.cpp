@@ -1,10 +1,10 @@
 // A worker process as seen by its parent.
 #include <sys/socket.h>
 
-#include "host/filter/packing.h"
 #include "host/picture/picture.h"
 #include "host/work/worker_job.h"
 #include "host/work/worker_pool.h"
+#include "platform/packing.h"
 #include "tests/host/program_fixture.h"
 
 namespace {

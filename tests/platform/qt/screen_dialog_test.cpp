@@ -1,5 +1,5 @@
-// The dialog on a screen of its own: real keys and clicks give the same results as the same session from a
-// script.
+// The dialog in a window at the other end of a line: real keys and clicks give the same results as the same
+// session from a script.
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCloseEvent>
@@ -16,8 +16,14 @@
 #include <QWheelEvent>
 #include <QWindow>
 #include <functional>
+#include <thread>
 
-#include "platform/dialog_backend.h"
+#include <unistd.h>
+
+#include "platform/dialog_line.h"
+#include "platform/qt/screen_backend.h"
+#include "platform/remote/answering.h"
+#include "platform/remote/line.h"
 #include "tests/support/dialog_session.h"
 
 namespace {
@@ -134,9 +140,25 @@ class ScreenDialog : public DialogTest {
     static void SetUpTestSuite() { setenv("QT_QPA_PLATFORM", "offscreen", 0); }
 
     // From then on an application exists.
-    static void UseScreen() {
-        EXPECT_EQ(UseScreenDialogs(), noErr);
-        CurrentDialogBackend().screen();
+    static void UseScreen() { qt::ScreenDialogs().screen(); }
+
+    // The dialog runs on a thread of its own; the window, as Qt demands, on the first one.
+    DialogOutcome RunOverLine(const TestImage &source, float radius) {
+        int ends[2];
+        EXPECT_TRUE(remote::MakeLine(ends));
+        const DialogLine forModule = {kDialogLineTag, sizeof(DialogLine), ends[1]};
+        SetDialogBackend(nullptr);
+        UsePlatformData(kAnsweringHost, &forModule);
+        DialogOutcome outcome = {};
+        std::thread dialog([&] {
+            outcome = RunOnBackend(source, radius);
+            UsePlatformData(0, nullptr);
+            close(ends[1]);
+        });
+        remote::AnswerDialogs(ends[0], qt::ScreenDialogs());
+        dialog.join();
+        close(ends[0]);
+        return outcome;
     }
 
     // Runs the next step whenever the dialog waits.
@@ -166,7 +188,7 @@ class ScreenDialog : public DialogTest {
             }
         });
         timer.start(1);
-        DialogOutcome outcome = RunOnBackend(source, radius);
+        DialogOutcome outcome = RunOverLine(source, radius);
         outcome.states = std::move(states);
         return outcome;
     }
