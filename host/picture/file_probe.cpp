@@ -25,6 +25,9 @@ constexpr uint64_t kBitsPerSample = 258;
 constexpr uint64_t kRowsPerStrip = 278;
 constexpr uint64_t kTileLength = 323;
 constexpr uint64_t kColors = 262;
+constexpr uint64_t kSampleFormat = 339;
+constexpr uint64_t kUnsigned = 1;
+constexpr uint64_t kSigned = 2;
 constexpr uint64_t kExtraSamples = 338;
 // Values of kColors.
 constexpr uint64_t kRGBColors = 2;
@@ -187,9 +190,17 @@ bool IsLabTiff(const std::string &file) {
 std::vector<BytePatch> PatchesForRawSamples(const std::string &file) {
     constexpr struct {
         uint64_t tag, value, shown;
-    } kShown[] = {{kColors, kLabColors, kRGBColors}, {kExtraSamples, kAssociatedAlpha, kUnassociatedAlpha}};
+        bool ofLab;
+    } kShown[] = {{kColors, kLabColors, kRGBColors, true},
+                  // Only a and b are signed, and some writers say so of all samples.
+                  {kSampleFormat, kSigned, kUnsigned, true},
+                  {kExtraSamples, kAssociatedAlpha, kUnassociatedAlpha, false}};
+    const bool lab = IsLabTiff(file);
     std::vector<BytePatch> patches;
-    for (const auto &[tag, value, shown] : kShown) {
+    for (const auto &[tag, value, shown, ofLab] : kShown) {
+        if (ofLab && !lab) {
+            continue;
+        }
         Reader reader;
         const Values values = FindTag(file, tag, &reader);
         for (uint64_t i = 0; i < values.count; ++i) {

@@ -84,6 +84,22 @@ TEST_F(PictureFile, SamplesComeBackAsTheyWere) {
     }
 }
 
+// Some writers call all samples of Lab signed.
+TEST_F(PictureFile, LabIsReadBitForBitWhateverItsSamplesAreCalled) {
+    constexpr int16_t kSamples[] = {0, 0, 0, 32767, 32767, -32768, 12345, -1, 1};
+    OwnedObject<VipsImage> image(
+        vips_image_new_from_memory(kSamples, sizeof kSamples, 3, 1, 3, VIPS_FORMAT_SHORT));
+    image->Type = VIPS_INTERPRETATION_LABS;
+    ASSERT_EQ(vips_tiffsave(image.get(), Path("a.tif").c_str(), nullptr), 0);
+    Picture read;
+    ASSERT_EQ(Read("a.tif", &read), "");
+    const auto *samples = reinterpret_cast<const uint16_t *>(read.document.source.get());
+    for (size_t i = 0; i < std::size(kSamples); ++i) {
+        const auto bits = static_cast<uint16_t>(kSamples[i]);
+        EXPECT_EQ(samples[i], i % 3 == 0 ? bits << 1 : bits ^ 0x8000) << i;
+    }
+}
+
 TEST_F(PictureFile, ChannelsAreOfTheKindThatTheirFileSays) {
     Picture picture = MakePicture(plugInModeRGB48, 4);
     auto *samples = reinterpret_cast<uint16_t *>(picture.document.destination.get());
