@@ -70,7 +70,7 @@ Document MakeNoise(const Kind &kind) {
 }
 
 double PartInPlace(const Document &document) {
-    const auto pixelBytes = static_cast<size_t>(PixelBytes(document) / (kWidth * kHeight));
+    const auto pixelBytes = static_cast<size_t>(PixelBytes(document) / (int64_t{kWidth} * kHeight));
     int64_t count = 0;
     for (size_t i = 0; i < static_cast<size_t>(PixelBytes(document)); i += pixelBytes) {
         count += std::memcmp(&document.source[i], &document.destination[i], pixelBytes) == 0;
@@ -104,7 +104,7 @@ void Measure(const Kind &kind, int32_t radius, Module *module) {
 }  // namespace
 
 int main(int argc, char **argv) {
-    const int32_t radius = argc == 2 ? std::atoi(argv[1]) : 0;
+    const int32_t radius = argc == 2 ? static_cast<int32_t>(std::strtol(argv[1], nullptr, 10)) : 0;
     if (radius < kMinRadius || radius > kMaxPlayedRadius) {
         std::fprintf(stderr, "usage: restore_bench RADIUS, from 1 to 4\n");
         return 2;

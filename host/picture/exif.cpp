@@ -66,7 +66,7 @@ TiffEntry *LargestEntry(TiffDirectory *directory, TiffDirectory **holder) {
     TiffEntry *largest = nullptr;
     for (TiffEntry &entry : directory->entries) {
         TiffDirectory *inner = directory;
-        TiffEntry *candidate = entry.children.empty() ? &entry : LargestEntry(&entry.children[0], &inner);
+        TiffEntry *candidate = entry.children.empty() ? &entry : LargestEntry(entry.children.data(), &inner);
         if (candidate != nullptr && (largest == nullptr || candidate->bytes.size() > largest->bytes.size())) {
             largest = candidate;
             *holder = inner;

@@ -113,7 +113,12 @@ MaybeFailure CarryMetadata(const MetadataCarriage &carriage, std::vector<std::st
 std::string WordsOnLoss(const std::string &format, const std::vector<std::string> &lost) {
     std::string words;
     for (const std::string &kind : lost) {
-        words += (words.empty() ? " (" + format + " keeps no " : ", ") + kind;
+        if (words.empty()) {
+            words.append(" (").append(format).append(" keeps no ");
+        } else {
+            words.append(", ");
+        }
+        words.append(kind);
     }
     return words.empty() ? words : words + ")";
 }

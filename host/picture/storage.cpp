@@ -198,8 +198,8 @@ void TakePng(const ByteFile &file, Storage *storage) {
     if (chunks.empty() || chunks.front().bytes.size() < 10) {
         return;
     }
-    const int32_t bits = chunks.front().bytes[8];
-    const int colors = chunks.front().bytes[9];
+    const auto bits = static_cast<uint8_t>(chunks.front().bytes[8]);
+    const auto colors = static_cast<uint8_t>(chunks.front().bytes[9]);
     const bool clear =
         std::any_of(chunks.begin(), chunks.end(), [](const auto &chunk) { return chunk.type == "tRNS"; });
     storage->bits = colors == 0 && bits < 8 && !clear ? bits : 0;

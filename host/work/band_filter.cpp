@@ -37,8 +37,7 @@ FilterOutcome FilterBand(Module *module, const FilterOrders &orders, const Watch
     Document *document = &band->document;
     const VRect selected = SelectedRect(*document);
     const VRect core = Rows(selected, band->top, band->bottom);
-    const FilterOutcome outcome =
-        RunTiles({module, document, orders, true, watcher}, CutIntoTiles(core, selected));
+    FilterOutcome outcome = RunTiles({module, document, orders, true, watcher}, CutIntoTiles(core, selected));
     if (outcome.result == noErr && document->mask != nullptr) {
         BlendByMask(band->top, band->bottom, document);
     }
