@@ -73,7 +73,9 @@ void AddSlantedScratches(PictureRGB *picture, int count) {
 }  // namespace
 
 const Damage kDamage[kDamages] = {
-    {"impulses", "PERCENT", AddImpulses},          {"gaussian", "DEVIATION", AddGaussian},
-    {"blobs", "COUNT", AddBlobs},                  {"scratches", "COUNT", AddUprightScratches},
+    {"impulses", "PERCENT", AddImpulses},
+    {"gaussian", "DEVIATION", AddGaussian},
+    {"blobs", "COUNT", AddBlobs},
+    {"scratches", "COUNT", AddUprightScratches},
     {"slanted-scratches", "COUNT", AddSlantedScratches},
 };

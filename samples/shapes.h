@@ -1,4 +1,5 @@
-// Shapes without smoothing, in whole numbers, so that every machine draws the same. What lies outside is cut off.
+// Shapes without smoothing, in whole numbers, so that every machine draws the same. What lies outside is cut
+// off.
 #pragma once
 
 #include "samples/picture_rgb.h"

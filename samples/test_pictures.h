@@ -3,8 +3,8 @@
 
 #include "samples/picture_rgb.h"
 
-// Like a photograph: discs of all sizes that cover each other, the small ones being many, with shades and texture,
-// seen through a lens that blurs a little.
+// Like a photograph: discs of all sizes that cover each other, the small ones being many, with shades and
+// texture, seen through a lens that blurs a little.
 PictureRGB DrawLeaves();
 
 // A page of letters whose strokes are `stroke` pixels wide.
