@@ -104,9 +104,8 @@ class RoundTrip : public Program {
             const int speck = pixel * 7919 % 97 < 4 ? 255 - shade : shade;
             samples.push_back(static_cast<float>(speck));
         }
-        const OwnedObject<VipsImage> floats(
-            vips_image_new_from_memory(samples.data(), samples.size() * sizeof(float), kWidth, kHeight,
-                                       test.bands, VIPS_FORMAT_FLOAT));
+        const OwnedObject<VipsImage> floats(vips_image_new_from_memory(
+            samples.data(), samples.size() * sizeof(float), kWidth, kHeight, test.bands, VIPS_FORMAT_FLOAT));
         VipsImage *scaled = nullptr, *image = nullptr;
         vips_linear1(floats.get(), &scaled, test.format == k16 ? 257 : 1, test.format == k16 ? -19 : 0,
                      nullptr);
@@ -134,8 +133,8 @@ class RoundTrip : public Program {
                 vips_area_unref(VIPS_AREA(profile));
             }
         }
-        ASSERT_EQ(
-            vips_image_write_to_file(image, (Path(name) + "[" + test.options + "]").c_str(), nullptr), 0)
+        ASSERT_EQ(vips_image_write_to_file(image, (Path(name) + "[" + test.options + "]").c_str(), nullptr),
+                  0)
             << vips_error_buffer();
         ASSERT_TRUE(test.extras.empty() || ChangeTiffExtraSamples(Path(name), test.extras));
     }
@@ -180,10 +179,11 @@ class RoundTrip : public Program {
     std::string TiffInfo(const std::string &name) {
         std::string told;
         const std::string list = (output / "info").string();
-        EXPECT_EQ(std::system(("tiffinfo '" + Path(name) + "' 2>/dev/null | grep -v -e offset -e SubIFD -e Rows/Strip > " +
-                               list + " || true")
-                                  .c_str()),
-                  0);
+        EXPECT_EQ(
+            std::system(("tiffinfo '" + Path(name) +
+                         "' 2>/dev/null | grep -v -e offset -e SubIFD -e Rows/Strip > " + list + " || true")
+                            .c_str()),
+            0);
         return ContentsOf(list);
     }
 
@@ -228,8 +228,7 @@ class RoundTrip : public Program {
                 for (int near = 0; near < 9; ++near) {
                     const int nearX = std::clamp(x + near % 3 - 1, 0, kWidth - 1);
                     const int nearY = std::clamp(y + near / 3 - 1, 0, kHeight - 1);
-                    original =
-                        original || at(0, nearX, nearY).substr(0, colors) == result.substr(0, colors);
+                    original = original || at(0, nearX, nearY).substr(0, colors) == result.substr(0, colors);
                 }
                 ASSERT_TRUE(original) << x << " " << y;
             }
