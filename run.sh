@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds hymedian and filters the noisy test chart, or the pictures given, at radius 2. Results go to out/.
+# Builds hymedian and filters the noisy test chart, or the pictures given, at radius 1. Results go to out/.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 build=$here/build
@@ -11,7 +11,7 @@ mkdir -p "$out"
 
 # Filters $1 into $2, with both side by side in $3.
 clean() {
-    "$build/hymedian" --radius 2 --force "$1" -o "$2" --compare "$3"
+    "$build/hymedian" --radius 1 --force "$1" -o "$2" --compare "$3"
 }
 
 if [ $# -eq 0 ]; then

@@ -1,8 +1,9 @@
 #include "samples/chart_drawing.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <iterator>
+
+#include "samples/shapes.h"
 
 namespace {
 
@@ -10,6 +11,7 @@ constexpr int kWidth = 640;
 constexpr int kHeight = 480;
 
 constexpr Pixel kPaper = {238, 234, 224};
+constexpr Pixel kLightPaper = {250, 248, 242};
 constexpr Pixel kInk = {38, 44, 60};
 constexpr Pixel kCoral = {226, 88, 62};
 constexpr Pixel kTeal = {22, 130, 132};
@@ -17,72 +19,19 @@ constexpr Pixel kNavy = {27, 52, 96};
 constexpr Pixel kSun = {246, 194, 76};
 constexpr Pixel kPatches[] = {kCoral, kSun, {122, 170, 96}, kTeal, kNavy, {128, 74, 134}};
 
-struct Box {
-    int left, top, right, bottom;
-};
-
 constexpr Box kSky = {0, 0, 640, 200};
-constexpr Box kFan = {16, 216, 216, 376};
+constexpr Box kHatches = {16, 216, 96, 376};
+constexpr Box kFan = {104, 216, 216, 376};
 constexpr Box kRings = {232, 216, 408, 376};
 constexpr Box kMarks = {424, 216, 624, 296};
 constexpr Box kCheckers = {424, 304, 624, 376};
 constexpr Box kPatchRow = {16, 392, 624, 464};
 
-uint8_t Mix(uint8_t from, uint8_t to, int part, int whole) {
-    return static_cast<uint8_t>(from + (to - from) * part / whole);
-}
-
-Pixel Mix(Pixel from, Pixel to, int part, int whole) {
-    return {Mix(from.red, to.red, part, whole), Mix(from.green, to.green, part, whole),
-            Mix(from.blue, to.blue, part, whole)};
-}
-
-void Put(PictureRGB *picture, int x, int y, Pixel color) {
-    if (x >= 0 && y >= 0 && x < picture->width && y < picture->height) {
-        At(*picture, x, y) = color;
-    }
-}
-
-void Fill(PictureRGB *picture, const Box &box, Pixel color) {
-    for (int y = box.top; y < box.bottom; ++y) {
-        for (int x = box.left; x < box.right; ++x) {
-            Put(picture, x, y, color);
-        }
-    }
-}
-
-// Bresenham's line, one pixel wide, both ends included.
-void Line(PictureRGB *picture, int x0, int y0, int x1, int y1, Pixel color) {
-    const int dx = std::abs(x1 - x0);
-    const int dy = -std::abs(y1 - y0);
-    const int stepX = x0 < x1 ? 1 : -1;
-    const int stepY = y0 < y1 ? 1 : -1;
-    int error = dx + dy;
-    for (;;) {
-        Put(picture, x0, y0, color);
-        if (x0 == x1 && y0 == y1) {
-            return;
-        }
-        const int twice = 2 * error;
-        if (twice >= dy) {
-            error += dy;
-            x0 += stepX;
-        }
-        if (twice <= dx) {
-            error += dx;
-            y0 += stepY;
-        }
-    }
-}
-
-void Disc(PictureRGB *picture, int centerX, int centerY, int radius, Pixel color) {
-    for (int y = -radius; y <= radius; ++y) {
-        for (int x = -radius; x <= radius; ++x) {
-            if (x * x + y * y <= radius * radius) {
-                Put(picture, centerX + x, centerY + y, color);
-            }
-        }
-    }
+// Two pixels wide: shifted across the way that the line mostly goes.
+void WideLine(PictureRGB *picture, int x0, int y0, int x1, int y1, Pixel color) {
+    const bool flat = std::abs(x1 - x0) >= std::abs(y1 - y0);
+    Line(picture, x0, y0, x1, y1, color);
+    Line(picture, x0 + !flat, y0 + flat, x1 + !flat, y1 + flat, color);
 }
 
 // The height of a range of hills: straight slopes between the given peaks.
@@ -110,26 +59,43 @@ void DrawSky(PictureRGB *picture) {
         }
     }
     // A mast with stays, and wires across the sky.
-    Line(picture, 120, 30, 120, 190, kInk);
+    WideLine(picture, 120, 30, 120, 190, kInk);
     for (const int foot : {60, 90, 150, 180}) {
-        Line(picture, 120, 34, foot, 186, kInk);
+        WideLine(picture, 120, 34, foot, 186, kInk);
     }
     for (const int sag : {0, 8, 16}) {
-        Line(picture, 120, 40 + sag, 380, 62 + sag, kInk);
-        Line(picture, 380, 62 + sag, 639, 24 + sag, kInk);
+        WideLine(picture, 120, 40 + sag, 380, 62 + sag, kInk);
+        WideLine(picture, 380, 62 + sag, 639, 24 + sag, kInk);
     }
 }
 
-// Lines that fan out from one corner.
+// Lines one pixel wide, level, upright and along both diagonals.
+void DrawHatches(PictureRGB *picture) {
+    constexpr int kDistance = 8;
+    const int middleX = (kHatches.left + kHatches.right) / 2;
+    const int middleY = (kHatches.top + kHatches.bottom) / 2;
+    Fill(picture, kHatches, kLightPaper);
+    for (int y = kHatches.top; y < kHatches.bottom; ++y) {
+        for (int x = kHatches.left; x < kHatches.right; ++x) {
+            const int across[] = {y, x, x + y, x - y};
+            const int kind = (x >= middleX ? 1 : 0) + (y >= middleY ? 2 : 0);
+            if (across[kind] % kDistance == 0) {
+                Put(picture, x, y, kind % 2 == 0 ? kInk : kCoral);
+            }
+        }
+    }
+}
+
+// Lines two pixels wide that fan out from one corner.
 void DrawFan(PictureRGB *picture) {
-    Fill(picture, kFan, {250, 248, 242});
-    const int right = kFan.right - 1;
-    const int bottom = kFan.bottom - 1;
-    for (int x = kFan.left; x <= right; x += 20) {
-        Line(picture, kFan.left, bottom, x, kFan.top, kInk);
+    Fill(picture, kFan, kLightPaper);
+    const int right = kFan.right - 2;
+    const int bottom = kFan.bottom - 2;
+    for (int x = kFan.left; x <= right; x += 16) {
+        WideLine(picture, kFan.left, bottom, x, kFan.top, kInk);
     }
     for (int y = kFan.top; y <= bottom; y += 16) {
-        Line(picture, kFan.left, bottom, right, y, kCoral);
+        WideLine(picture, kFan.left, bottom, right, y, kCoral);
     }
 }
 
@@ -147,28 +113,18 @@ void DrawRings(PictureRGB *picture) {
     Disc(picture, centerX, centerY, 6, kCoral);
 }
 
-// Lines of five-by-seven marks that look like writing.
+// Rows of marks that look like writing, with strokes of two pixels.
 void DrawMarks(PictureRGB *picture) {
-    Fill(picture, kMarks, {250, 248, 242});
-    constexpr uint8_t kGlyphs[][7] = {
-        {0x11, 0x11, 0x11, 0x1F, 0x11, 0x11, 0x11}, {0x11, 0x11, 0x0A, 0x04, 0x04, 0x04, 0x04},
-        {0x11, 0x1B, 0x15, 0x15, 0x11, 0x11, 0x11}, {0x1F, 0x10, 0x10, 0x1E, 0x10, 0x10, 0x1F},
-        {0x1E, 0x11, 0x11, 0x11, 0x11, 0x11, 0x1E}, {0x0E, 0x04, 0x04, 0x04, 0x04, 0x04, 0x0E},
-        {0x0E, 0x11, 0x11, 0x1F, 0x11, 0x11, 0x11}, {0x11, 0x19, 0x15, 0x13, 0x11, 0x11, 0x11},
-    };
-    constexpr int kGlyphStep = 7;
-    constexpr int kLineStep = 12;
-    int glyph = 0;
-    for (int top = kMarks.top + 6; top + 8 < kMarks.bottom; top += kLineStep) {
-        const Pixel color = (top / kLineStep) % 3 == 0 ? kCoral : kInk;
-        for (int left = kMarks.left + 8; left + 6 < kMarks.right - 6; left += kGlyphStep, ++glyph) {
-            if (glyph % 9 == 8) {
-                continue;  // a space between words
-            }
-            for (int bit = 0; bit < 5 * 7; ++bit) {
-                if (kGlyphs[glyph % 9][bit / 5] >> (4 - bit % 5) & 1) {
-                    Put(picture, left + bit % 5, top + bit / 5, color);
-                }
+    constexpr int kStroke = 2;
+    constexpr int kRowStep = 24;
+    constexpr int kMarkStep = 14;
+    constexpr Pixel kColors[] = {kInk, kCoral, kNavy};
+    Fill(picture, kMarks, kLightPaper);
+    int mark = 0;
+    for (int row = 0; row < 3; ++row) {
+        for (int left = kMarks.left + 8; left + 10 < kMarks.right - 6; left += kMarkStep, ++mark) {
+            if (mark % 9 != 8) {  // a space between words
+                Mark(picture, left, kMarks.top + 9 + row * kRowStep, kStroke, mark % 9, kColors[row]);
             }
         }
     }
@@ -210,6 +166,7 @@ void DrawPatches(PictureRGB *picture) {
 PictureRGB DrawChart() {
     PictureRGB picture = MakePicture(kWidth, kHeight, kPaper);
     DrawSky(&picture);
+    DrawHatches(&picture);
     DrawFan(&picture);
     DrawRings(&picture);
     DrawMarks(&picture);

@@ -3,6 +3,7 @@
 
 #include "samples/picture_rgb.h"
 
-// 640 x 480: a sky of smooth gradients, a fan of lines one pixel wide, rings, checkers, small marks and flat
-// patches. Drawn in whole numbers, so that every machine draws the same chart.
+// 640 x 480: a sky of smooth gradients, lines one pixel wide in the directions of the filter's sets and a fan
+// of lines two pixels wide, rings, checkers, small marks and flat patches. Drawn in whole numbers, so that
+// every machine draws the same chart.
 PictureRGB DrawChart();

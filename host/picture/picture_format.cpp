@@ -14,7 +14,7 @@ namespace {
 
 // Of samples; half of the 4 GiB that a classic TIFF can address is left for metadata and tables.
 constexpr uint64_t kMaxClassicTiffBytes = 2'000'000'000;
-// Chosen: a progressive JPEG needs all of a picture in memory, 3 to 6 bytes a pixel.
+// Chosen: a progressive JPEG or an interlaced PNG needs all of a picture in memory, 3 to 8 bytes a pixel.
 constexpr int64_t kMaxHeldPixels = 50'000'000;
 constexpr int kZstdLevel = 9;
 constexpr int kTileSide = 256;  // of pyramids out of strips
@@ -30,23 +30,26 @@ int BitsFor(VipsImage *image, const Storage &storage) {
     return grey ? storage.bits : 0;
 }
 
+bool IsSmall(VipsImage *image) {
+    return int64_t{vips_image_get_width(image)} * vips_image_get_height(image) <= kMaxHeldPixels;
+}
+
 int SavePng(VipsImage *image, const char *path, const Storage &storage, const SaveOptions &options) {
     const int few = BitsFor(image, storage);
     const int bits = few > 0 ? few : vips_image_get_format(image) == VIPS_FORMAT_USHORT ? 16 : 8;
     return vips_pngsave(image, path, "bitdepth", bits, "compression",
                         options.compressionLevel.value_or(kQuickLevel), "filter",
-                        options.compressionLevel ? VIPS_FOREIGN_PNG_FILTER_ALL : kQuickFilter, "strip", TRUE,
-                        nullptr);
+                        options.compressionLevel ? VIPS_FOREIGN_PNG_FILTER_ALL : kQuickFilter, "interlace",
+                        static_cast<gboolean>(storage.interlaced && IsSmall(image)), "strip", TRUE, nullptr);
 }
 
 // In one pass, with the standard's own Huffman tables, unless the input was progressive: tables made for the
 // picture would save a few percent, but take all of it in memory.
 int SaveJpeg(VipsImage *image, const char *path, const Storage &storage, const SaveOptions &) {
-    const bool small = int64_t{vips_image_get_width(image)} * vips_image_get_height(image) <= kMaxHeldPixels;
     return vips_jpegsave(image, path, "Q", storage.jpegQuality, "subsample_mode",
                          storage.subsampled ? VIPS_FOREIGN_SUBSAMPLE_ON : VIPS_FOREIGN_SUBSAMPLE_OFF,
-                         "interlace", static_cast<gboolean>(small && storage.progressive), "strip", TRUE,
-                         nullptr);
+                         "interlace", static_cast<gboolean>(storage.progressive && IsSmall(image)), "strip",
+                         TRUE, nullptr);
 }
 
 int SaveTiff(VipsImage *image, const char *path, const Storage &storage, const SaveOptions &) {

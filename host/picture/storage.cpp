@@ -195,7 +195,7 @@ void TakePng(const ByteFile &file, Storage *storage) {
     size_t headChunks = 0;
     bool whole = false;
     ReadPngChunks(file, &chunks, &headBytes, &headChunks, &whole);
-    if (chunks.empty() || chunks.front().bytes.size() < 10) {
+    if (chunks.empty() || chunks.front().bytes.size() < 13) {
         return;
     }
     const auto bits = static_cast<uint8_t>(chunks.front().bytes[8]);
@@ -204,6 +204,7 @@ void TakePng(const ByteFile &file, Storage *storage) {
         std::any_of(chunks.begin(), chunks.end(), [](const auto &chunk) { return chunk.type == "tRNS"; });
     storage->bits = colors == 0 && bits < 8 && !clear ? bits : 0;
     storage->palette = colors == 3;
+    storage->interlaced = chunks.front().bytes[12] != 0;
 }
 
 // The encoder's way from a quality to quantizers, backwards. By its default a picture's finest and coarsest

@@ -24,9 +24,10 @@ struct Storage {
     bool pyramid = false;         // with smaller copies of itself behind it,
     bool subDirectories = false;  // or below it
     int32_t jpegQuality = kFineQuality;
-    bool subsampled = false;  // fewer samples of JPEG's colours than of its brightness
-    bool progressive = false;
-    int32_t webpQuality = 0;  // 0: without loss
+    bool subsampled = false;   // fewer samples of JPEG's colours than of its brightness
+    bool progressive = false;  // of JPEG,
+    bool interlaced = false;   // and of PNG
+    int32_t webpQuality = 0;   // 0: without loss
 };
 
 // That of the file, estimated where the file does not say it. The defaults for what other formats do not
