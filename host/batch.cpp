@@ -9,6 +9,7 @@
 #include <numeric>
 
 #include "host/interrupt.h"
+#include "host/picture/metadata.h"
 #include "host/progress_bar.h"
 #include "host/work/worker_job.h"
 #include "host/work/worker_pool.h"
@@ -63,8 +64,8 @@ void Settle(Batch *batch, size_t index, const MaybeFailure &failure, const FileR
         const std::chrono::duration<double> elapsed = Clock::now() - start;
         if (!batch->options->quiet) {
             std::printf("%s -> %s: %s, %.1f s%s\n", request.inputFile.c_str(),
-                        request.outputs[kPictureOutput].c_str(), report.words.c_str(), elapsed.count(),
-                        report.lost.c_str());
+                        request.outputs[kPictureOutput].c_str(), WordsOn(report).c_str(), elapsed.count(),
+                        WordsOnLoss(report.format, report.lost).c_str());
             std::fflush(stdout);
         }
     }
@@ -100,15 +101,14 @@ int Conclude(Batch *batch) {
 MaybeFailure DoHere(Batch *batch, size_t index, FileReport *report) {
     const Watcher watcher = {[=](double done) { Advance(batch, index, done); }, Interrupted};
     PlannedFile planned;
-    Picture picture;
-    if (MaybeFailure failure =
-            PlanFile((*batch->requests)[index], *batch->settings, batch->plugin->info, &planned, &picture)) {
+    if (Picture picture; MaybeFailure failure = PlanFile((*batch->requests)[index], *batch->settings,
+                                                         batch->plugin->info, &planned, &picture)) {
         return failure;
     }
     const Options &options = *batch->options;
-    const FilterPlace place = {&batch->plugin->module, options.pluginFolder, options.jobs};
+    const FilterPlace place = {batch->plugin, options.pluginFolder, options.jobs};
     const auto leave = [&](const Failure &failure) { Leave(batch, index, &planned, failure); };
-    if (MaybeFailure failure = DoFileTask(planned.task, place, watcher, leave, &picture, report)) {
+    if (MaybeFailure failure = DoFileTask(planned.task, place, watcher, leave, report)) {
         return failure;
     }
     return PublishFile(&planned);
@@ -237,11 +237,8 @@ MaybeFailure PlanBatch(const Options &options, std::vector<FileRequest> *request
             sentence.append(", which is that of ").append(taken->second).append(" already.");
             return Failure{kExitUsage, sentence};
         }
-        requests->push_back({input,
-                             {output, options.comparisonFile, options.recordFile},
-                             options.force,
-                             options.inPlace,
-                             options.maxMegapixels});
+        requests->push_back(
+            {input, {output, options.comparisonFile, options.recordFile}, options.force, options.inPlace});
     }
     return std::nullopt;
 }

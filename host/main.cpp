@@ -24,17 +24,14 @@ MaybeFailure TakeSettings(const Options &options, FilterSettings *settings) {
     settings->selection = {options.selection, options.maskFile};
     settings->save = {options.compressionLevel, options.storage, options.stamp};
     settings->range = options.range;
-    FilterOrders *orders = &settings->orders;
+    settings->maxMegapixels = options.maxMegapixels;
+    settings->pages = options.pages;
     if (options.dialog) {
-        orders->user = DialogUser::person;
-    } else if (options.radius && *options.radius > kMaxPlayedRadius) {
-        orders->user = DialogUser::script;
-        orders->radius = *options.radius;
+        settings->orders.user = DialogUser::person;
     } else if (options.radius) {
-        orders->action.items.push_back(
-            {.key = kRadiusKey, .type = typeFloat, .number = static_cast<double>(*options.radius)});
+        settings->orders = OrdersForRadius(*options.radius);
     }
-    return options.playFile.empty() ? std::nullopt : ReadAction(options.playFile, &orders->action);
+    return options.playFile.empty() ? std::nullopt : ReadAction(options.playFile, &settings->orders.action);
 }
 
 MaybeFailure Prepare(const Options &options, FilterSettings *settings, std::vector<FileRequest> *requests) {

@@ -1,6 +1,7 @@
 #include "host/options.h"
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 #include <iterator>
 #include <thread>
 
@@ -35,6 +36,18 @@ static_assert(kMinRadius == 1 && kMaxRadius == 6);
 // Also refuses NaN.
 bool IsRadius(double radius) {
     return radius >= double{kMinRadius} && radius <= double{kMaxRadius};
+}
+
+std::optional<PageRange> ParsePages(const std::string &text) {
+    PageRange range = {};
+    const char *end = text.data() + text.size();
+    auto parsed = std::from_chars(text.data(), end, range.first);
+    range.last = range.first;
+    if (parsed.ec == std::errc() && parsed.ptr != end && *parsed.ptr == '-') {
+        parsed = std::from_chars(parsed.ptr + 1, end, range.last);
+    }
+    const bool sound = parsed.ec == std::errc() && parsed.ptr == end;
+    return sound && range.first >= 1 && range.last >= range.first ? std::optional(range) : std::nullopt;
 }
 
 MaybeFailure CheckOptions(const Options &options) {
@@ -73,7 +86,7 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
         static_cast<int32_t>(std::clamp(std::thread::hardware_concurrency(), 1u, unsigned{kMaxJobs}));
     std::optional<double> radius;
     std::optional<int32_t> quality;
-    std::string selection, range, compression;
+    std::string selection, range, compression, pages;
     CLI::App app("Removes noise from pictures and keeps their edges and fine lines.", "hymedian");
     app.add_option("INPUT", options->inputFiles, "The pictures: PNG, JPEG, TIFF, WebP, PPM, PAM or GIF");
     app.add_option("-o,--output", options->output,
@@ -93,6 +106,7 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
     app.add_option("--select", selection, "Filter this rectangle alone")->type_name("X,Y,W,H");
     app.add_option("--mask", options->maskFile, "Filter as far as this grey picture is white")
         ->type_name("FILE");
+    app.add_option("--page", pages, "Filter only these pages of a TIFF; the others stay")->type_name("N[-M]");
     app.add_option("--range", range,
                    "The floats that are filtered as black and white; without it, the least and greatest")
         ->type_name("A,B");
@@ -155,6 +169,10 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
     options->selection = ParseRect(selection);
     if (!selection.empty() && !options->selection) {
         return WrongUsage("--select " + selection + ": a rectangle is X,Y,W,H in pixels, and not empty");
+    }
+    options->pages = ParsePages(pages);
+    if (!pages.empty() && !options->pages) {
+        return WrongUsage("--page " + pages + ": pages are N or N-M, counted from 1");
     }
     options->range = ParseRange(range);
     if (!range.empty() && !options->range) {

@@ -9,6 +9,7 @@
 #include "host/document/document.h"
 #include "host/picture/storage.h"
 #include "host/report/failure.h"
+#include "host/work/picture_task.h"
 #include "photoshop/document_info.h"
 
 struct Options {
@@ -24,6 +25,7 @@ struct Options {
     std::string pluginFolder;
     int32_t jobs = 1;
     std::optional<int32_t> maxMegapixels;
+    std::optional<PageRange> pages;
     std::optional<int32_t> compressionLevel;
     bool dialog = false;
     bool inPlace = false;

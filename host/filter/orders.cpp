@@ -32,6 +32,18 @@ MaybeFailure ShowToPerson(const FilterOrders &) {
 
 }  // namespace
 
+FilterOrders OrdersForRadius(int32_t radius) {
+    FilterOrders orders;
+    if (radius > kMaxPlayedRadius) {
+        orders.user = DialogUser::script;
+        orders.radius = radius;
+    } else {
+        orders.action.items.push_back(
+            {.key = kRadiusKey, .type = typeFloat, .number = static_cast<double>(radius)});
+    }
+    return orders;
+}
+
 MaybeFailure ChooseDialogUser(const FilterOrders &orders) {
     switch (orders.user) {
         case DialogUser::script:

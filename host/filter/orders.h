@@ -20,6 +20,9 @@ struct FilterOrders {
     int32_t radius = 0;  // the script's answer
 };
 
+// Those that run the filter at a radius, and ask nobody.
+FilterOrders OrdersForRadius(int32_t radius);
+
 // Chooses who answers from now on; call it before the first run. Fails if a person has no display, or nothing
 // can show dialogs.
 MaybeFailure ChooseDialogUser(const FilterOrders &orders);

@@ -154,6 +154,11 @@ MaybeFailure FindFormat(const std::string &file, const PictureFormat **format) {
     return std::nullopt;
 }
 
+bool IsTiffName(const std::string &file) {
+    const PictureFormat *format = nullptr;
+    return !FindFormat(file, &format) && format->save == SaveTiff;
+}
+
 MaybeFailure CheckChoice(const StorageChoice &choice, const PictureFormat &format, const Storage &storage,
                          const std::string &outputFile) {
     const bool compressed = format.save == SaveTiff;

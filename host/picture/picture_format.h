@@ -33,6 +33,9 @@ struct PictureFormat {
 // Goes by the file name's suffix, in upper or lower case.
 MaybeFailure FindFormat(const std::string &file, const PictureFormat **format);
 
+// Whether an output of this name is a TIFF, which holds several pages.
+bool IsTiffName(const std::string &file);
+
 // Refuses a choice that the format does not have, or that does not suit the picture.
 MaybeFailure CheckChoice(const StorageChoice &choice, const PictureFormat &format, const Storage &storage,
                          const std::string &outputFile);

@@ -1,0 +1,23 @@
+// A file for work in progress, without a name: it is gone with the process, however that ends.
+#pragma once
+
+#include <string>
+
+struct ScratchFile {
+    int descriptor = -1;
+    std::string path;  // for this process and its workers
+
+    ScratchFile() = default;
+    ScratchFile(const ScratchFile &) = delete;
+    ScratchFile &operator=(const ScratchFile &) = delete;
+    ~ScratchFile();
+};
+
+// Makes an empty file on the folder's disk; false, with errno, if that cannot be.
+bool MakeScratch(const std::string &folder, ScratchFile *file);
+
+// Where temporary files go by the user's wish: TMPDIR, or /tmp.
+std::string TemporaryFolder();
+
+// The folder of a file.
+std::string FolderOfFile(const std::string &file);
