@@ -3,7 +3,6 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <map>
 #include <memory>
 #include <numeric>
@@ -13,8 +12,6 @@
 #include "host/progress_bar.h"
 #include "host/work/worker_job.h"
 #include "host/work/worker_pool.h"
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -50,6 +47,11 @@ void Advance(Batch *batch, size_t request, double done) {
     AdvanceBar(&batch->bar, sum / static_cast<double>(batch->progress.size()));
 }
 
+// A picture that goes to standard output has it for itself.
+FILE *SummaryStream(const Options &options) {
+    return options.output == kPipe ? stderr : stdout;
+}
+
 // A picture is finished, for better or worse.
 void Settle(Batch *batch, size_t index, const MaybeFailure &failure, const FileReport &report,
             Clock::time_point start) {
@@ -58,15 +60,16 @@ void Settle(Batch *batch, size_t index, const MaybeFailure &failure, const FileR
     if (failure) {
         batch->failedCount += failure->status == kExitInterrupted ? 0U : 1U;
         batch->status = failure->status;
-        Tell(*failure);
+        Tell(Renamed(*failure, request.inputFile, request.inputName));
     } else {
         ++batch->doneCount;
         const std::chrono::duration<double> elapsed = Clock::now() - start;
         if (!batch->options->quiet) {
-            std::printf("%s -> %s: %s, %.1f s%s\n", request.inputFile.c_str(),
-                        request.outputs[kPictureOutput].c_str(), WordsOn(report).c_str(), elapsed.count(),
-                        WordsOnLoss(report.format, report.lost).c_str());
-            std::fflush(stdout);
+            std::fprintf(SummaryStream(*batch->options), "%s -> %s: %s, %.1f s%s\n",
+                         request.inputName.c_str(), request.outputs[kPictureOutput].c_str(),
+                         WordsOn(report).c_str(), elapsed.count(),
+                         WordsOnLoss(report.format, report.lost).c_str());
+            std::fflush(SummaryStream(*batch->options));
         }
     }
     Advance(batch, index, 1);
@@ -78,8 +81,9 @@ int Conclude(Batch *batch) {
     ClearBar(&batch->bar);
     if (count > 1 && !batch->options->quiet) {
         const size_t undone = count - batch->doneCount - batch->failedCount;
-        std::printf("%zu pictures: %zu done, %zu failed%s\n", count, batch->doneCount, batch->failedCount,
-                    undone > 0 ? (", " + std::to_string(undone) + " left undone").c_str() : "");
+        std::fprintf(SummaryStream(*batch->options), "%zu pictures: %zu done, %zu failed%s\n", count,
+                     batch->doneCount, batch->failedCount,
+                     undone > 0 ? (", " + std::to_string(undone) + " left undone").c_str() : "");
     }
     if (Interrupted()) {
         return kExitInterrupted;
@@ -204,44 +208,7 @@ std::vector<size_t> AllOf(const std::vector<FileRequest> &requests) {
     return all;
 }
 
-std::string OutputOf(const Options &options, const std::string &input) {
-    std::error_code error;
-    if (options.output.empty()) {
-        return input;
-    }
-    return fs::is_directory(options.output, error)
-               ? (fs::path(options.output) / fs::path(input).filename()).string()
-               : options.output;
-}
-
 }  // namespace
-
-MaybeFailure PlanBatch(const Options &options, std::vector<FileRequest> *requests) {
-    std::error_code error;
-    if (!options.output.empty() && !fs::is_directory(options.output, error)) {
-        if (options.inputFiles.size() > 1) {
-            return Failure{kExitUsage,
-                           options.output + ": several pictures need an existing folder to go to."};
-        }
-        if (options.output.back() == '/') {
-            return Failure{kExitUsage, options.output + ": there is no such folder."};
-        }
-    }
-    std::map<fs::path, std::string> inputs;  // by output path
-    for (const std::string &input : options.inputFiles) {
-        const std::string output = OutputOf(options, input);
-        const auto [taken, isNew] = inputs.emplace(fs::weakly_canonical(output, error), input);
-        if (!isNew) {
-            std::string sentence = input;
-            sentence.append(": its output would be ").append(output);
-            sentence.append(", which is that of ").append(taken->second).append(" already.");
-            return Failure{kExitUsage, sentence};
-        }
-        requests->push_back(
-            {input, {output, options.comparisonFile, options.recordFile}, options.force, options.inPlace});
-    }
-    return std::nullopt;
-}
 
 int RunBatch(const Options &options, const FilterSettings &settings, const std::vector<FileRequest> &requests,
              Plugin *plugin) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/batch.h"
+#include "host/batch_plan.h"
 #include "host/filter/action_file.h"
 #include "host/filter/plugin.h"
 #include "host/interrupt.h"
@@ -22,7 +23,7 @@ Plugin plugin;
 
 MaybeFailure TakeSettings(const Options &options, FilterSettings *settings) {
     settings->selection = {options.selection, options.maskFile};
-    settings->save = {options.compressionLevel, options.storage, options.stamp};
+    settings->save = {options.format, options.compressionLevel, options.storage, options.stamp};
     settings->range = options.range;
     settings->maxMegapixels = options.maxMegapixels;
     settings->pages = options.pages;

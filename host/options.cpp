@@ -1,7 +1,9 @@
 #include "host/options.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <charconv>
+#include <filesystem>
 #include <iterator>
 #include <thread>
 
@@ -53,8 +55,10 @@ std::optional<PageRange> ParsePages(const std::string &text) {
 MaybeFailure CheckOptions(const Options &options) {
     const bool beyondActions = options.radius && *options.radius > kMaxPlayedRadius;
     const std::string first = options.inputFiles.empty() ? "" : options.inputFiles.front();
-    const bool several = options.inputFiles.size() > 1;
-    const bool nowhere = options.output.empty() && !options.inPlace;
+    const bool nowhere = options.output.empty() && options.suffix.empty() && !options.inPlace;
+    const auto pipedIn = std::count(options.inputFiles.begin(), options.inputFiles.end(), kPipe);
+    std::error_code error;
+    const bool isFolder = std::filesystem::is_directory(options.output, error);
     const struct {
         bool refused;
         std::string reason;
@@ -67,11 +71,17 @@ MaybeFailure CheckOptions(const Options &options) {
         {options.maxMegapixels.value_or(1) < 1, "The limit must be at least 1 megapixel"},
         {options.compressionLevel.value_or(0) < 0 || options.compressionLevel.value_or(0) > 9,
          "The compression level must be from 0 to 9"},
-        {several && !options.comparisonFile.empty(), "--compare takes one picture"},
-        {several && !options.recordFile.empty(), "--record takes one picture"},
+        {pipedIn > 1, "Standard input can be read once"},
+        {pipedIn > 0 && (options.output.empty() || isFolder),
+         "Standard input needs an output: name one with -o"},
+        {(options.output == kPipe) != (options.format != kFormatOfName),
+         "Standard output, -o -, and --format go together"},
+        {options.suffix.find('/') != std::string::npos, "A --suffix has no slash"},
+        {options.inPlace && !options.suffix.empty(), "--in-place takes no --suffix"},
         {!options.comparisonFile.empty() && !HasSuffix(options.comparisonFile, ".png"),
          options.comparisonFile + ": the name of a comparison must end in .png"},
-        {nowhere && !options.info, first + ": an output is missing: name one with -o, or use --in-place"},
+        {nowhere && !options.info,
+         first + ": an output is missing: name one with -o, or use --suffix or --in-place"},
     };
     const auto *failed =
         std::find_if(std::begin(checks), std::end(checks), [](const auto &check) { return check.refused; });
@@ -86,12 +96,21 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
         static_cast<int32_t>(std::clamp(std::thread::hardware_concurrency(), 1u, unsigned{kMaxJobs}));
     std::optional<double> radius;
     std::optional<int32_t> quality;
-    std::string selection, range, compression, pages;
+    std::string format, selection, range, compression, pages;
     CLI::App app("Removes noise from pictures and keeps their edges and fine lines.", "hymedian");
-    app.add_option("INPUT", options->inputFiles, "The pictures: PNG, JPEG, TIFF, WebP, PPM, PAM or GIF");
-    app.add_option("-o,--output", options->output,
-                   "The filtered picture, whose suffix decides the format; or the folder of all outputs")
+    app.add_option("INPUT", options->inputFiles,
+                   "The pictures: PNG, JPEG, TIFF, WebP, PPM, PAM or GIF; - for standard input");
+    app.add_option(
+           "-o,--output", options->output,
+           "The filtered picture, whose suffix decides the format; or the folder of all outputs; - for "
+           "standard output")
         ->type_name("FILE");
+    app.add_option("--format", format, "The format on standard output: png, jpg, tif, webp, ppm or pam")
+        ->type_name("NAME");
+    app.add_flag("-R,--recursive", options->recursive,
+                 "Take the pictures in folders, and make the same folders below that of the outputs");
+    app.add_option("--suffix", options->suffix, "Put this behind the names of outputs, as in --suffix=-clean")
+        ->type_name("TEXT");
     auto *radiusOption = app.add_option("-r,--radius", radius,
                                         std::string("How far the filter reaches: ") + kRadii +
                                             ", fractions are dropped; without it, as far as the last time")
@@ -151,6 +170,10 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
     if (options->dialog) {
         // One picture at a time, and whole.
         options->jobs = 1;
+    }
+    options->format = FormatNamed(format);
+    if (!format.empty() && options->format == kFormatOfName) {
+        return WrongUsage("--format can be png, jpg, tif, webp, ppm or pam");
     }
     options->storage.compression = CompressionNamed(compression);
     if (!compression.empty() && options->storage.compression < 0) {

@@ -12,9 +12,15 @@
 #include "host/work/picture_task.h"
 #include "photoshop/document_info.h"
 
+// Stands for standard input or output.
+constexpr char kPipe[] = "-";
+
 struct Options {
     std::vector<std::string> inputFiles;
-    std::string output;  // a file or a folder; empty if there is only --in-place
+    std::string output;  // a file, a folder or kPipe; empty for --in-place and for a suffix alone
+    std::string suffix;  // put behind the names of outputs; empty for none
+    bool recursive = false;
+    int32_t format = kFormatOfName;
     std::optional<int32_t> radius;
     std::string playFile;  // empty for none, like the next three
     std::string recordFile;

@@ -1,5 +1,9 @@
 #include "host/work/file_task.h"
 
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 
 #include "host/work/stack_task.h"
@@ -45,23 +49,44 @@ MaybeFailure CheckInput(const FileTask &task, const PluginInfo &plugin, Picture 
     return CheckPicture(task, plugin, *picture);
 }
 
+MaybeFailure PlanPipe(PlannedFile *planned) {
+    const std::string &name = planned->task.outputs[kPictureOutput];
+    if (isatty(STDOUT_FILENO) != 0) {
+        return Failure{kExitUsage, name + ": this is a terminal, which pictures do not go to."};
+    }
+    if (!MakeScratch(TemporaryFolder(), &planned->piped)) {
+        return FileFailure(name, std::string("cannot be written: ") + std::strerror(errno));
+    }
+    planned->task.written[kPictureOutput] = planned->piped.path;
+    return std::nullopt;
+}
+
+MaybeFailure MakeFolderOf(const std::string &file) {
+    std::error_code error;
+    fs::create_directories(FolderOfFile(file), error);
+    return error ? MaybeFailure(FileFailure(file, "its folder cannot be made: " + error.message()))
+                 : std::nullopt;
+}
+
 }  // namespace
 
 MaybeFailure PlanFile(const FileRequest &request, const FilterSettings &settings, const PluginInfo &plugin,
                       PlannedFile *planned, Picture *picture) {
     FileTask *task = &planned->task;
     *task = {request.inputFile, request.outputs, {}, settings};
-    const PictureFormat *format = nullptr;
-    if (MaybeFailure failure = FindFormat(request.outputs[kPictureOutput], &format)) {
-        return failure;
-    }
     if (MaybeFailure failure = CheckInput(*task, plugin, picture)) {
         return failure;
     }
     if (MaybeFailure failure = CheckPlaces(request)) {
         return failure;
     }
-    for (size_t i = 0; i < kOutputCount; ++i) {
+    if (request.makesFolders) {
+        if (MaybeFailure failure = MakeFolderOf(request.outputs[kPictureOutput])) {
+            return failure;
+        }
+    }
+    const size_t first = request.toStandardOutput ? kPictureOutput + 1 : kPictureOutput;
+    for (size_t i = first; i < kOutputCount; ++i) {
         const bool inPlace = request.inPlace && i == kPictureOutput;
         if (!request.outputs[i].empty()) {
             if (MaybeFailure failure = PlanOutput(
@@ -70,7 +95,7 @@ MaybeFailure PlanFile(const FileRequest &request, const FilterSettings &settings
             }
         }
     }
-    for (size_t i = 0; i < kOutputCount; ++i) {
+    for (size_t i = first; i < kOutputCount; ++i) {
         if (!request.outputs[i].empty()) {
             if (MaybeFailure failure = CreateTemporary(&planned->outputs[i])) {
                 return failure;
@@ -78,7 +103,7 @@ MaybeFailure PlanFile(const FileRequest &request, const FilterSettings &settings
             task->written[i] = planned->outputs[i].temporary;
         }
     }
-    return std::nullopt;
+    return request.toStandardOutput ? PlanPipe(planned) : std::nullopt;
 }
 
 MaybeFailure DoFileTask(const FileTask &task, const FilterPlace &place, const Watcher &watcher,
@@ -101,6 +126,10 @@ MaybeFailure PublishFile(PlannedFile *planned) {
                 return failure;
             }
         }
+    }
+    if (planned->piped.descriptor >= 0 && !CopyBytes(planned->piped.descriptor, STDOUT_FILENO)) {
+        return FileFailure(planned->task.outputs[kPictureOutput],
+                           std::string("cannot be written: ") + std::strerror(errno));
     }
     return std::nullopt;
 }

@@ -56,9 +56,8 @@ MaybeFailure CheckSize(const FileTask &task, const PictureFormat &format, const 
                    : MaybeFailure(TooLittleMemory(task.inputFile));
     }
     return FileFailure(task.inputFile, "its " + SizeOf(picture.document) + " pixels are more than the " +
-                                              std::to_string(most) +
-                                              " megapixels that --max-megapixels allows" +
-                                              (limit ? "" : reason));
+                                           std::to_string(most) + " megapixels that --max-megapixels allows" +
+                                           (limit ? "" : reason));
 }
 
 // A dialog shows the picture whole, and a comparison is made when all of it is done.
@@ -85,7 +84,7 @@ MaybeFailure WriteFurtherResults(const FileTask &task, const Picture &picture, c
 MaybeFailure CheckPicture(const FileTask &task, const PluginInfo &plugin, const Picture &picture) {
     const PictureFormat *format = nullptr;
     const std::string &output = task.outputs[kPictureOutput];
-    if (MaybeFailure failure = FindFormat(output, &format)) {
+    if (MaybeFailure failure = FindFormat(output, task.settings.save.format, &format)) {
         return failure;
     }
     if (MaybeFailure failure = CheckSize(task, *format, picture)) {
@@ -101,10 +100,10 @@ MaybeFailure CheckPicture(const FileTask &task, const PluginInfo &plugin, const 
 }
 
 MaybeFailure DoPicture(const FileTask &task, const FilterPlace &place, const Watcher &watcher,
-                        const std::function<void(const Failure &)> &leave, Picture *picture,
-                        FileReport *report) {
+                       const std::function<void(const Failure &)> &leave, Picture *picture,
+                       FileReport *report) {
     const PictureFormat *format = nullptr;
-    if (MaybeFailure failure = FindFormat(task.outputs[kPictureOutput], &format)) {
+    if (MaybeFailure failure = FindFormat(task.outputs[kPictureOutput], task.settings.save.format, &format)) {
         return failure;
     }
     Choose(task.settings.save.storage, &picture->storage);

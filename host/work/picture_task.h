@@ -24,9 +24,9 @@ struct FilterSettings {
     FilterOrders orders;
     Selection selection;
     SaveOptions save;
-    std::optional<SampleRange> range;  // of floats
+    std::optional<SampleRange> range;      // of floats
     std::optional<int32_t> maxMegapixels;  // without one, as below
-    std::optional<PageRange> pages;  // of a stack; without one, all
+    std::optional<PageRange> pages;        // of a stack; without one, all
 };
 
 // A streamed picture's size takes no memory; some pictures have to be held whole. Chosen: 6 GB for both
@@ -45,11 +45,11 @@ struct FileTask {
 
 // What the user is told about a finished task.
 struct FileReport {
-    std::string kind;    // "40 x 30 RGB, 8 bits"
-    size_t pages = 1;    // filtered ones of a stack
-    bool alike = true;   // all of them are of the first one's kind
-    int32_t radius = 0;  // 0 where nothing was filtered
-    std::string format;  // the output's
+    std::string kind;               // "40 x 30 RGB, 8 bits"
+    size_t pages = 1;               // filtered ones of a stack
+    bool alike = true;              // all of them are of the first one's kind
+    int32_t radius = 0;             // 0 where nothing was filtered
+    std::string format;             // the output's
     std::vector<std::string> lost;  // what it could not hold
 };
 

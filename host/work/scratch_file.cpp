@@ -3,10 +3,19 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <vector>
 
 namespace fs = std::filesystem;
+
+namespace {
+
+constexpr size_t kBlockBytes = 1 << 20;  // moved at a time
+
+}  // namespace
 
 ScratchFile::~ScratchFile() {
     if (descriptor >= 0) {
@@ -23,6 +32,26 @@ bool MakeScratch(const std::string &folder, ScratchFile *file) {
     unlink(name.c_str());
     file->path = "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(file->descriptor);
     return true;
+}
+
+bool CopyBytes(int from, int to) {
+    std::vector<char> block(kBlockBytes);
+    for (;;) {
+        const ssize_t count = read(from, block.data(), block.size());
+        if (count == 0) {
+            return true;
+        }
+        for (ssize_t done = 0; done < count;) {
+            const ssize_t written = write(to, block.data() + done, static_cast<size_t>(count - done));
+            if (written < 0 && errno != EINTR) {
+                return false;
+            }
+            done += std::max<ssize_t>(written, 0);
+        }
+        if (count < 0 && errno != EINTR) {
+            return false;
+        }
+    }
 }
 
 std::string TemporaryFolder() {

@@ -16,6 +16,9 @@ struct ScratchFile {
 // Makes an empty file on the folder's disk; false, with errno, if that cannot be.
 bool MakeScratch(const std::string &folder, ScratchFile *file);
 
+// Copies one descriptor's bytes, to their end, to the other; false, with errno, if that fails.
+bool CopyBytes(int from, int to);
+
 // Where temporary files go by the user's wish: TMPDIR, or /tmp.
 std::string TemporaryFolder();
 

@@ -30,23 +30,15 @@ Pages PagesToFilter(const FileTask &task, const PageStack &stack) {
                  : Pages{0, stack.pages.size()};
 }
 
-// What messages call the file is a page, rather than the scratch file that the page lies in.
-MaybeFailure NameThePage(MaybeFailure failure, const std::string &path, const std::string &name) {
-    if (failure && failure->sentence.starts_with(path)) {
-        failure->sentence.replace(0, path.size(), name);
-    }
-    return failure;
-}
-
 MaybeFailure OpenScratch(const std::string &folder, const std::string &name, ScratchFile *file) {
     return MakeScratch(folder, file) || MakeScratch(TemporaryFolder(), file)
                ? std::nullopt
-               : MaybeFailure(FileFailure(
-                     name, std::string("no temporary file can be made for its pages: ") + std::strerror(errno)));
+               : MaybeFailure(FileFailure(name, std::string("no temporary file can be made for its pages: ") +
+                                                    std::strerror(errno)));
 }
 
 bool TakesPages(const FileTask &task) {
-    return IsTiffName(task.outputs[kPictureOutput]);
+    return IsTiff(task.outputs[kPictureOutput], task.settings.save.format);
 }
 
 FileTask TaskOnPage(const FileTask &task, const std::string &input, const std::string &output) {
@@ -112,7 +104,9 @@ MaybeFailure WritePage(StackRun *run, size_t page, bool filters, const std::stri
         Add(report, &run->report, run->filtered++);
         return KeepAnswer(task, report, run);
     };
-    return NameThePage(work(), task.inputFile, NameOfPage(run->stack->name, page));
+    const MaybeFailure failure = work();
+    return failure ? MaybeFailure(Renamed(*failure, task.inputFile, NameOfPage(run->stack->name, page)))
+                   : std::nullopt;
 }
 
 MaybeFailure AddPage(StackRun *run, size_t page, bool filters) {
@@ -151,6 +145,10 @@ MaybeFailure AddPages(StackRun *run) {
 
 MaybeFailure CheckStack(const FileTask &task, const PluginInfo &plugin, const PageStack &stack,
                         ScratchFile *file, Picture *picture) {
+    const PictureFormat *format = nullptr;
+    if (MaybeFailure failure = FindFormat(task.outputs[kPictureOutput], task.settings.save.format, &format)) {
+        return failure;
+    }
     const Pages wanted = PagesToFilter(task, stack);
     const std::string count = std::to_string(stack.pages.size());
     if (wanted.end > stack.pages.size()) {
@@ -158,8 +156,8 @@ MaybeFailure CheckStack(const FileTask &task, const PluginInfo &plugin, const Pa
     }
     const bool one = wanted.end - wanted.first == 1;
     if (!one && !TakesPages(task)) {
-        return FileFailure(stack.name, "it has " + count +
-                                           " pages, which only a .tif holds; choose one with --page");
+        return FileFailure(stack.name,
+                           "it has " + count + " pages, which only a .tif holds; choose one with --page");
     }
     if (!one && !task.outputs[kComparisonOutput].empty()) {
         return FileFailure(stack.name,
@@ -175,7 +173,8 @@ MaybeFailure CheckStack(const FileTask &task, const PluginInfo &plugin, const Pa
     if (!failure) {
         failure = CheckPicture(TaskOnPage(task, file->path, {}), plugin, *picture);
     }
-    return NameThePage(failure, file->path, NameOfPage(stack.name, wanted.first));
+    return failure ? MaybeFailure(Renamed(*failure, file->path, NameOfPage(stack.name, wanted.first)))
+                   : std::nullopt;
 }
 
 MaybeFailure DoStack(const FileTask &task, const FilterPlace &place, const Watcher &watcher,
