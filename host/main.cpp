@@ -27,6 +27,8 @@ MaybeFailure TakeSettings(const Options &options, FilterSettings *settings) {
     settings->range = options.range;
     settings->maxMegapixels = options.maxMegapixels;
     settings->pages = options.pages;
+    settings->passes = options.passes;
+    settings->amount = options.amount;
     if (options.dialog) {
         settings->orders.user = DialogUser::person;
     } else if (options.radius) {

@@ -15,7 +15,8 @@
 
 namespace {
 
-constexpr int32_t kMaxJobs = 256;  // chosen: more than nearly any machine has processors
+constexpr int32_t kMaxPasses = 100;  // chosen: a picture has long stopped changing
+constexpr int32_t kMaxJobs = 256;    // chosen: more than nearly any machine has processors
 
 Failure WrongUsage(const std::string &reason) {
     return {kExitUsage, reason + "; 'hymedian --help' lists the options."};
@@ -68,6 +69,11 @@ MaybeFailure CheckOptions(const Options &options) {
          "--record keeps a radius of at most " + std::to_string(kMaxPlayedRadius)},
         {options.jobs < 1 || options.jobs > kMaxJobs,
          "The number of jobs must be from 1 to " + std::to_string(kMaxJobs)},
+        {options.passes < 1 || options.passes > kMaxPasses,
+         "The passes can be from 1 to " + std::to_string(kMaxPasses)},
+        {options.amount < 0 || options.amount > 100, "The amount can be from 0 to 100 percent"},
+        {!options.comparisonFile.empty() && (options.passes > 1 || options.amount < 100),
+         "--compare goes with neither --passes nor --amount"},
         {options.maxMegapixels.value_or(1) < 1, "The limit must be at least 1 megapixel"},
         {options.compressionLevel.value_or(0) < 0 || options.compressionLevel.value_or(0) > 9,
          "The compression level must be from 0 to 9"},
@@ -125,6 +131,11 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
     app.add_option("--select", selection, "Filter this rectangle alone")->type_name("X,Y,W,H");
     app.add_option("--mask", options->maskFile, "Filter as far as this grey picture is white")
         ->type_name("FILE");
+    app.add_option("--passes", options->passes, "Filter so many times over; without it, once")
+        ->type_name("N");
+    app.add_option("--amount", options->amount,
+                   "How many percent of the result are mixed with the input; without it, 100")
+        ->type_name("P");
     app.add_option("--page", pages, "Filter only these pages of a TIFF; the others stay")->type_name("N[-M]");
     app.add_option("--range", range,
                    "The floats that are filtered as black and white; without it, the least and greatest")

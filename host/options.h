@@ -32,6 +32,8 @@ struct Options {
     int32_t jobs = 1;
     std::optional<int32_t> maxMegapixels;
     std::optional<PageRange> pages;
+    int32_t passes = 1;
+    int32_t amount = 100;
     std::optional<int32_t> compressionLevel;
     bool dialog = false;
     bool inPlace = false;

@@ -56,6 +56,14 @@ MaybeFailure ChooseDialogUser(const FilterOrders &orders) {
     return std::nullopt;
 }
 
+MaybeFailure RepeatAnswer(int32_t radius, FilterOrders *orders) {
+    if (orders->user != DialogUser::person) {
+        return std::nullopt;
+    }
+    *orders = OrdersForRadius(radius);
+    return ChooseDialogUser(*orders);
+}
+
 void AppendOrders(std::string *packed, const FilterOrders &orders) {
     AppendText(packed, PackAction(orders.action));
     AppendRecord(packed, orders.user);

@@ -27,6 +27,9 @@ FilterOrders OrdersForRadius(int32_t radius);
 // can show dialogs.
 MaybeFailure ChooseDialogUser(const FilterOrders &orders);
 
+// If a person was asked, further runs repeat the answer. Fails as above.
+MaybeFailure RepeatAnswer(int32_t radius, FilterOrders *orders);
+
 // To and from bytes for another process of this program. TakeOrders takes them from the front; false if there
 // are no orders there.
 void AppendOrders(std::string *packed, const FilterOrders &orders);

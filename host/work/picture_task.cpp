@@ -1,16 +1,18 @@
 #include "host/work/picture_task.h"
 
 #include <algorithm>
-#include <cmath>
 #include <iterator>
+#include <utility>
 
 #include "host/filter/action_file.h"
 #include "host/filter/plugin.h"
 #include "host/picture/comparison.h"
 #include "host/picture/metadata.h"
+#include "host/picture/mixture.h"
 #include "host/picture/picture_format.h"
 #include "host/picture/picture_writer.h"
 #include "host/picture/sample_range.h"
+#include "host/work/scratch_file.h"
 
 namespace {
 
@@ -79,6 +81,77 @@ MaybeFailure WriteFurtherResults(const FileTask &task, const Picture &picture, c
                : WriteAction(recorded, task.written[kActionOutput], task.outputs[kActionOutput]);
 }
 
+using Write = std::function<MaybeFailure(const RowSource &rows)>;
+
+// The passes over one picture.
+struct Run {
+    const FileTask *task;
+    const FilterPlace *place;
+    const Watcher *watcher;
+    const std::function<void(const Failure &)> *leave;
+    FilterOrders orders;
+    int32_t pass = 0;
+    std::string file = {};  // what the pass before wrote; empty in the first
+    Action recorded = {};
+};
+
+MaybeFailure FilterOnce(Run *run, const Write &write, Picture *picture) {
+    const FilterSettings &settings = run->task->settings;
+    const std::string &file = run->file.empty() ? run->task->inputFile : run->file;
+    const Sharing sharing = run->place->jobs > 1 ? Sharing::withWorkers : Sharing::none;
+    const Watcher silent = {[](double) {}, run->watcher->cancelled};
+    if (MaybeFailure failure =
+            Select(settings.selection, run->task->inputFile, sharing, silent, &picture->document)) {
+        return failure;
+    }
+    if (MaybeFailure failure = ChooseRange(settings.range, file, silent, &picture->document)) {
+        return failure;
+    }
+    const Watcher watcher = {
+        [=](double done) { run->watcher->progress((run->pass + done) / run->task->settings.passes); },
+        run->watcher->cancelled};
+    return StreamPicture({*run->place, run->orders, watcher, StoreFor(*run->task), write, *run->leave},
+                         picture, &run->recorded);
+}
+
+// The picture is then what the file holds, and keeps all that it had beside its pixels.
+MaybeFailure Reopen(const std::string &file, Picture *picture) {
+    Picture next;
+    if (MaybeFailure failure = OpenPicture(file, &next)) {
+        return Renamed(*failure, file, picture->file);
+    }
+    picture->unread = std::move(next.unread);
+    return std::nullopt;
+}
+
+// One pass of several, into an unpacked TIFF, which holds any picture.
+MaybeFailure FilterToScratch(Run *run, ScratchFile *scratch, Picture *picture) {
+    const FileTask &task = *run->task;
+    if (scratch->descriptor < 0) {
+        if (MaybeFailure failure = OpenScratch(task.written[kPictureOutput], task.inputFile, scratch)) {
+            return failure;
+        }
+    }
+    const PictureFormat *format = nullptr;
+    FindFormat({}, FormatNamed("tif"), &format);
+    const Storage storage = std::exchange(picture->storage, Storage());
+    const auto write = [&](const RowSource &rows) {
+        return WritePicture(*picture, *format, {}, scratch->path, task.outputs[kPictureOutput], rows);
+    };
+    MaybeFailure failure = FilterOnce(run, write, picture);
+    failure = failure ? failure : Reopen(scratch->path, picture);
+    picture->storage = storage;
+    run->file = scratch->path;
+    const ActionItem *radius = FindItem(run->recorded, kRadiusKey);
+    return failure || radius == nullptr ? failure
+                                        : RepeatAnswer(static_cast<int32_t>(radius->number), &run->orders);
+}
+
+std::string WordsOnSettings(const FilterSettings &settings) {
+    return (settings.passes > 1 ? ", " + std::to_string(settings.passes) + " passes" : "") +
+           (settings.amount < 100 ? ", " + std::to_string(settings.amount) + " %" : "");
+}
+
 }  // namespace
 
 MaybeFailure CheckPicture(const FileTask &task, const PluginInfo &plugin, const Picture &picture) {
@@ -103,43 +176,48 @@ MaybeFailure DoPicture(const FileTask &task, const FilterPlace &place, const Wat
                        const std::function<void(const Failure &)> &leave, Picture *picture,
                        FileReport *report) {
     const PictureFormat *format = nullptr;
-    if (MaybeFailure failure = FindFormat(task.outputs[kPictureOutput], task.settings.save.format, &format)) {
+    const std::string &written = task.written[kPictureOutput];
+    const std::string &output = task.outputs[kPictureOutput];
+    if (MaybeFailure failure = FindFormat(output, task.settings.save.format, &format)) {
         return failure;
+    }
+    Run run = {&task, &place, &watcher, &leave, task.settings.orders};
+    ScratchFile before, after;
+    for (; run.pass + 1 < task.settings.passes; ++run.pass) {
+        if (MaybeFailure failure = FilterToScratch(&run, run.pass % 2 == 0 ? &after : &before, picture)) {
+            return failure;
+        }
     }
     Choose(task.settings.save.storage, &picture->storage);
-    const Sharing sharing = place.jobs > 1 ? Sharing::withWorkers : Sharing::none;
-    const Watcher silent = {[](double) {}, watcher.cancelled};
-    if (MaybeFailure failure =
-            Select(task.settings.selection, task.inputFile, sharing, silent, &picture->document)) {
-        return failure;
-    }
-    if (MaybeFailure failure = ChooseRange(task.settings.range, task.inputFile, silent, &picture->document)) {
-        return failure;
-    }
-    const auto write = [&](const RowSource &rows) {
-        return WritePicture(*picture, *format, task.settings.save, task.written[kPictureOutput],
-                            task.outputs[kPictureOutput], rows);
+    const Write write = [&](const RowSource &rows) {
+        return WritePicture(*picture, *format, task.settings.save, written, output, rows);
     };
-    Action recorded;
-    if (MaybeFailure failure = StreamPicture(
-            {place, task.settings.orders, watcher, StoreFor(task), write, leave}, picture, &recorded)) {
+    const Write writeMixed = [&](const RowSource &rows) {
+        Mixture mixture;
+        if (MaybeFailure failure = StartMixing(task.inputFile, task.settings.amount, &mixture)) {
+            return failure;
+        }
+        MaybeFailure failure = write(MixedRows(rows, &mixture));
+        return mixture.failure ? mixture.failure : failure;
+    };
+    if (MaybeFailure failure = FilterOnce(&run, task.settings.amount < 100 ? writeMixed : write, picture)) {
         return failure;
     }
-    if (MaybeFailure failure = WriteFurtherResults(task, *picture, recorded)) {
+    if (MaybeFailure failure = WriteFurtherResults(task, *picture, run.recorded)) {
         return failure;
     }
     std::vector<std::string> lost;
-    if (MaybeFailure failure = CarryMetadata({task.inputFile, task.written[kPictureOutput],
-                                              task.outputs[kPictureOutput], task.settings.save.stamp},
-                                             &lost)) {
+    if (MaybeFailure failure =
+            CarryMetadata({task.inputFile, written, output, task.settings.save.stamp}, &lost)) {
         return failure;
     }
-    *report = ReportOn(*picture, recorded, *format, lost);
+    *report = ReportOn(*picture, run.recorded, *format, lost);
+    report->further = WordsOnSettings(task.settings);
     return std::nullopt;
 }
 
 std::string WordsOn(const FileReport &report) {
     const std::string pages = report.pages == 1 ? "" : std::to_string(report.pages) + " pages of ";
     return pages + (report.alike ? report.kind : "different kinds") +
-           (report.radius > 0 ? ", radius " + std::to_string(report.radius) : "");
+           (report.radius > 0 ? ", radius " + std::to_string(report.radius) : "") + report.further;
 }

@@ -26,7 +26,9 @@ struct FilterSettings {
     SaveOptions save;
     std::optional<SampleRange> range;      // of floats
     std::optional<int32_t> maxMegapixels;  // without one, as below
-    std::optional<PageRange> pages;        // of a stack; without one, all
+    int32_t passes = 1;
+    int32_t amount = 100;            // percent of the result, of which the input is the rest
+    std::optional<PageRange> pages;  // of a stack; without one, all
 };
 
 // A streamed picture's size takes no memory; some pictures have to be held whole. Chosen: 6 GB for both
@@ -49,6 +51,7 @@ struct FileReport {
     size_t pages = 1;               // filtered ones of a stack
     bool alike = true;              // all of them are of the first one's kind
     int32_t radius = 0;             // 0 where nothing was filtered
+    std::string further = {};       // what else was done: ", 2 passes"
     std::string format;             // the output's
     std::vector<std::string> lost;  // what it could not hold
 };

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <vector>
 
@@ -32,6 +33,13 @@ bool MakeScratch(const std::string &folder, ScratchFile *file) {
     unlink(name.c_str());
     file->path = "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(file->descriptor);
     return true;
+}
+
+MaybeFailure OpenScratch(const std::string &output, const std::string &input, ScratchFile *file) {
+    return MakeScratch(FolderOfFile(output), file) || MakeScratch(TemporaryFolder(), file)
+               ? std::nullopt
+               : MaybeFailure(FileFailure(
+                     input, std::string("no temporary file can be made for it: ") + std::strerror(errno)));
 }
 
 bool CopyBytes(int from, int to) {

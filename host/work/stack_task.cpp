@@ -1,8 +1,6 @@
 #include "host/work/stack_task.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 
 namespace {
 
@@ -16,7 +14,7 @@ struct StackRun {
     StackWriter writer = {};
     size_t filtered = 0;
     FileReport report = {};
-    std::optional<FilterOrders> answered = {};  // a dialog asks once
+    FilterOrders orders = {};  // a dialog asks once
 };
 
 // Pages count from 0 from here on.
@@ -28,13 +26,6 @@ Pages PagesToFilter(const FileTask &task, const PageStack &stack) {
     const std::optional<PageRange> &range = task.settings.pages;
     return range ? Pages{static_cast<size_t>(range->first) - 1, static_cast<size_t>(range->last)}
                  : Pages{0, stack.pages.size()};
-}
-
-MaybeFailure OpenScratch(const std::string &folder, const std::string &name, ScratchFile *file) {
-    return MakeScratch(folder, file) || MakeScratch(TemporaryFolder(), file)
-               ? std::nullopt
-               : MaybeFailure(FileFailure(name, std::string("no temporary file can be made for its pages: ") +
-                                                    std::strerror(errno)));
 }
 
 bool TakesPages(const FileTask &task) {
@@ -61,21 +52,13 @@ void Add(const FileReport &page, FileReport *all, size_t index) {
     }
 }
 
-MaybeFailure KeepAnswer(const FileTask &task, const FileReport &report, StackRun *run) {
-    if (task.settings.orders.user != DialogUser::person) {
-        return std::nullopt;
-    }
-    run->answered = OrdersForRadius(report.radius);
-    return ChooseDialogUser(*run->answered);
-}
-
 // Into a file that lies at `output`. Without `filters`, the page is only stored in another way.
 MaybeFailure WritePage(StackRun *run, size_t page, bool filters, const std::string &output) {
     if (MaybeFailure failure = TakePage(*run->stack, page, run->input.path)) {
         return failure;
     }
     FileTask task = TaskOnPage(*run->task, run->input.path, output);
-    task.settings.orders = run->answered.value_or(task.settings.orders);
+    task.settings.orders = run->orders;
     if (!filters) {
         task.settings.selection = {VRect{}, {}};
         task.settings.save.storage = {};
@@ -102,7 +85,7 @@ MaybeFailure WritePage(StackRun *run, size_t page, bool filters, const std::stri
             return std::nullopt;
         }
         Add(report, &run->report, run->filtered++);
-        return KeepAnswer(task, report, run);
+        return RepeatAnswer(report.radius, &run->orders);
     };
     const MaybeFailure failure = work();
     return failure ? MaybeFailure(Renamed(*failure, task.inputFile, NameOfPage(run->stack->name, page)))
@@ -163,7 +146,7 @@ MaybeFailure CheckStack(const FileTask &task, const PluginInfo &plugin, const Pa
         return FileFailure(stack.name,
                            "it has " + count + " pages; choose one with --page for the comparison");
     }
-    if (MaybeFailure failure = OpenScratch(FolderOfFile(task.outputs[kPictureOutput]), stack.name, file)) {
+    if (MaybeFailure failure = OpenScratch(task.outputs[kPictureOutput], stack.name, file)) {
         return failure;
     }
     if (MaybeFailure failure = TakePage(stack, wanted.first, file->path)) {
@@ -181,9 +164,9 @@ MaybeFailure DoStack(const FileTask &task, const FilterPlace &place, const Watch
                      const std::function<void(const Failure &)> &leave, const PageStack &stack,
                      FileReport *report) {
     StackRun run = {&task, &place, &watcher, &leave, &stack, {}, {}};
-    const std::string folder = FolderOfFile(task.written[kPictureOutput]);
+    run.orders = task.settings.orders;
     for (ScratchFile *file : {&run.input, &run.output}) {
-        if (MaybeFailure failure = OpenScratch(folder, stack.name, file)) {
+        if (MaybeFailure failure = OpenScratch(task.written[kPictureOutput], stack.name, file)) {
             return failure;
         }
     }

@@ -38,7 +38,8 @@ bool TakeTask(std::string_view *packed, FileTask *task) {
            TakeNames(packed, &task->written) && TakeOrders(packed, &task->settings.orders) &&
            TakeText(packed, &selection->maskFile) && TakeRecord(packed, &selection->rect) &&
            TakeRecord(packed, &task->settings.save) && TakeRecord(packed, &task->settings.range) &&
-           TakeRecord(packed, &task->settings.maxMegapixels) && TakeRecord(packed, &task->settings.pages);
+           TakeRecord(packed, &task->settings.maxMegapixels) && TakeRecord(packed, &task->settings.pages) &&
+           TakeRecord(packed, &task->settings.passes) && TakeRecord(packed, &task->settings.amount);
 }
 
 bool TakeBand(std::string_view *packed, BandJob *job) {
@@ -51,6 +52,7 @@ void AppendReport(std::string *packed, const FileReport &report) {
     AppendRecord(packed, report.pages);
     AppendRecord(packed, report.alike);
     AppendRecord(packed, report.radius);
+    AppendText(packed, report.further);
     AppendText(packed, report.format);
     AppendRecord(packed, report.lost.size());
     for (const std::string &kind : report.lost) {
@@ -62,7 +64,8 @@ bool TakeReport(std::string_view *packed, FileReport *report) {
     size_t lost = 0;
     bool sound = TakeText(packed, &report->kind) && TakeRecord(packed, &report->pages) &&
                  TakeRecord(packed, &report->alike) && TakeRecord(packed, &report->radius) &&
-                 TakeText(packed, &report->format) && TakeRecord(packed, &lost);
+                 TakeText(packed, &report->further) && TakeText(packed, &report->format) &&
+                 TakeRecord(packed, &lost);
     for (size_t i = 0; sound && i < lost; ++i) {
         sound = TakeText(packed, &report->lost.emplace_back());
     }
@@ -93,6 +96,8 @@ std::string PackFileJob(const std::string &pluginFolder, const FileTask &task) {
     AppendRecord(&packed, task.settings.range);
     AppendRecord(&packed, task.settings.maxMegapixels);
     AppendRecord(&packed, task.settings.pages);
+    AppendRecord(&packed, task.settings.passes);
+    AppendRecord(&packed, task.settings.amount);
     return packed;
 }
 

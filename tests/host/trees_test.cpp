@@ -33,11 +33,13 @@ TEST_F(Program, WorksInPipes) {
         {run + "- --format PNG < in.png", 0, "file-in.png", "standard input -> standard output: 90 x 70"},
         {"cat pages.tif | " + run + "- --format tif", 0, "file-pages.tif", "2 pages of 90 x 35"},
         {"cat in.png | " + run + "out.png >&2 && cat out.png", 0, "file-in.png", "standard input -> out.png"},
-        {"cat broken.png | " + run + "- --format png", 1, nullptr, "hymedian: standard input: cannot be read"},
+        {"cat broken.png | " + run + "- --format png", 1, nullptr,
+         "hymedian: standard input: cannot be read"},
         {run + "-  < in.png", 2, nullptr, "--format"},
         {run + "/dev < in.png", 2, nullptr, "Standard input needs an output"},
         {run + "- --format gif < in.png", 2, nullptr, "--format can be"},
-        {run + "- --format png < in.png > /dev/full", 1, nullptr, "standard output: cannot be written: No space"},
+        {run + "- --format png < in.png > /dev/full", 1, nullptr,
+         "standard output: cannot be written: No space"},
     };
     for (const auto &[command, status, expected, told] : cases) {
         SCOPED_TRACE(command);
