@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <map>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <numeric>
 
 #include "host/interrupt.h"
@@ -52,19 +53,45 @@ FILE *SummaryStream(const Options &options) {
     return options.output == kPipe ? stderr : stdout;
 }
 
+// For other programs, one line a picture.
+void PrintObject(const FileRequest &request, const MaybeFailure &failure, const FileReport &report,
+                 double seconds) {
+    nlohmann::ordered_json object = {{"input", request.inputName},
+                                     {"output", request.outputs[kPictureOutput]}};
+    if (failure) {
+        object["error"] = Renamed(*failure, request.inputFile, request.inputName).sentence;
+    } else {
+        object.update({{"mode", report.mode},
+                       {"width", report.width},
+                       {"height", report.height},
+                       {"depth", report.depth},
+                       {"pages", report.pages},
+                       {"radius", report.radius},
+                       {"seconds", seconds},
+                       {"lost", report.lost}});
+    }
+    // Names may be of any bytes.
+    const auto replace = nlohmann::ordered_json::error_handler_t::replace;
+    std::printf("%s\n", object.dump(-1, ' ', false, replace).c_str());
+    std::fflush(stdout);
+}
+
 // A picture is finished, for better or worse.
 void Settle(Batch *batch, size_t index, const MaybeFailure &failure, const FileReport &report,
             Clock::time_point start) {
     const FileRequest &request = (*batch->requests)[index];
+    const std::chrono::duration<double> elapsed = Clock::now() - start;
     ClearBar(&batch->bar);
+    if (batch->options->json) {
+        PrintObject(request, failure, report, elapsed.count());
+    }
     if (failure) {
         batch->failedCount += failure->status == kExitInterrupted ? 0U : 1U;
         batch->status = failure->status;
         Tell(Renamed(*failure, request.inputFile, request.inputName));
     } else {
         ++batch->doneCount;
-        const std::chrono::duration<double> elapsed = Clock::now() - start;
-        if (!batch->options->quiet) {
+        if (!batch->options->quiet && !batch->options->json) {
             std::fprintf(SummaryStream(*batch->options), "%s -> %s: %s, %.1f s%s\n",
                          request.inputName.c_str(), request.outputs[kPictureOutput].c_str(),
                          WordsOn(report).c_str(), elapsed.count(),
@@ -79,7 +106,7 @@ void Settle(Batch *batch, size_t index, const MaybeFailure &failure, const FileR
 int Conclude(Batch *batch) {
     const size_t count = batch->requests->size();
     ClearBar(&batch->bar);
-    if (count > 1 && !batch->options->quiet) {
+    if (count > 1 && !batch->options->quiet && !batch->options->json) {
         const size_t undone = count - batch->doneCount - batch->failedCount;
         std::fprintf(SummaryStream(*batch->options), "%zu pictures: %zu done, %zu failed%s\n", count,
                      batch->doneCount, batch->failedCount,
@@ -209,6 +236,23 @@ std::vector<size_t> AllOf(const std::vector<FileRequest> &requests) {
 }
 
 }  // namespace
+
+int RehearseBatch(const Options &options, const FilterSettings &settings,
+                  const std::vector<FileRequest> &requests, const Plugin &plugin) {
+    int status = kExitDone;
+    for (const FileRequest &request : requests) {
+        PlannedFile planned;
+        Picture picture;
+        if (const MaybeFailure failure = CheckFile(request, settings, plugin.info, &planned, &picture)) {
+            status = Tell(Renamed(*failure, request.inputFile, request.inputName));
+        } else if (!options.quiet) {
+            std::fprintf(SummaryStream(options), "%s -> %s: would be filtered: %s\n",
+                         request.inputName.c_str(), request.outputs[kPictureOutput].c_str(),
+                         DescribePicture(picture).c_str());
+        }
+    }
+    return requests.size() > 1 && status != kExitDone ? kExitFailed : status;
+}
 
 int RunBatch(const Options &options, const FilterSettings &settings, const std::vector<FileRequest> &requests,
              Plugin *plugin) {

@@ -60,6 +60,9 @@ int Run(const Options &options) {
         std::fputs(DescribePlugin(plugin.info).c_str(), stdout);
         return kExitDone;
     }
+    if (options.dryRun) {
+        return RehearseBatch(options, settings, requests, plugin);
+    }
     WatchForInterrupts();
     MakePreferencesFolder();
     return RunBatch(options, settings, requests, &plugin);

@@ -5,7 +5,9 @@
 #include <charconv>
 #include <filesystem>
 #include <iterator>
+#include <numeric>
 #include <thread>
+#include <utility>
 
 #include "host/filter/plugin.h"
 #include "host/picture/sample_range.h"
@@ -53,6 +55,45 @@ std::optional<PageRange> ParsePages(const std::string &text) {
     return sound && range.first >= 1 && range.last >= range.first ? std::optional(range) : std::nullopt;
 }
 
+// How many letters have to be put in, left out or changed to get from one word to the other.
+size_t Distance(const std::string &from, const std::string &to) {
+    std::vector<size_t> row(to.size() + 1);
+    std::iota(row.begin(), row.end(), size_t{0});
+    for (size_t i = 0; i < from.size(); ++i) {
+        size_t corner = std::exchange(row[0], i + 1);
+        for (size_t j = 0; j < to.size(); ++j) {
+            const size_t changed = corner + (from[i] == to[j] ? 0 : 1);
+            corner = row[j + 1];
+            row[j + 1] = std::min({changed, row[j] + 1, corner + 1});
+        }
+    }
+    return row.back();
+}
+
+// "; did you mean --radius?", for the first option that there is not.
+std::string Suggestion(const CLI::App &app, int count, char **arguments) {
+    constexpr size_t kFarthest = 3;
+    for (int i = 1; i < count; ++i) {
+        const std::string argument = arguments[i];
+        const std::string name = argument.substr(0, argument.find('='));
+        if (!name.starts_with("--") || app.get_option_no_throw(name) != nullptr) {
+            continue;
+        }
+        std::string nearest;
+        size_t least = kFarthest;
+        for (const CLI::Option *option : app.get_options()) {
+            for (const std::string &known : option->get_lnames()) {
+                if (const size_t distance = Distance(name, "--" + known); distance < least) {
+                    least = distance;
+                    nearest = known;
+                }
+            }
+        }
+        return nearest.empty() ? "" : "; did you mean --" + nearest + "?";
+    }
+    return {};
+}
+
 MaybeFailure CheckOptions(const Options &options) {
     const bool beyondActions = options.radius && *options.radius > kMaxPlayedRadius;
     const std::string first = options.inputFiles.empty() ? "" : options.inputFiles.front();
@@ -77,6 +118,7 @@ MaybeFailure CheckOptions(const Options &options) {
         {options.maxMegapixels.value_or(1) < 1, "The limit must be at least 1 megapixel"},
         {options.compressionLevel.value_or(0) < 0 || options.compressionLevel.value_or(0) > 9,
          "The compression level must be from 0 to 9"},
+        {options.json && options.output == kPipe, "--json and -o - both go to standard output"},
         {pipedIn > 1, "Standard input can be read once"},
         {pipedIn > 0 && (options.output.empty() || isFolder),
          "Standard input needs an output: name one with -o"},
@@ -166,6 +208,8 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
         ->type_name("FOLDER");
     app.add_flag("--info", options->info, "Tell what the plug-in says of itself");
     app.add_flag("-q,--quiet", options->quiet, "No progress bar and no summary");
+    app.add_flag("--json", options->json, "Tell of each picture in a line of JSON");
+    app.add_flag("--dry-run", options->dryRun, "Only say what would be done");
     app.set_version_flag("--version", "hymedian " HYMEDIAN_VERSION);
     try {
         app.parse(count, arguments);
@@ -176,7 +220,7 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
         options->answer = std::string(version.what()) + "\n";
         return std::nullopt;
     } catch (const CLI::ParseError &error) {
-        return WrongUsage(OneLine(error.what()));
+        return WrongUsage(OneLine(error.what()) + Suggestion(app, count, arguments));
     }
     if (options->dialog) {
         // One picture at a time, and whole.

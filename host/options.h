@@ -41,6 +41,8 @@ struct Options {
     StorageChoice storage;
     bool stamp = false;
     bool quiet = false;
+    bool json = false;
+    bool dryRun = false;
     bool info = false;
     // The answer to --help or --version; nothing else is done then.
     std::string answer;

@@ -15,7 +15,6 @@ inline float Blend(float result, float source, uint32_t part, uint32_t whole) {
     if (part == whole || !std::isfinite(source)) {
         return result;
     }
-    return part == 0
-               ? source
-               : static_cast<float>((part * double{result} + (whole - part) * double{source}) / whole);
+    return part == 0 ? source
+                     : static_cast<float>((part * double{result} + (whole - part) * double{source}) / whole);
 }

@@ -39,8 +39,7 @@ RowSource MixedRows(const RowSource &rows, Mixture *mixture) {
         if (mixture->reader.picture == nullptr) {
             mixture->reader = StartReading(&mixture->original);
         }
-        mixture->failure =
-            result == nullptr ? std::nullopt : ReadRows(&mixture->reader, 1, &mixture->row, 0);
+        mixture->failure = result == nullptr ? std::nullopt : ReadRows(&mixture->reader, 1, &mixture->row, 0);
         if (result == nullptr || mixture->failure) {
             return nullptr;
         }

@@ -61,6 +61,16 @@ MaybeFailure PlanPipe(PlannedFile *planned) {
     return std::nullopt;
 }
 
+size_t FirstFile(const FileRequest &request) {
+    return request.toStandardOutput ? kPictureOutput + 1 : kPictureOutput;
+}
+
+// The folder will be made.
+bool LacksFolder(const FileRequest &request, const std::string &output) {
+    std::error_code error;
+    return request.makesFolders && !fs::exists(FolderOfFile(output), error);
+}
+
 MaybeFailure MakeFolderOf(const std::string &file) {
     std::error_code error;
     fs::create_directories(FolderOfFile(file), error);
@@ -70,37 +80,45 @@ MaybeFailure MakeFolderOf(const std::string &file) {
 
 }  // namespace
 
-MaybeFailure PlanFile(const FileRequest &request, const FilterSettings &settings, const PluginInfo &plugin,
-                      PlannedFile *planned, Picture *picture) {
-    FileTask *task = &planned->task;
-    *task = {request.inputFile, request.outputs, {}, settings};
-    if (MaybeFailure failure = CheckInput(*task, plugin, picture)) {
+MaybeFailure CheckFile(const FileRequest &request, const FilterSettings &settings, const PluginInfo &plugin,
+                       PlannedFile *planned, Picture *picture) {
+    planned->task = {request.inputFile, request.outputs, {}, settings};
+    if (MaybeFailure failure = CheckInput(planned->task, plugin, picture)) {
         return failure;
     }
     if (MaybeFailure failure = CheckPlaces(request)) {
         return failure;
     }
-    if (request.makesFolders) {
-        if (MaybeFailure failure = MakeFolderOf(request.outputs[kPictureOutput])) {
-            return failure;
-        }
-    }
-    const size_t first = request.toStandardOutput ? kPictureOutput + 1 : kPictureOutput;
-    for (size_t i = first; i < kOutputCount; ++i) {
-        const bool inPlace = request.inPlace && i == kPictureOutput;
-        if (!request.outputs[i].empty()) {
-            if (MaybeFailure failure = PlanOutput(
-                    {request.inputFile, request.outputs[i], request.force, inPlace}, &planned->outputs[i])) {
+    for (size_t i = FirstFile(request); i < kOutputCount; ++i) {
+        const std::string &output = request.outputs[i];
+        if (!output.empty() && !LacksFolder(request, output)) {
+            const bool inPlace = request.inPlace && i == kPictureOutput;
+            if (MaybeFailure failure =
+                    PlanOutput({request.inputFile, output, request.force, inPlace}, &planned->outputs[i])) {
                 return failure;
             }
         }
     }
-    for (size_t i = first; i < kOutputCount; ++i) {
+    return std::nullopt;
+}
+
+MaybeFailure PlanFile(const FileRequest &request, const FilterSettings &settings, const PluginInfo &plugin,
+                      PlannedFile *planned, Picture *picture) {
+    if (MaybeFailure failure = CheckFile(request, settings, plugin, planned, picture)) {
+        return failure;
+    }
+    if (LacksFolder(request, request.outputs[kPictureOutput])) {
+        if (MaybeFailure failure = MakeFolderOf(request.outputs[kPictureOutput])) {
+            return failure;
+        }
+        return PlanFile(request, settings, plugin, planned, picture);
+    }
+    for (size_t i = FirstFile(request); i < kOutputCount; ++i) {
         if (!request.outputs[i].empty()) {
             if (MaybeFailure failure = CreateTemporary(&planned->outputs[i])) {
                 return failure;
             }
-            task->written[i] = planned->outputs[i].temporary;
+            planned->task.written[i] = planned->outputs[i].temporary;
         }
     }
     return request.toStandardOutput ? PlanPipe(planned) : std::nullopt;

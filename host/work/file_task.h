@@ -26,7 +26,11 @@ struct PlannedFile {
 };
 
 // Opens the picture, of a stack the first page to be filtered, and refuses everything that can be refused
-// without reading a pixel.
+// without reading a pixel or writing anything.
+MaybeFailure CheckFile(const FileRequest &request, const FilterSettings &settings, const PluginInfo &plugin,
+                       PlannedFile *planned, Picture *picture);
+
+// The same, and makes folders and temporary files.
 MaybeFailure PlanFile(const FileRequest &request, const FilterSettings &settings, const PluginInfo &plugin,
                       PlannedFile *planned, Picture *picture);
 

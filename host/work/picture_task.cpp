@@ -4,6 +4,7 @@
 #include <iterator>
 #include <utility>
 
+#include "host/document/document_mode.h"
 #include "host/filter/action_file.h"
 #include "host/filter/plugin.h"
 #include "host/picture/comparison.h"
@@ -21,6 +22,11 @@ constexpr int64_t kMegapixel = 1'000'000;
 FileReport ReportOn(const Picture &picture, const Action &recorded, const PictureFormat &format,
                     const std::vector<std::string> &lost) {
     FileReport report = {.kind = DescribePicture(picture), .format = format.name, .lost = lost};
+    const Document &document = picture.document;
+    report.mode = ModeOf(document.imageMode).colors;
+    report.width = document.width;
+    report.height = document.height;
+    report.depth = document.depth;
     if (picture.storage.palette) {
         report.kind += ", true colour instead of a palette";
     }
@@ -148,7 +154,10 @@ MaybeFailure FilterToScratch(Run *run, ScratchFile *scratch, Picture *picture) {
 }
 
 std::string WordsOnSettings(const FilterSettings &settings) {
-    return (settings.passes > 1 ? ", " + std::to_string(settings.passes) + " passes" : "") +
+    const FilterOrders &orders = settings.orders;
+    const bool remembered = orders.user == DialogUser::nobody && orders.action.items.empty();
+    return std::string(remembered ? ", as last time" : "") +
+           (settings.passes > 1 ? ", " + std::to_string(settings.passes) + " passes" : "") +
            (settings.amount < 100 ? ", " + std::to_string(settings.amount) + " %" : "");
 }
 

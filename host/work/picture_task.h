@@ -47,10 +47,12 @@ struct FileTask {
 
 // What the user is told about a finished task.
 struct FileReport {
-    std::string kind;               // "40 x 30 RGB, 8 bits"
-    size_t pages = 1;               // filtered ones of a stack
-    bool alike = true;              // all of them are of the first one's kind
-    int32_t radius = 0;             // 0 where nothing was filtered
+    std::string kind;       // "40 x 30 RGB, 8 bits"
+    size_t pages = 1;       // filtered ones of a stack
+    bool alike = true;      // all of them are of the first one's kind
+    int32_t radius = 0;     // 0 where nothing was filtered
+    std::string mode = {};  // the first page's, as the next three
+    int32_t width = 0, height = 0, depth = 0;
     std::string further = {};       // what else was done: ", 2 passes"
     std::string format;             // the output's
     std::vector<std::string> lost;  // what it could not hold

@@ -52,6 +52,10 @@ void AppendReport(std::string *packed, const FileReport &report) {
     AppendRecord(packed, report.pages);
     AppendRecord(packed, report.alike);
     AppendRecord(packed, report.radius);
+    AppendText(packed, report.mode);
+    AppendRecord(packed, report.width);
+    AppendRecord(packed, report.height);
+    AppendRecord(packed, report.depth);
     AppendText(packed, report.further);
     AppendText(packed, report.format);
     AppendRecord(packed, report.lost.size());
@@ -64,6 +68,8 @@ bool TakeReport(std::string_view *packed, FileReport *report) {
     size_t lost = 0;
     bool sound = TakeText(packed, &report->kind) && TakeRecord(packed, &report->pages) &&
                  TakeRecord(packed, &report->alike) && TakeRecord(packed, &report->radius) &&
+                 TakeText(packed, &report->mode) && TakeRecord(packed, &report->width) &&
+                 TakeRecord(packed, &report->height) && TakeRecord(packed, &report->depth) &&
                  TakeText(packed, &report->further) && TakeText(packed, &report->format) &&
                  TakeRecord(packed, &lost);
     for (size_t i = 0; sound && i < lost; ++i) {
