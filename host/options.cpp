@@ -35,6 +35,13 @@ bool HasSuffix(const std::string &file, const std::string &suffix) {
            file.compare(file.size() - suffix.size(), suffix.size(), suffix) == 0;
 }
 
+constexpr char kExamples[] =
+    "EXAMPLES\n"
+    "  hymedian scan.tif -o clean.tif -r 2            all pages of a scan\n"
+    "  hymedian -R pictures -o cleaned -r 2           a tree of pictures, mirrored\n"
+    "  hymedian *.jpg --suffix=-clean --amount 50     results beside their inputs, half as strong\n"
+    "  convert a.png tif:- | hymedian - -o - --format tif -r 2 > b.tif";
+
 constexpr char kRadii[] = "any number from 1 to 6";
 static_assert(kMinRadius == 1 && kMaxRadius == 6);
 
@@ -210,6 +217,7 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
     app.add_flag("-q,--quiet", options->quiet, "No progress bar and no summary");
     app.add_flag("--json", options->json, "Tell of each picture in a line of JSON");
     app.add_flag("--dry-run", options->dryRun, "Only say what would be done");
+    app.footer(kExamples);
     app.set_version_flag("--version", "hymedian " HYMEDIAN_VERSION);
     try {
         app.parse(count, arguments);
