@@ -88,7 +88,7 @@ void FilterAlone(const Document &document, float radius, Figures *figures) {
 
 Figures MeasureRun(Module *module, const char *file, const char *output, float radius) {
     const PictureFormat *format = nullptr;
-    Need(FindFormat(output, &format));
+    Need(FindFormat(output, kFormatOfName, &format));
     Picture picture;
     Figures figures;
     Clock::time_point start = Clock::now();

@@ -3,17 +3,16 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <map>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <numeric>
 
 #include "host/interrupt.h"
+#include "host/picture/metadata.h"
 #include "host/progress_bar.h"
 #include "host/work/worker_job.h"
 #include "host/work/worker_pool.h"
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -49,23 +48,55 @@ void Advance(Batch *batch, size_t request, double done) {
     AdvanceBar(&batch->bar, sum / static_cast<double>(batch->progress.size()));
 }
 
+// A picture that goes to standard output has it for itself.
+FILE *SummaryStream(const Options &options) {
+    return options.output == kPipe ? stderr : stdout;
+}
+
+// For other programs, one line a picture.
+void PrintObject(const FileRequest &request, const MaybeFailure &failure, const FileReport &report,
+                 double seconds) {
+    nlohmann::ordered_json object = {{"input", request.inputName},
+                                     {"output", request.outputs[kPictureOutput]}};
+    if (failure) {
+        object["error"] = Renamed(*failure, request.inputFile, request.inputName).sentence;
+    } else {
+        object.update({{"mode", report.mode},
+                       {"width", report.width},
+                       {"height", report.height},
+                       {"depth", report.depth},
+                       {"pages", report.pages},
+                       {"radius", report.radius},
+                       {"seconds", seconds},
+                       {"lost", report.lost}});
+    }
+    // Names may be of any bytes.
+    const auto replace = nlohmann::ordered_json::error_handler_t::replace;
+    std::printf("%s\n", object.dump(-1, ' ', false, replace).c_str());
+    std::fflush(stdout);
+}
+
 // A picture is finished, for better or worse.
 void Settle(Batch *batch, size_t index, const MaybeFailure &failure, const FileReport &report,
             Clock::time_point start) {
     const FileRequest &request = (*batch->requests)[index];
+    const std::chrono::duration<double> elapsed = Clock::now() - start;
     ClearBar(&batch->bar);
+    if (batch->options->json) {
+        PrintObject(request, failure, report, elapsed.count());
+    }
     if (failure) {
         batch->failedCount += failure->status == kExitInterrupted ? 0U : 1U;
         batch->status = failure->status;
-        Tell(*failure);
+        Tell(Renamed(*failure, request.inputFile, request.inputName));
     } else {
         ++batch->doneCount;
-        const std::chrono::duration<double> elapsed = Clock::now() - start;
-        if (!batch->options->quiet) {
-            std::printf("%s -> %s: %s, %.1f s%s\n", request.inputFile.c_str(),
-                        request.outputs[kPictureOutput].c_str(), report.words.c_str(), elapsed.count(),
-                        report.lost.c_str());
-            std::fflush(stdout);
+        if (!batch->options->quiet && !batch->options->json) {
+            std::fprintf(SummaryStream(*batch->options), "%s -> %s: %s, %.1f s%s\n",
+                         request.inputName.c_str(), request.outputs[kPictureOutput].c_str(),
+                         WordsOn(report).c_str(), elapsed.count(),
+                         WordsOnLoss(report.format, report.lost).c_str());
+            std::fflush(SummaryStream(*batch->options));
         }
     }
     Advance(batch, index, 1);
@@ -75,10 +106,11 @@ void Settle(Batch *batch, size_t index, const MaybeFailure &failure, const FileR
 int Conclude(Batch *batch) {
     const size_t count = batch->requests->size();
     ClearBar(&batch->bar);
-    if (count > 1 && !batch->options->quiet) {
+    if (count > 1 && !batch->options->quiet && !batch->options->json) {
         const size_t undone = count - batch->doneCount - batch->failedCount;
-        std::printf("%zu pictures: %zu done, %zu failed%s\n", count, batch->doneCount, batch->failedCount,
-                    undone > 0 ? (", " + std::to_string(undone) + " left undone").c_str() : "");
+        std::fprintf(SummaryStream(*batch->options), "%zu pictures: %zu done, %zu failed%s\n", count,
+                     batch->doneCount, batch->failedCount,
+                     undone > 0 ? (", " + std::to_string(undone) + " left undone").c_str() : "");
     }
     if (Interrupted()) {
         return kExitInterrupted;
@@ -100,15 +132,14 @@ int Conclude(Batch *batch) {
 MaybeFailure DoHere(Batch *batch, size_t index, FileReport *report) {
     const Watcher watcher = {[=](double done) { Advance(batch, index, done); }, Interrupted};
     PlannedFile planned;
-    Picture picture;
-    if (MaybeFailure failure =
-            PlanFile((*batch->requests)[index], *batch->settings, batch->plugin->info, &planned, &picture)) {
+    if (Picture picture; MaybeFailure failure = PlanFile((*batch->requests)[index], *batch->settings,
+                                                         batch->plugin->info, &planned, &picture)) {
         return failure;
     }
     const Options &options = *batch->options;
-    const FilterPlace place = {&batch->plugin->module, options.pluginFolder, options.jobs};
+    const FilterPlace place = {batch->plugin, options.pluginFolder, options.jobs};
     const auto leave = [&](const Failure &failure) { Leave(batch, index, &planned, failure); };
-    if (MaybeFailure failure = DoFileTask(planned.task, place, watcher, leave, &picture, report)) {
+    if (MaybeFailure failure = DoFileTask(planned.task, place, watcher, leave, report)) {
         return failure;
     }
     return PublishFile(&planned);
@@ -201,46 +232,23 @@ std::vector<size_t> AllOf(const std::vector<FileRequest> &requests) {
     return all;
 }
 
-std::string OutputOf(const Options &options, const std::string &input) {
-    std::error_code error;
-    if (options.output.empty()) {
-        return input;
-    }
-    return fs::is_directory(options.output, error)
-               ? (fs::path(options.output) / fs::path(input).filename()).string()
-               : options.output;
-}
-
 }  // namespace
 
-MaybeFailure PlanBatch(const Options &options, std::vector<FileRequest> *requests) {
-    std::error_code error;
-    if (!options.output.empty() && !fs::is_directory(options.output, error)) {
-        if (options.inputFiles.size() > 1) {
-            return Failure{kExitUsage,
-                           options.output + ": several pictures need an existing folder to go to."};
-        }
-        if (options.output.back() == '/') {
-            return Failure{kExitUsage, options.output + ": there is no such folder."};
+int RehearseBatch(const Options &options, const FilterSettings &settings,
+                  const std::vector<FileRequest> &requests, const Plugin &plugin) {
+    int status = kExitDone;
+    for (const FileRequest &request : requests) {
+        PlannedFile planned;
+        Picture picture;
+        if (const MaybeFailure failure = CheckFile(request, settings, plugin.info, &planned, &picture)) {
+            status = Tell(Renamed(*failure, request.inputFile, request.inputName));
+        } else if (!options.quiet) {
+            std::fprintf(SummaryStream(options), "%s -> %s: would be filtered: %s\n",
+                         request.inputName.c_str(), request.outputs[kPictureOutput].c_str(),
+                         DescribePicture(picture).c_str());
         }
     }
-    std::map<fs::path, std::string> inputs;  // by output path
-    for (const std::string &input : options.inputFiles) {
-        const std::string output = OutputOf(options, input);
-        const auto [taken, isNew] = inputs.emplace(fs::weakly_canonical(output, error), input);
-        if (!isNew) {
-            std::string sentence = input;
-            sentence.append(": its output would be ").append(output);
-            sentence.append(", which is that of ").append(taken->second).append(" already.");
-            return Failure{kExitUsage, sentence};
-        }
-        requests->push_back({input,
-                             {output, options.comparisonFile, options.recordFile},
-                             options.force,
-                             options.inPlace,
-                             options.maxMegapixels});
-    }
-    return std::nullopt;
+    return requests.size() > 1 && status != kExitDone ? kExitFailed : status;
 }
 
 int RunBatch(const Options &options, const FilterSettings &settings, const std::vector<FileRequest> &requests,

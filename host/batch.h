@@ -1,4 +1,4 @@
-// All pictures of a command line: where each one goes, and the work on them.
+// The work on all pictures of a command line.
 #pragma once
 
 #include <vector>
@@ -7,8 +7,9 @@
 #include "host/options.h"
 #include "host/work/file_task.h"
 
-// Decides where each output goes. Refuses a missing folder, and two inputs with the same output.
-MaybeFailure PlanBatch(const Options &options, std::vector<FileRequest> *requests);
+// Only says what would be done, and what would fail before a pixel is read. Returns the exit status.
+int RehearseBatch(const Options &options, const FilterSettings &settings,
+                  const std::vector<FileRequest> &requests, const Plugin &plugin);
 
 // Does the work and reports on it; a failure only ends its own picture. Returns the exit status.
 int RunBatch(const Options &options, const FilterSettings &settings, const std::vector<FileRequest> &requests,

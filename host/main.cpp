@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/batch.h"
+#include "host/batch_plan.h"
 #include "host/filter/action_file.h"
 #include "host/filter/plugin.h"
 #include "host/interrupt.h"
@@ -22,19 +23,18 @@ Plugin plugin;
 
 MaybeFailure TakeSettings(const Options &options, FilterSettings *settings) {
     settings->selection = {options.selection, options.maskFile};
-    settings->save = {options.compressionLevel, options.storage, options.stamp};
+    settings->save = {options.format, options.compressionLevel, options.storage, options.stamp};
     settings->range = options.range;
-    FilterOrders *orders = &settings->orders;
+    settings->maxMegapixels = options.maxMegapixels;
+    settings->pages = options.pages;
+    settings->passes = options.passes;
+    settings->amount = options.amount;
     if (options.dialog) {
-        orders->user = DialogUser::person;
-    } else if (options.radius && *options.radius > kMaxPlayedRadius) {
-        orders->user = DialogUser::script;
-        orders->radius = *options.radius;
+        settings->orders.user = DialogUser::person;
     } else if (options.radius) {
-        orders->action.items.push_back(
-            {.key = kRadiusKey, .type = typeFloat, .number = static_cast<double>(*options.radius)});
+        settings->orders = OrdersForRadius(*options.radius);
     }
-    return options.playFile.empty() ? std::nullopt : ReadAction(options.playFile, &orders->action);
+    return options.playFile.empty() ? std::nullopt : ReadAction(options.playFile, &settings->orders.action);
 }
 
 MaybeFailure Prepare(const Options &options, FilterSettings *settings, std::vector<FileRequest> *requests) {
@@ -59,6 +59,9 @@ int Run(const Options &options) {
     if (options.info) {
         std::fputs(DescribePlugin(plugin.info).c_str(), stdout);
         return kExitDone;
+    }
+    if (options.dryRun) {
+        return RehearseBatch(options, settings, requests, plugin);
     }
     WatchForInterrupts();
     MakePreferencesFolder();

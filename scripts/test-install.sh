@@ -24,6 +24,12 @@ cmp "$work/built.png" "$work/installed.png" || fail "The installed program gives
 
 grep -q "^.TH HYMEDIAN 1" "$prefix/share/man/man1/hymedian.1" || fail "The manual page is not installed."
 
+# Completion in a shell that knows nothing but the installed file.
+completed=$(PATH=$prefix/bin:$PATH bash --norc -c '. "$1"; COMP_WORDS=(hymedian --rad); COMP_CWORD=1
+    _hymedian hymedian; echo "${COMPREPLY[*]}"' bash "$prefix/share/bash-completion/completions/hymedian")
+[ "$completed" = --radius ] || fail "The completion for bash gives '$completed' for --rad."
+[ -f "$prefix/share/zsh/site-functions/_hymedian" ] || fail "The completion for zsh is not installed."
+
 cat >"$work/host.cpp" <<'END'
 #include "photoshop/filter_record.h"
 #include "photoshop/property_list.h"

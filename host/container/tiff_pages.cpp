@@ -9,7 +9,6 @@
 
 namespace {
 
-constexpr uint64_t kReduced = 1;  // a bit of a subfile's type
 constexpr size_t kMaxPages = 1'000'000;
 
 // Where pixels are, and how many bytes.
@@ -67,8 +66,11 @@ std::vector<TiffPage> PagesOfTiff(const ByteFile &file) {
         if (!ReadDirectory(tiff, place, &directory, &whole)) {
             break;
         }
-        pages.push_back({place, (NumberOf(directory, kTagNewSubfileType, 0) & kReduced) != 0,
-                         static_cast<int32_t>(NumberOf(directory, kTagBitsPerSample, 1))});
+        const uint64_t bits = NumberOf(directory, kTagBitsPerSample, 1);
+        const uint64_t rowBits =
+            NumberOf(directory, kTagImageWidth, 0) * NumberOf(directory, kTagSamplesPerPixel, 1) * bits;
+        pages.push_back({place, NumberOf(directory, kTagNewSubfileType, 0), static_cast<int32_t>(bits),
+                         (rowBits + 7) / 8 * NumberOf(directory, kTagImageHeight, 0)});
         place = directory.next;
     }
     return pages;
@@ -95,6 +97,9 @@ bool AppendPage(const TiffSource &from, const TiffPage &page, const ByteFile &fi
         return false;
     }
     directory.next = 0;
+    if (page.subfile != 0) {
+        SetEntry(&directory, NumbersEntry(kTagNewSubfileType, kTiffLong, {page.subfile}));
+    }
     uint64_t next = 0;
     if (!AppendDirectory(directory, joiner->form, joiner->field, joiner->file, &next)) {
         return false;

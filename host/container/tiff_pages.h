@@ -9,8 +9,9 @@
 
 struct TiffPage {
     uint64_t place = 0;    // of its directory
-    bool reduced = false;  // a smaller copy of another page
+    uint64_t subfile = 0;  // its kind: a page of many, a smaller copy ...; 0 for none
     int32_t bits = 1;      // of its first sample
+    uint64_t bytes = 0;    // of its samples, unpacked
 };
 
 // In the file's order; those behind a damaged one are not found. Empty for what is no TIFF.
@@ -30,6 +31,6 @@ bool StartTiff(const TiffForm &form, ByteFile *file, TiffJoiner *joiner);
 // same order takes them.
 bool CanJoin(const TiffSource &from, const TiffPage &page, const TiffJoiner &joiner);
 
-// Appends a page with all that it points to. Takes memory for its tags alone. False, with errno, when a file
-// cannot be read or written.
+// Appends a page with all that it points to, as a subfile of the given kind. Takes memory for its tags alone.
+// False, with errno, when a file cannot be read or written.
 bool AppendPage(const TiffSource &from, const TiffPage &page, const ByteFile &file, TiffJoiner *joiner);

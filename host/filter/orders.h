@@ -23,6 +23,12 @@ struct FilterOrders {
 // Fails if there is a person to be asked, and the plug-in's folder and this machine have nothing to ask with.
 MaybeFailure CheckDialogUser(const FilterOrders &orders, const std::string &pluginFolder);
 
+// Those that run the filter at a radius, and ask nobody.
+FilterOrders OrdersForRadius(int32_t radius);
+
+// If a person was asked, further runs repeat the answer.
+void RepeatAnswer(int32_t radius, FilterOrders *orders);
+
 // To and from bytes for another process of this program. TakeOrders takes them from the front; false if there
 // are no orders there.
 void AppendOrders(std::string *packed, const FilterOrders &orders);

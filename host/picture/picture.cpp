@@ -80,7 +80,7 @@ MaybeFailure CheckFile(const std::string &file) {
         return FileFailure(file, error == ENOENT ? "no such file" : std::strerror(error));
     }
     if (S_ISDIR(info.st_mode)) {
-        return FileFailure(file, "this is a folder, not a picture");
+        return FileFailure(file, "this is a folder, not a picture; --recursive takes the pictures in it");
     }
     if (!S_ISREG(info.st_mode)) {
         return FileFailure(file, "this is not a regular file");

@@ -145,7 +145,18 @@ bool HasSuffix(const PictureFormat &format, const std::string &suffix) {
 
 }  // namespace
 
-MaybeFailure FindFormat(const std::string &file, const PictureFormat **format) {
+int32_t FormatNamed(const std::string &suffix) {
+    const auto *found =
+        std::find_if(std::begin(kFormats), std::end(kFormats),
+                     [&](const PictureFormat &known) { return HasSuffix(known, '.' + suffix); });
+    return found == std::end(kFormats) ? kFormatOfName : static_cast<int32_t>(found - std::begin(kFormats));
+}
+
+MaybeFailure FindFormat(const std::string &file, int32_t chosen, const PictureFormat **format) {
+    if (chosen != kFormatOfName) {
+        *format = &kFormats[chosen];
+        return std::nullopt;
+    }
     const std::string suffix = std::filesystem::path(file).extension();
     const auto *found = std::find_if(std::begin(kFormats), std::end(kFormats),
                                      [&](const PictureFormat &known) { return HasSuffix(known, suffix); });
@@ -155,6 +166,11 @@ MaybeFailure FindFormat(const std::string &file, const PictureFormat **format) {
     }
     *format = found;
     return std::nullopt;
+}
+
+bool IsTiff(const std::string &file, int32_t chosen) {
+    const PictureFormat *format = nullptr;
+    return !FindFormat(file, chosen, &format) && format->save == SaveTiff;
 }
 
 MaybeFailure CheckChoice(const StorageChoice &choice, const PictureFormat &format, const Storage &storage,

@@ -11,8 +11,12 @@
 
 struct _VipsImage;
 
+// The output's name tells its format.
+constexpr int32_t kFormatOfName = -1;
+
 // What the user may decide about how a picture is stored.
 struct SaveOptions {
+    int32_t format = kFormatOfName;           // otherwise a number from FormatNamed
     std::optional<int32_t> compressionLevel;  // of PNG: 0 to 9
     StorageChoice storage;
     bool stamp = false;  // the output says when and by what it was written
@@ -30,8 +34,14 @@ struct PictureFormat {
     int (*save)(_VipsImage *image, const char *path, const Storage &storage, const SaveOptions &options);
 };
 
-// Goes by the file name's suffix, in upper or lower case.
-MaybeFailure FindFormat(const std::string &file, const PictureFormat **format);
+// Goes by the file name's suffix, in upper or lower case, unless a format is chosen.
+MaybeFailure FindFormat(const std::string &file, int32_t chosen, const PictureFormat **format);
+
+// That of a suffix without its dot; kFormatOfName for none.
+int32_t FormatNamed(const std::string &suffix);
+
+// Whether an output is a TIFF, which holds several pages.
+bool IsTiff(const std::string &file, int32_t chosen);
 
 // Refuses a choice that the format does not have, or that does not suit the picture.
 MaybeFailure CheckChoice(const StorageChoice &choice, const PictureFormat &format, const Storage &storage,

@@ -1,8 +1,8 @@
 #include "host/picture/selection.h"
 
 #include <charconv>
-#include <cmath>
 
+#include "host/document/blend.h"
 #include "host/picture/picture.h"
 #include "host/picture/picture_mode.h"
 #include "photoshop/image_modes.h"
@@ -61,27 +61,6 @@ MaybeFailure ReadMask(const std::string &maskFile, const std::string &file, Shar
     return std::nullopt;
 }
 
-uint8_t Blend(uint8_t result, uint8_t source, uint32_t selected) {
-    return static_cast<uint8_t>((selected * result + (kSelected - selected) * source + kSelected / 2) /
-                                kSelected);
-}
-
-uint16_t Blend(uint16_t result, uint16_t source, uint32_t selected) {
-    return static_cast<uint16_t>((selected * result + (kSelected - selected) * source + kSelected / 2) /
-                                 kSelected);
-}
-
-// What is not finite has no blend.
-float Blend(float result, float source, uint32_t selected) {
-    if (selected == kSelected || !std::isfinite(source)) {
-        return result;
-    }
-    return selected == 0
-               ? source
-               : static_cast<float>((selected * double{result} + (kSelected - selected) * double{source}) /
-                                    kSelected);
-}
-
 template <typename Sample>
 void BlendSamples(int32_t top, int32_t bottom, Document *document) {
     const int64_t offset = top * RowBytes(*document);
@@ -91,7 +70,7 @@ void BlendSamples(int32_t top, int32_t bottom, Document *document) {
     for (int64_t pixel = top * width; pixel < bottom * width; ++pixel) {
         const uint8_t selected = document->mask[static_cast<size_t>(pixel)];
         for (int32_t plane = 0; plane < document->planes; ++plane, ++source, ++destination) {
-            *destination = Blend(*destination, *source, selected);
+            *destination = Blend(*destination, *source, selected, kSelected);
         }
     }
 }

@@ -2,6 +2,13 @@
 
 #include <cstdio>
 
+Failure Renamed(Failure failure, const std::string &file, const std::string &name) {
+    if (failure.sentence.starts_with(file)) {
+        failure.sentence.replace(0, file.size(), name);
+    }
+    return failure;
+}
+
 int Tell(Failure failure) {
     // File names may contain control characters, which would break the line.
     for (char &character : failure.sentence) {

@@ -25,5 +25,8 @@ inline Failure Interruption(const std::string &file) {
     return {kExitInterrupted, file + ": interrupted, nothing was written."};
 }
 
+// The failure of a file that users know by another name than that of the first argument.
+Failure Renamed(Failure failure, const std::string &file, const std::string &name);
+
 // Tells the user, in one line on standard error. Returns the failure's status.
 int Tell(Failure failure);

@@ -1,24 +1,16 @@
 #include "host/work/file_task.h"
 
-#include <algorithm>
-#include <cmath>
-#include <cstdio>
-#include <filesystem>
-#include <iterator>
+#include <unistd.h>
 
-#include "host/filter/action_file.h"
-#include "host/filter/plugin.h"
-#include "host/picture/comparison.h"
-#include "host/picture/metadata.h"
-#include "host/picture/picture_format.h"
-#include "host/picture/picture_writer.h"
-#include "host/picture/sample_range.h"
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+
+#include "host/work/stack_task.h"
 
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr int64_t kMegapixel = 1'000'000;
 
 bool IsSamePlace(const std::string &a, const std::string &b) {
     std::error_code error;
@@ -35,161 +27,114 @@ MaybeFailure CheckPlaces(const FileRequest &request) {
     return std::nullopt;
 }
 
-std::string WordsOn(const Picture &picture, const Action &recorded) {
-    std::string words = DescribePicture(picture);
-    if (picture.storage.palette) {
-        words += ", true colour instead of a palette";
-    }
-    if (const ActionItem *item = FindItem(recorded, kRadiusKey)) {
-        char text[32];
-        // A fraction has no effect, so it is not shown.
-        std::snprintf(text, sizeof text, ", radius %g", std::trunc(item->number));
-        words += text;
-    }
-    return words;
+// A file of one picture has one page, which may be asked for.
+MaybeFailure CheckOnlyPage(const FileTask &task) {
+    const std::optional<PageRange> &range = task.settings.pages;
+    return range && range->last > 1 ? MaybeFailure({kExitUsage, task.inputFile + ": it has only one page."})
+                                    : std::nullopt;
 }
 
-// Why all of a picture has to be in memory; empty for no reason.
-const char *ReasonToHoldWhole(const FileRequest &request, const FilterSettings &settings,
-                              const PictureFormat &format, const Picture &picture) {
-    const struct {
-        bool holds;
-        const char *reason;
-    } reasons[] = {
-        {settings.orders.user == DialogUser::person, " with a dialog"},
-        {!settings.selection.maskFile.empty(), " with a mask"},
-        {!request.outputs[kComparisonOutput].empty(), " with a comparison"},
-        {IsReadWhole(picture), " for pictures that cannot be read row by row, as this one"},
-        {format.writtenWhole, " for outputs that cannot be written row by row, as this one"},
-    };
-    const auto *found =
-        std::find_if(std::begin(reasons), std::end(reasons), [](const auto &entry) { return entry.holds; });
-    return found == std::end(reasons) ? "" : found->reason;
-}
-
-MaybeFailure CheckSize(const FileRequest &request, const FilterSettings &settings,
-                       const PictureFormat &format, const Picture &picture) {
-    const std::string reason = ReasonToHoldWhole(request, settings, format, picture);
-    const int32_t most =
-        request.maxMegapixels.value_or(reason.empty() ? kMaxStreamedMegapixels : kMaxWholeMegapixels);
-    const int64_t pixels = int64_t{picture.document.width} * picture.document.height;
-    if (pixels <= most * kMegapixel) {
-        return reason.empty() || FitsIntoMemory(PixelBytes(picture.document))
-                   ? std::nullopt
-                   : MaybeFailure(TooLittleMemory(request.inputFile));
+MaybeFailure CheckInput(const FileTask &task, const PluginInfo &plugin, Picture *picture) {
+    PageStack stack;
+    if (OpenStack(task.inputFile, task.inputFile, &stack)) {
+        ScratchFile page;
+        return CheckStack(task, plugin, stack, &page, picture);
     }
-    return FileFailure(request.inputFile, "its " + SizeOf(picture.document) + " pixels are more than the " +
-                                              std::to_string(most) +
-                                              " megapixels that --max-megapixels allows" +
-                                              (request.maxMegapixels ? "" : reason));
-}
-
-// A dialog shows the picture whole, and a comparison is made when all of it is done.
-Store StoreFor(const FileTask &task) {
-    return task.settings.orders.user == DialogUser::person || !task.outputs[kComparisonOutput].empty()
-               ? Store::whole
-               : Store::slots;
-}
-
-MaybeFailure WriteFurtherResults(const FileTask &task, const Picture &picture, const Action &recorded) {
-    if (!task.outputs[kComparisonOutput].empty()) {
-        if (MaybeFailure failure =
-                WriteComparison(picture, task.written[kComparisonOutput], task.outputs[kComparisonOutput])) {
-            return failure;
-        }
+    if (MaybeFailure failure = OpenPicture(task.inputFile, picture)) {
+        return failure;
     }
-    return task.outputs[kActionOutput].empty()
-               ? std::nullopt
-               : WriteAction(recorded, task.written[kActionOutput], task.outputs[kActionOutput]);
+    if (MaybeFailure failure = CheckOnlyPage(task)) {
+        return failure;
+    }
+    return CheckPicture(task, plugin, *picture);
+}
+
+MaybeFailure PlanPipe(PlannedFile *planned) {
+    const std::string &name = planned->task.outputs[kPictureOutput];
+    if (isatty(STDOUT_FILENO) != 0) {
+        return Failure{kExitUsage, name + ": this is a terminal, which pictures do not go to."};
+    }
+    if (!MakeScratch(TemporaryFolder(), &planned->piped)) {
+        return FileFailure(name, std::string("cannot be written: ") + std::strerror(errno));
+    }
+    planned->task.written[kPictureOutput] = planned->piped.path;
+    return std::nullopt;
+}
+
+size_t FirstFile(const FileRequest &request) {
+    return request.toStandardOutput ? kPictureOutput + 1 : kPictureOutput;
+}
+
+// The folder will be made.
+bool LacksFolder(const FileRequest &request, const std::string &output) {
+    std::error_code error;
+    return request.makesFolders && !fs::exists(FolderOfFile(output), error);
+}
+
+MaybeFailure MakeFolderOf(const std::string &file) {
+    std::error_code error;
+    fs::create_directories(FolderOfFile(file), error);
+    return error ? MaybeFailure(FileFailure(file, "its folder cannot be made: " + error.message()))
+                 : std::nullopt;
 }
 
 }  // namespace
 
-MaybeFailure PlanFile(const FileRequest &request, const FilterSettings &settings, const PluginInfo &plugin,
-                      PlannedFile *planned, Picture *picture) {
-    const PictureFormat *format = nullptr;
-    if (MaybeFailure failure = FindFormat(request.outputs[kPictureOutput], &format)) {
-        return failure;
-    }
-    if (MaybeFailure failure = OpenPicture(request.inputFile, picture)) {
-        return failure;
-    }
-    if (MaybeFailure failure = CheckSize(request, settings, *format, *picture)) {
-        return failure;
-    }
-    if (MaybeFailure failure = CheckMode(plugin, picture->document, request.inputFile)) {
-        return failure;
-    }
-    if (MaybeFailure failure = CheckFormatHolds(*format, picture->document, request.inputFile,
-                                                request.outputs[kPictureOutput])) {
-        return failure;
-    }
-    if (MaybeFailure failure =
-            CheckChoice(settings.save.storage, *format, picture->storage, request.outputs[kPictureOutput])) {
+MaybeFailure CheckFile(const FileRequest &request, const FilterSettings &settings, const PluginInfo &plugin,
+                       PlannedFile *planned, Picture *picture) {
+    planned->task = {request.inputFile, request.outputs, {}, settings};
+    if (MaybeFailure failure = CheckInput(planned->task, plugin, picture)) {
         return failure;
     }
     if (MaybeFailure failure = CheckPlaces(request)) {
         return failure;
     }
-    FileTask *task = &planned->task;
-    *task = {request.inputFile, request.outputs, {}, settings};
-    for (size_t i = 0; i < kOutputCount; ++i) {
-        const bool inPlace = request.inPlace && i == kPictureOutput;
-        if (!request.outputs[i].empty()) {
-            if (MaybeFailure failure = PlanOutput(
-                    {request.inputFile, request.outputs[i], request.force, inPlace}, &planned->outputs[i])) {
+    for (size_t i = FirstFile(request); i < kOutputCount; ++i) {
+        const std::string &output = request.outputs[i];
+        if (!output.empty() && !LacksFolder(request, output)) {
+            const bool inPlace = request.inPlace && i == kPictureOutput;
+            if (MaybeFailure failure =
+                    PlanOutput({request.inputFile, output, request.force, inPlace}, &planned->outputs[i])) {
                 return failure;
             }
-        }
-    }
-    for (size_t i = 0; i < kOutputCount; ++i) {
-        if (!request.outputs[i].empty()) {
-            if (MaybeFailure failure = CreateTemporary(&planned->outputs[i])) {
-                return failure;
-            }
-            task->written[i] = planned->outputs[i].temporary;
         }
     }
     return std::nullopt;
 }
 
+MaybeFailure PlanFile(const FileRequest &request, const FilterSettings &settings, const PluginInfo &plugin,
+                      PlannedFile *planned, Picture *picture) {
+    if (MaybeFailure failure = CheckFile(request, settings, plugin, planned, picture)) {
+        return failure;
+    }
+    if (LacksFolder(request, request.outputs[kPictureOutput])) {
+        if (MaybeFailure failure = MakeFolderOf(request.outputs[kPictureOutput])) {
+            return failure;
+        }
+        return PlanFile(request, settings, plugin, planned, picture);
+    }
+    for (size_t i = FirstFile(request); i < kOutputCount; ++i) {
+        if (!request.outputs[i].empty()) {
+            if (MaybeFailure failure = CreateTemporary(&planned->outputs[i])) {
+                return failure;
+            }
+            planned->task.written[i] = planned->outputs[i].temporary;
+        }
+    }
+    return request.toStandardOutput ? PlanPipe(planned) : std::nullopt;
+}
+
 MaybeFailure DoFileTask(const FileTask &task, const FilterPlace &place, const Watcher &watcher,
-                        const std::function<void(const Failure &)> &leave, Picture *picture,
-                        FileReport *report) {
-    const PictureFormat *format = nullptr;
-    if (MaybeFailure failure = FindFormat(task.outputs[kPictureOutput], &format)) {
+                        const std::function<void(const Failure &)> &leave, FileReport *report) {
+    PageStack stack;
+    if (OpenStack(task.inputFile, task.inputFile, &stack)) {
+        return DoStack(task, place, watcher, leave, stack, report);
+    }
+    Picture picture;
+    if (MaybeFailure failure = OpenPicture(task.inputFile, &picture)) {
         return failure;
     }
-    Choose(task.settings.save.storage, &picture->storage);
-    const Sharing sharing = place.jobs > 1 ? Sharing::withWorkers : Sharing::none;
-    const Watcher silent = {[](double) {}, watcher.cancelled};
-    if (MaybeFailure failure =
-            Select(task.settings.selection, task.inputFile, sharing, silent, &picture->document)) {
-        return failure;
-    }
-    if (MaybeFailure failure = ChooseRange(task.settings.range, task.inputFile, silent, &picture->document)) {
-        return failure;
-    }
-    const auto write = [&](const RowSource &rows) {
-        return WritePicture(*picture, *format, task.settings.save, task.written[kPictureOutput],
-                            task.outputs[kPictureOutput], rows);
-    };
-    Action recorded;
-    if (MaybeFailure failure = StreamPicture(
-            {place, task.settings.orders, watcher, StoreFor(task), write, leave}, picture, &recorded)) {
-        return failure;
-    }
-    if (MaybeFailure failure = WriteFurtherResults(task, *picture, recorded)) {
-        return failure;
-    }
-    std::vector<std::string> lost;
-    if (MaybeFailure failure = CarryMetadata({task.inputFile, task.written[kPictureOutput],
-                                              task.outputs[kPictureOutput], task.settings.save.stamp},
-                                             &lost)) {
-        return failure;
-    }
-    *report = {WordsOn(*picture, recorded), WordsOnLoss(format->name, lost)};
-    return std::nullopt;
+    return DoPicture(task, place, watcher, leave, &picture, report);
 }
 
 MaybeFailure PublishFile(PlannedFile *planned) {
@@ -199,6 +144,10 @@ MaybeFailure PublishFile(PlannedFile *planned) {
                 return failure;
             }
         }
+    }
+    if (planned->piped.descriptor >= 0 && !CopyBytes(planned->piped.descriptor, STDOUT_FILENO)) {
+        return FileFailure(planned->task.outputs[kPictureOutput],
+                           std::string("cannot be written: ") + std::strerror(errno));
     }
     return std::nullopt;
 }

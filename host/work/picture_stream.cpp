@@ -166,9 +166,9 @@ void FilterHere(Stream *stream) {
                 ShowProgress(stream);
             },
             [=] { return AreStopped(&stream->queue) || stream->request->watcher.cancelled(); }};
-        if (!TakeOutcome(
-                stream, i,
-                FilterBand(stream->request->place.module, stream->request->orders, watcher, &band))) {
+        if (!TakeOutcome(stream, i,
+                         FilterBand(&stream->request->place.plugin->module, stream->request->orders, watcher,
+                                    &band))) {
             return;
         }
     }

@@ -15,7 +15,7 @@
 
 // Who filters: this process, or several workers.
 struct FilterPlace {
-    Module *module;
+    Plugin *plugin;
     std::string pluginFolder;
     int32_t jobs;
 };

@@ -90,12 +90,8 @@ FileAnswer DoFile(const FileTask &task, Workplace *workplace) {
         vips_concurrency_set(1);
     }
     FileAnswer answer;
-    Picture picture;
-    answer.failure = OpenPicture(task.inputFile, &picture);
-    if (!answer.failure) {
-        const FilterPlace here = {&workplace->plugin.module, {}, 1};
-        answer.failure = DoFileTask(task, here, ReportingWatcher(), {}, &picture, &answer.report);
-    }
+    const FilterPlace here = {&workplace->plugin, {}, 1};
+    answer.failure = DoFileTask(task, here, ReportingWatcher(), {}, &answer.report);
     return answer;
 }
 

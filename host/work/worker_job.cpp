@@ -37,12 +37,45 @@ bool TakeTask(std::string_view *packed, FileTask *task) {
     return TakeText(packed, &task->inputFile) && TakeNames(packed, &task->outputs) &&
            TakeNames(packed, &task->written) && TakeOrders(packed, &task->settings.orders) &&
            TakeText(packed, &selection->maskFile) && TakeRecord(packed, &selection->rect) &&
-           TakeRecord(packed, &task->settings.save) && TakeRecord(packed, &task->settings.range);
+           TakeRecord(packed, &task->settings.save) && TakeRecord(packed, &task->settings.range) &&
+           TakeRecord(packed, &task->settings.maxMegapixels) && TakeRecord(packed, &task->settings.pages) &&
+           TakeRecord(packed, &task->settings.passes) && TakeRecord(packed, &task->settings.amount);
 }
 
 bool TakeBand(std::string_view *packed, BandJob *job) {
     return TakeRecord(packed, &job->picture) && TakeRecord(packed, &job->place) &&
            TakeOrders(packed, &job->orders);
+}
+
+void AppendReport(std::string *packed, const FileReport &report) {
+    AppendText(packed, report.kind);
+    AppendRecord(packed, report.pages);
+    AppendRecord(packed, report.alike);
+    AppendRecord(packed, report.radius);
+    AppendText(packed, report.mode);
+    AppendRecord(packed, report.width);
+    AppendRecord(packed, report.height);
+    AppendRecord(packed, report.depth);
+    AppendText(packed, report.further);
+    AppendText(packed, report.format);
+    AppendRecord(packed, report.lost.size());
+    for (const std::string &kind : report.lost) {
+        AppendText(packed, kind);
+    }
+}
+
+bool TakeReport(std::string_view *packed, FileReport *report) {
+    size_t lost = 0;
+    bool sound = TakeText(packed, &report->kind) && TakeRecord(packed, &report->pages) &&
+                 TakeRecord(packed, &report->alike) && TakeRecord(packed, &report->radius) &&
+                 TakeText(packed, &report->mode) && TakeRecord(packed, &report->width) &&
+                 TakeRecord(packed, &report->height) && TakeRecord(packed, &report->depth) &&
+                 TakeText(packed, &report->further) && TakeText(packed, &report->format) &&
+                 TakeRecord(packed, &lost);
+    for (size_t i = 0; sound && i < lost; ++i) {
+        sound = TakeText(packed, &report->lost.emplace_back());
+    }
+    return sound;
 }
 
 }  // namespace
@@ -67,6 +100,10 @@ std::string PackFileJob(const std::string &pluginFolder, const FileTask &task) {
     AppendRecord(&packed, selection.rect);
     AppendRecord(&packed, task.settings.save);
     AppendRecord(&packed, task.settings.range);
+    AppendRecord(&packed, task.settings.maxMegapixels);
+    AppendRecord(&packed, task.settings.pages);
+    AppendRecord(&packed, task.settings.passes);
+    AppendRecord(&packed, task.settings.amount);
     return packed;
 }
 
@@ -95,15 +132,14 @@ std::string PackAnswer(const FileAnswer &answer) {
     std::string packed;
     AppendRecord(&packed, answer.failure ? answer.failure->status : kExitDone);
     AppendText(&packed, answer.failure ? answer.failure->sentence : "");
-    AppendText(&packed, answer.report.words);
-    AppendText(&packed, answer.report.lost);
+    AppendReport(&packed, answer.report);
     return packed;
 }
 
 bool UnpackAnswer(std::string_view packed, FileAnswer *answer) {
     Failure failure = {};
     if (!TakeRecord(&packed, &failure.status) || !TakeText(&packed, &failure.sentence) ||
-        !TakeText(&packed, &answer->report.words) || !TakeText(&packed, &answer->report.lost)) {
+        !TakeReport(&packed, &answer->report)) {
         return false;
     }
     answer->failure = failure.status == kExitDone ? std::nullopt : MaybeFailure(failure);

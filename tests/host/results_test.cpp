@@ -56,6 +56,50 @@ std::vector<uint8_t> PixelsOf(const std::string &file) {
     return {pixels, pixels + PixelBytes(picture.document)};
 }
 
+// Pixels, with extra channels, as often filtered as there are passes; and as much of that as is wanted.
+TEST_F(Program, PassesAndAmountsAreThoseOfRunsOneByOne) {
+    WriteNoise("a.png", 90, 70, 4);
+    WriteNoise("b.tif[compression=lzw]", 90, 70, 4, VIPS_FORMAT_USHORT, VIPS_INTERPRETATION_CMYK);
+    WriteNoise("c.tif", 90, 70, 3, VIPS_FORMAT_USHORT, VIPS_INTERPRETATION_LABS);
+    WriteNoise("d.jpg", 90, 70, 3);
+    const std::pair<std::string, std::string> cases[] = {
+        {"a.png", ".png"}, {"b.tif", ".tif"}, {"c.tif", ".tif"}, {"d.jpg", ".png"}};
+    for (const auto &[input, suffix] : cases) {
+        SCOPED_TRACE(input);
+        const auto run = [&](const std::string &from, const std::string &to,
+                             const std::vector<std::string> &options) {
+            std::vector<std::string> command = {from, "-o", to + suffix, "-r", "2", "-f"};
+            command.insert(command.end(), options.begin(), options.end());
+            const Ended ended = Wait(Start(command));
+            EXPECT_EQ(ended.status, 0) << ended.err;
+            return ended.out;
+        };
+        run(input, "one", {});
+        run("one" + suffix, "two", {});
+        run("two" + suffix, "three", {});
+        EXPECT_NE(run(input, "passes", {"--passes", "3"}).find("radius 2, 3 passes, "), std::string::npos);
+        const std::vector<uint8_t> before = PixelsOf(Path(input));
+        const std::vector<uint8_t> after = PixelsOf(Path("three" + suffix));
+        EXPECT_EQ(PixelsOf(Path("passes" + suffix)), after);
+        for (const uint32_t amount : {0U, 33U, 100U}) {
+            run(input, "mixed", {"--passes", "3", "--amount", std::to_string(amount)});
+            const std::vector<uint8_t> mixed = PixelsOf(Path("mixed" + suffix));
+            const size_t step = suffix == ".tif" ? 2 : 1;
+            ASSERT_EQ(mixed.size(), before.size());
+            for (size_t i = 0; i < mixed.size(); i += step) {
+                const auto at = [&](const std::vector<uint8_t> &from) {
+                    return step == 1 ? double{1} * from[i] : from[i] + 256.0 * from[i + 1];
+                };
+                ASSERT_LE(std::abs(at(mixed) - (amount * at(after) + (100 - amount) * at(before)) / 100), 0.5)
+                    << i << ' ' << amount;
+            }
+        }
+    }
+    ExpectRefusals({{"a.png -o new.png --passes 0", 2, "passes can be"},
+                    {"a.png -o new.png --amount 101", 2, "amount can be"},
+                    {"a.png -o new.png --amount 50 --compare new.png", 2, "--compare"}});
+}
+
 // Floats of any size, of which some are not finite.
 TEST_F(Program, FloatsAreFilteredAndStayFloatsOfThePicture) {
     constexpr int kWidth = 600;

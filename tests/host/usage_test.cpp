@@ -12,7 +12,7 @@ TEST_F(Program, FailsWithOneSentenceOverOptions) {
         {"", 2, "--help"},
         {"good.png", 2, "good.png"},
         {"--worker", 2, "--worker"},
-        {"good.png -o new.png --raduis 2", 2, "--raduis"},
+        {"good.png -o new.png --raduis 2", 2, "--raduis; did you mean --radius?"},
         {"good.png -o new.png -r 0.5", 2, "radius"},
         {"good.png -o new.png -r 6.01", 2, "radius can be any number from 1 to 6;"},
         {"good.png -o new.png -r nan", 2, "radius"},
@@ -57,6 +57,35 @@ TEST_F(Program, HelpReadmeAndManualNameTheSameOptions) {
     }
     const std::string version = Wait(Start({"--version"})).out;
     EXPECT_NE(manual.find('"' + version.substr(0, version.find('\n')) + '"'), std::string::npos) << version;
+}
+
+TEST_F(Program, TellsOtherProgramsInJson) {
+    WriteNoise("a.png", 40, 30, 3);
+    WriteBytes("b.png", "no picture");
+    std::filesystem::create_directory(folder / "out");
+    const Ended ended = Wait(Start({"a.png", "b.png", "-o", "out", "-r", "2.9", "--json", "-j", "1"}));
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_TRUE(std::regex_match(
+        ended.out,
+        std::regex(R"(\{"input":"a.png","output":"out/a.png","mode":"RGB","width":40,"height":30,"depth":8,)"
+                   R"("pages":1,"radius":2,"seconds":[0-9.e-]+,"lost":\[\]\}\n)"
+                   R"(\{"input":"b.png","output":"out/b.png","error":"b.png: this is no [^"]*"\}\n)")))
+        << ended.out;
+    // The same again, without a radius.
+    const Ended again = Wait(Start({"a.png", "-o", "out", "-f"}));
+    EXPECT_NE(again.out.find(", radius 2, as last time, "), std::string::npos) << again.out;
+}
+
+TEST_F(Program, ADryRunWritesNothing) {
+    WriteNoise("tree.png", 40, 30, 3);
+    std::filesystem::remove_all(output / "preferences");
+    const std::set<std::string> before = Names();
+    const Ended ended = Wait(Start({"-R", "tree.png", "-o", "new/out", "--dry-run"}));
+    EXPECT_EQ(ended.out, "tree.png -> new/out/tree.png: would be filtered: 40 x 30 RGB, 8 bits\n")
+        << ended.err;
+    EXPECT_EQ(Names(), before);
+    EXPECT_FALSE(std::filesystem::exists(output / "preferences"));
+    ExpectRefusals({{"tree.png -o tree.png --dry-run", 2, "only with --in-place"}});
 }
 
 TEST_F(Program, TellsWhatThePluginSays) {

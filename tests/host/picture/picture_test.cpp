@@ -15,7 +15,7 @@ class PictureFile : public HostTest {
     // Writes the picture; returns the error message, empty for success.
     std::string Write(const Picture &picture, const std::string &name) {
         const PictureFormat *format = nullptr;
-        MaybeFailure failure = FindFormat(name, &format);
+        MaybeFailure failure = FindFormat(name, kFormatOfName, &format);
         if (!failure) {
             failure = CheckFormatHolds(*format, picture.document, "in", name);
         }
@@ -166,7 +166,7 @@ TEST_F(PictureFile, CancelStopsReadingAndMissingRowsStopWriting) {
     ASSERT_FALSE(OpenPicture(Path("a.png"), &read));
     EXPECT_EQ(ReadPixels(&read, cancelling)->status, kExitInterrupted);
     const PictureFormat *format = nullptr;
-    FindFormat("a.png", &format);
+    FindFormat("a.png", kFormatOfName, &format);
     EXPECT_TRUE(WritePicture(written, *format, {}, Path("b.png"), "b.png",
                              [](int32_t) -> const uint8_t * { return nullptr; }));
 }

@@ -33,7 +33,7 @@ class StoredPicture : public Program {
         const PictureFormat *format = nullptr;
         MaybeFailure failure = OpenPicture(Path(from), &picture);
         failure = failure ? failure : ReadPixels(&picture, {});
-        failure = failure ? failure : FindFormat(to, &format);
+        failure = failure ? failure : FindFormat(to, kFormatOfName, &format);
         if (!failure) {
             Choose(choice, &picture.storage);
             failure = WritePicture(picture, *format, {}, Path(to), to, [&](int32_t row) {

@@ -58,7 +58,7 @@ TEST_F(Worker, DoesFilesAndBandsUntilTheLineEnds) {
     FileAnswer answer;
     ASSERT_TRUE(UnpackAnswer(Do(PackFileJob(plugin, task)), &answer));
     EXPECT_FALSE(answer.failure);
-    EXPECT_EQ(answer.report.words, "90 x 70 RGB, 8 bits, radius 2");
+    EXPECT_EQ(WordsOn(answer.report), "90 x 70 RGB, 8 bits, radius 2");
     for (const Band &rows : {Band{0, 30, 0, 36, true}, Band{30, 70, 24, 70, true}}) {
         FilterOutcome outcome;
         const std::string job = PackBandJob(plugin, document, {PixelBytes(document), rows.frameTop, 0, rows},
