@@ -11,8 +11,8 @@
 // Answers as long as it lives, on a thread of its own.
 struct AnsweredDialogs {
     ScriptedSession session;
-    DialogLine forModule;  // for the record's platformData
-    int line;
+    DialogLine forModule = {};  // for the record's platformData
+    int line = -1;
     std::thread thread;
 
     AnsweredDialogs() = default;

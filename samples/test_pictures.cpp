@@ -59,7 +59,7 @@ class Texture {
     static constexpr int kHeight = 20;
     static constexpr int kCell = 8;
     static constexpr int kRow = kFine / kCell + 1;
-    int heights[kRow * kRow];
+    int heights[kRow * kRow] = {};
 };
 
 // The mean of a channel over the 4 x 4 fine pixels around.

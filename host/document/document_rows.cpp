@@ -177,7 +177,8 @@ bool IsTransparent(const Document &document, const uint8_t *pixel) {
         return false;
     }
     // No opacity but 0 and, with floats, one below it is shown as 0.
-    const uint8_t *place = pixel + int64_t{document.transparency} * SampleBytes(document);
+    const auto offset = static_cast<int64_t>(document.transparency) * SampleBytes(document);
+    const uint8_t *place = pixel + offset;
     if (document.depth == 32) {
         return FilterOpacity(*reinterpret_cast<const float *>(place)) == 0;
     }
