@@ -152,7 +152,7 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
     std::optional<double> radius;
     std::optional<int32_t> quality;
     std::string format, selection, range, compression, pages;
-    CLI::App app("Removes noise from pictures and keeps their edges and fine lines.", "hymedian");
+    CLI::App app("Removes specks and dust from pictures and keeps their edges and fine lines.", "hymedian");
     app.add_option("INPUT", options->inputFiles,
                    "The pictures: PNG, JPEG, TIFF, WebP, PPM, PAM or GIF; - for standard input");
     app.add_option(

@@ -2,7 +2,7 @@
 #include <dlfcn.h>
 
 #include <cstdint>
-#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -15,9 +15,11 @@ std::string MappedFile(uintptr_t address) {
     std::ifstream maps("/proc/self/maps");
     std::string line;
     while (std::getline(maps, line)) {
-        uintptr_t begin = 0;
-        uintptr_t end = 0;
-        if (std::sscanf(line.c_str(), "%lx-%lx", &begin, &end) == 2 && address >= begin && address < end) {
+        // "begin-end ...", both hexadecimal.
+        char *rest = nullptr;
+        const uintptr_t begin = std::strtoul(line.c_str(), &rest, 16);
+        const uintptr_t end = *rest == '-' ? std::strtoul(rest + 1, nullptr, 16) : 0;
+        if (address >= begin && address < end) {
             return line.substr(std::min(line.find('/'), line.size()));
         }
     }

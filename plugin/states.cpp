@@ -60,7 +60,7 @@ void ReturnState(Handle state) {
 }
 
 void DisposeState(intptr_t data) {
-    const auto handle = reinterpret_cast<Handle>(data);
+    auto *const handle = reinterpret_cast<Handle>(data);
     GivenOutStates().erase(handle);
     DisposeHandle(handle);
 }

@@ -37,7 +37,8 @@ void AddGaussian(PictureRGB *picture, int deviation) {
             for (int i = 0; i < kTerms; ++i) {
                 sum += 2 * Below(&generator, kSteps) - (kSteps - 1);
             }
-            const int64_t rounded = (sum * deviation + 2 * 256 * kSteps + kSteps) / (2 * kSteps) - 256;
+            const int64_t rounded =
+                (sum * deviation + int64_t{2} * 256 * kSteps + kSteps) / (int64_t{2} * kSteps) - 256;
             *sample = static_cast<uint8_t>(std::clamp<int64_t>(*sample + rounded, 0, 255));
         }
     }

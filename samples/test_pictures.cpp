@@ -49,7 +49,7 @@ class Texture {
     int At(int x, int y) const {
         const int right = x % kCell;
         const int down = y % kCell;
-        const int *corner = heights + y / kCell * kRow + x / kCell;
+        const int *corner = &heights[static_cast<size_t>(y / kCell * kRow + x / kCell)];
         const int above = corner[0] * (kCell - right) + corner[1] * right;
         const int below = corner[kRow] * (kCell - right) + corner[kRow + 1] * right;
         return (above * (kCell - down) + below * down) / (kCell * kCell);

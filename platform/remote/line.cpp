@@ -10,7 +10,7 @@ bool remote::MakeLine(int ends[2]) {
 }
 
 void remote::SetPatience(int line, int milliseconds) {
-    const timeval time = {milliseconds / 1000, milliseconds % 1000 * 1000};
+    const timeval time = {milliseconds / 1000, milliseconds % 1000 * 1000L};
     setsockopt(line, SOL_SOCKET, SO_SNDTIMEO, &time, sizeof time);
     setsockopt(line, SOL_SOCKET, SO_RCVTIMEO, &time, sizeof time);
 }
