@@ -3,6 +3,7 @@
 
 #include "host/filter/action_file.h"
 #include "host/filter/descriptor_suites.h"
+#include "host/filter/memory_suites.h"
 #include "platform/memory.h"
 #include "settings/script_bridge.h"
 #include "tests/fuzz/fuzz_folder.h"
@@ -27,6 +28,7 @@ void Play(const Action &action) {
                                          HostWriteDescriptorProcs(),   HostReadDescriptorProcs()};
     FilterRecord record = {};
     record.descriptorParameters = &parameters;
+    record.handleProcs = HostHandleProcs();
     _ReadScriptParamFromPS(&record, settings);
     const ActionItem *radius = FindItem(action, kRadiusKey);
     const float expected = radius == nullptr ? 0 : static_cast<float>(radius->number);
