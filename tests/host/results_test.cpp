@@ -64,7 +64,9 @@ TEST_F(Program, PassesAndAmountsAreThoseOfRunsOneByOne) {
     WriteNoise("d.jpg", 90, 70, 3);
     const std::pair<std::string, std::string> cases[] = {
         {"a.png", ".png"}, {"b.tif", ".tif"}, {"c.tif", ".tif"}, {"d.jpg", ".png"}};
-    for (const auto &[input, suffix] : cases) {
+    for (const auto &test : cases) {
+        const std::string &input = test.first;
+        const std::string &suffix = test.second;
         SCOPED_TRACE(input);
         const auto run = [&](const std::string &from, const std::string &to,
                              const std::vector<std::string> &options) {
