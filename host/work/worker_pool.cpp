@@ -137,7 +137,8 @@ bool Listen(Pool *pool, Worker *worker) {
     if (size <= 0) {
         const std::optional<size_t> job = std::exchange(worker->job, std::nullopt);
         const std::string how = HowItEnded(worker->End());
-        return !job || pool->calls->died(*job, how);
+        // A worker that dies while it waits would die again if it were started once more.
+        return pool->calls->died(job.value_or(pool->jobs), how);
     }
     const size_t job = *worker->job;
     const std::string content(packet.data() + 1, static_cast<size_t>(size) - 1);
