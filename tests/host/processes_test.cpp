@@ -6,9 +6,9 @@
 #include <climits>
 #include <csignal>
 #include <fstream>
-#include <iterator>
 #include <thread>
 
+#include "host/work/worker_pool.h"
 #include "tests/host/program_fixture.h"
 
 namespace {
@@ -111,11 +111,20 @@ TEST_F(Program, KilledRunsAreClearedUpAfterAndLivingOnesLeftAlone) {
     EXPECT_EQ(Names(), after);
 }
 
-// Finds the program's children in the process table, which lists them under its first thread.
-std::vector<pid_t> ChildrenOf(pid_t process) {
-    const std::string number = std::to_string(process);
-    std::ifstream list("/proc/" + number + "/task/" + number + "/children");
-    return {std::istream_iterator<pid_t>(list), {}};
+// Kills a worker of the program's, if it has one: the process table lists children under the first thread. A
+// child that runs the program's own command is none (a leak checker's, at the end, which must not die).
+bool KillWorkerOf(pid_t program) {
+    const std::string number = std::to_string(program);
+    std::ifstream children("/proc/" + number + "/task/" + number + "/children");
+    for (pid_t child; children >> child;) {
+        std::ifstream file("/proc/" + std::to_string(child) + "/cmdline");
+        std::string command;
+        std::getline(file, command);
+        if (command.find(kWorkerArgument) != std::string::npos) {
+            return kill(child, SIGKILL) == 0;
+        }
+    }
+    return false;
 }
 
 bool HasEnded(pid_t process) {
@@ -140,8 +149,7 @@ TEST_F(Program, DeadWorkersAreToldAndLeaveNothing) {
     for (const auto &[command, kills] : cases) {
         const pid_t program = Start(command);
         for (int killed = 0; killed < kills && !HasEnded(program);) {
-            const std::vector<pid_t> children = ChildrenOf(program);
-            killed += !children.empty() && kill(children[0], SIGKILL) == 0 ? 1 : 0;
+            killed += KillWorkerOf(program) ? 1 : 0;
         }
         const Ended ended = Wait(program);
         EXPECT_EQ(ended.status, 1);
