@@ -156,4 +156,17 @@ TEST_F(ForeignHost, GetsTheRightAnswer) {
     EXPECT_EQ(Run("play=1", filtered).substr(0, 5), "-128 ");
 }
 
+// Names and applications of the host's own are not the module's. Dialogs are wanted in vain here.
+TEST_F(ForeignHost, KeepsItsLibraries) {
+    const std::string filtered = MakePicture(3, VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_sRGB);
+    std::istringstream libraries(LIBRARIES);
+    for (std::string library; libraries >> library;) {
+        for (const char *thread : {" thread=0", " thread=1"}) {
+            SCOPED_TRACE(library + thread);
+            EXPECT_EQ(Run("library=" + library + thread, filtered), "0 radius 2 parameters -1");
+            EXPECT_EQ(Run("play=1 library=" + library + thread, filtered), "-128 radius 2 parameters -1");
+        }
+    }
+}
+
 }  // namespace
