@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs the missing Debian packages of the groups named (build, test, bench, lint, fuzz, coverage, valgrind, arm), without questions.
+# Installs the missing Debian packages of the groups named (build, test, bench, lint, fuzz, coverage, cache, valgrind, arm), without questions.
 set -euo pipefail
 
 declare -A packages=(
@@ -9,6 +9,7 @@ declare -A packages=(
     [lint]="clang-format clang-tidy cppcheck"
     [fuzz]="clang libclang-rt-14-dev"
     [coverage]="gcovr"
+    [cache]="ccache"
     [valgrind]="valgrind"
     [arm]="g++-aarch64-linux-gnu qemu-user googletest"
 )
