@@ -151,7 +151,7 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
         static_cast<int32_t>(std::clamp(std::thread::hardware_concurrency(), 1u, unsigned{kMaxJobs}));
     std::optional<double> radius;
     std::optional<int32_t> quality;
-    std::string format, selection, range, compression, pages;
+    std::string dialog, format, selection, range, compression, pages;
     CLI::App app("Removes specks and dust from pictures and keeps their edges and fine lines.", "hymedian");
     app.add_option("INPUT", options->inputFiles,
                    "The pictures: PNG, JPEG, TIFF, WebP, PPM, PAM or GIF; - for standard input");
@@ -173,7 +173,8 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
     auto *play = app.add_option("--play", options->playFile, "Play a recorded action back")
                      ->type_name("FILE")
                      ->excludes(radiusOption);
-    app.add_flag("--dialog", options->dialog, "Ask for the radius, with a preview")
+    app.add_flag("--dialog", dialog,
+                 "Ask for the radius, with a preview: once for all pictures, or, as --dialog=each, for each")
         ->excludes(radiusOption)
         ->excludes(play);
     app.add_option("--record", options->recordFile, "Write the action for --play")->type_name("FILE");
@@ -230,9 +231,10 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
     } catch (const CLI::ParseError &error) {
         return WrongUsage(OneLine(error.what()) + Suggestion(app, count, arguments));
     }
-    if (options->dialog) {
-        // One picture at a time, and whole.
-        options->jobs = 1;
+    options->dialog = !dialog.empty();
+    options->dialogForEach = dialog == "each";
+    if (options->dialog && !options->dialogForEach && dialog != "true") {
+        return WrongUsage("--dialog can only be given alone or as --dialog=each");
     }
     options->format = FormatNamed(format);
     if (!format.empty() && options->format == kFormatOfName) {
