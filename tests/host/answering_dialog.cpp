@@ -1,5 +1,5 @@
-// Stands in for hymedian-dialog: each dialog takes the next character of the file $HYMEDIAN_ANSWERS, a radius,
-// or c to cancel.
+// Stands in for hymedian-dialog: each dialog takes the next character of the file $HYMEDIAN_ANSWERS, a
+// radius, or c to cancel.
 #include <cstdlib>
 #include <fstream>
 #include <iterator>

@@ -34,6 +34,8 @@ TEST_F(Dialogs, OneAnswerIsForAllPicturesUnlessEachIsAskedFor) {
         WriteNoise(name, 40, 30, 3);
     }
     WriteNoise("large.png", 1200, 900, 3);
+    const std::string whole = ContentsOf(folder / "large.png");
+    WriteBytes("cut.png", whole.substr(0, whole.size() / 2));
     WriteBytes("bad.png", "no picture");
     const struct {
         std::vector<std::string> pictures;
@@ -42,9 +44,15 @@ TEST_F(Dialogs, OneAnswerIsForAllPicturesUnlessEachIsAskedFor) {
         const char *left;  // of the answers
         const char *radii, *words;
     } cases[] = {
-        {{"a.png", "b.png", "c.png"}, "--dialog", "352", 0, "52", "a3 b3 c3", "answer in the dialog is for all"},
+        {{"a.png", "b.png", "c.png"},
+         "--dialog",
+         "352",
+         0,
+         "52",
+         "a3 b3 c3",
+         "answer in the dialog is for all"},
         {{"a.png", "large.png"}, "--dialog", "6", 0, "", "a6 large6", "2 pictures: 2 done"},
-        {{"bad.png", "a.png", "b.png"}, "--dialog", "42", 1, "2", "a4 b4", "2 done, 1 failed"},
+        {{"bad.png", "cut.png", "a.png", "b.png"}, "--dialog", "42", 1, "2", "a4 b4", "2 done, 2 failed"},
         {{"a.png", "b.png", "c.png"}, "--dialog", "c23", 130, "23", "", "0 done, 0 failed, 3 left undone"},
         {{"a.png", "b.png", "c.png"}, "--dialog=each", "352", 0, "", "a3 b5 c2", "3 done"},
         {{"a.png", "b.png", "c.png"}, "--dialog=each", "c52", 130, "", "b5 c2", "2 done, 0 failed, 1 left"},
