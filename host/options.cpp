@@ -154,13 +154,13 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
     std::string dialog, format, selection, range, compression, pages;
     CLI::App app("Removes specks and dust from pictures and keeps their edges and fine lines.", "hymedian");
     app.add_option("INPUT", options->inputFiles,
-                   "The pictures: PNG, JPEG, TIFF, WebP, PPM, PAM or GIF; - for standard input");
+                   "The pictures: PNG, JPEG, TIFF, WebP, HEIC, AVIF, PPM, PAM or GIF; - for standard input");
     app.add_option(
            "-o,--output", options->output,
            "The filtered picture, whose suffix decides the format; or the folder of all outputs; - for "
            "standard output")
         ->type_name("FILE");
-    app.add_option("--format", format, "The format on standard output: png, jpg, tif, webp, ppm or pam")
+    app.add_option("--format", format, "The format on standard output: png, jpg, tif, webp, heic, avif, ppm or pam")
         ->type_name("NAME");
     app.add_flag("-R,--recursive", options->recursive,
                  "Take the pictures in folders, and make the same folders below that of the outputs");
@@ -209,7 +209,7 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
            "--compression", compression,
            std::string("How a TIFF is compressed: ") + kCompressionNames + "; without it, as the input")
         ->type_name("NAME");
-    app.add_option("--quality", quality, "The quality of JPEG and WebP, 1 to 100; without it, as the input's")
+    app.add_option("--quality", quality, "The quality of JPEG, WebP, HEIC and AVIF, 1 to 100; without it, as the input's")
         ->type_name("N");
     app.add_flag("--stamp", options->stamp, "Say in each output when and by what it was written");
     app.add_option("--plugin", options->pluginFolder, "The folder of the filter's module")
@@ -238,7 +238,7 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
     }
     options->format = FormatNamed(format);
     if (!format.empty() && options->format == kFormatOfName) {
-        return WrongUsage("--format can be png, jpg, tif, webp, ppm or pam");
+        return WrongUsage("--format can be png, jpg, tif, webp, heic, avif, ppm or pam");
     }
     options->storage.compression = CompressionNamed(compression);
     if (!compression.empty() && options->storage.compression < 0) {

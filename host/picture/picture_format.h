@@ -30,6 +30,7 @@ struct PictureFormat {
     int32_t maxSide;                 // in pixels
     std::string_view furtherSpaces;  // names of the colour spaces it holds besides grey and RGB
     bool writtenWhole;               // the picture library needs all of the picture before it writes
+    bool needsHeif;                  // see vips_library.h
     // Writes pixels without metadata. Returns 0 for success; otherwise the picture library holds the error.
     int (*save)(_VipsImage *image, const char *path, const Storage &storage, const SaveOptions &options);
 };

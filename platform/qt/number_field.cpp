@@ -10,7 +10,8 @@ using qt::DialogWindow;
 
 // Of an item, from 0.
 size_t PlaceOf(const DialogWindow &shown, const QLineEdit &field) {
-    return static_cast<size_t>(std::find(shown.items.begin(), shown.items.end(), &field) - shown.items.begin());
+    return static_cast<size_t>(std::find(shown.items.begin(), shown.items.end(), &field) -
+                               shown.items.begin());
 }
 
 // Null for a field without one.

@@ -52,8 +52,8 @@ void MoveBar(DialogWindow *shown, const ControlRecord *bar, double wanted) {
     if (bar == nullptr) {
         return;
     }
-    const auto value = static_cast<int16_t>(
-        std::lround(std::clamp<double>(wanted, bar->minimum, bar->maximum)));
+    const auto value =
+        static_cast<int16_t>(std::lround(std::clamp<double>(wanted, bar->minimum, bar->maximum)));
     if (value != bar->value) {
         qt::PostPress(&shown->input, bar->bounds, {kControlIndicatorPart, value});
     }
@@ -83,13 +83,12 @@ bool Roll(DialogWindow *shown, const PannedPicture &picture, const QWheelEvent &
     if (!picture.place.contains(event.position().toPoint())) {
         return false;
     }
-    const bool sideways = (event.modifiers() & Qt::ShiftModifier) != 0;
-    QPointF way = event.pixelDelta();
-    way = sideways ? way.transposed() : way;
-    if (way.isNull()) {
-        const QPointF turned = QPointF(event.angleDelta()) / kNotch / kNotchesPerPicture;
-        const QPointF parts = sideways ? turned.transposed() : turned;
-        way = {parts.x() * picture.place.width(), parts.y() * picture.place.height()};
+    const bool exact = !event.pixelDelta().isNull();
+    const QPointF turned =
+        exact ? QPointF(event.pixelDelta()) : QPointF(event.angleDelta()) / kNotch / kNotchesPerPicture;
+    QPointF way = (event.modifiers() & Qt::ShiftModifier) != 0 ? turned.transposed() : turned;
+    if (!exact) {
+        way = {way.x() * picture.place.width(), way.y() * picture.place.height()};
     }
     MoveBar(shown, picture.across, ValueOf(picture.across) - way.x());
     MoveBar(shown, picture.upright, ValueOf(picture.upright) - way.y());
@@ -116,7 +115,8 @@ bool qt::PanPicture(DialogWindow *shown, QEvent *event) {
     }
     const PannedPicture picture = PictureOf(*shown->dialog);
     const auto &mouse = *static_cast<QMouseEvent *>(event);
-    const bool taken = type == QEvent::MouseButtonPress ? Take(shown, picture, mouse) : Drag(shown, picture, mouse);
+    const bool taken =
+        type == QEvent::MouseButtonPress ? Take(shown, picture, mouse) : Drag(shown, picture, mouse);
     shown->grip.held = shown->grip.held && type != QEvent::MouseButtonRelease;
     ShowHand(*shown, picture, mouse);
     return taken;

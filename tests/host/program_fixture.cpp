@@ -18,6 +18,7 @@ unsigned PermissionsOf(const std::filesystem::path &file) {
 
 void Program::SetUpTestSuite() {
     ASSERT_TRUE(StartVips("host_test"));
+    HasHeif();
 }
 
 Program::Program() {

@@ -84,8 +84,7 @@ void ExpectPixels(const QImage &shot, const DialogState &state) {
         for (int x = drawn.left; x < drawn.right; ++x, pixel += 4) {
             const auto column = static_cast<int>((x + 0.5) * shot.devicePixelRatio());
             const auto row = static_cast<int>((y + 0.5) * shot.devicePixelRatio());
-            wrong +=
-                (shot.pixel(column, row) & 0xFFFFFF) != (qRgb(pixel[1], pixel[2], pixel[3]) & 0xFFFFFF);
+            wrong += (shot.pixel(column, row) & 0xFFFFFF) != (qRgb(pixel[1], pixel[2], pixel[3]) & 0xFFFFFF);
         }
     }
     EXPECT_EQ(wrong, 0);
@@ -182,7 +181,8 @@ void ScreenDialog::UseScreen() {
     qt::ScreenDialogs().screen();
 }
 
-DialogOutcome ScreenDialog::RunOnScreen(const TestImage &source, float radius, const std::vector<Step> &steps) {
+DialogOutcome ScreenDialog::RunOnScreen(const TestImage &source, float radius,
+                                        const std::vector<Step> &steps) {
     UseScreen();
     std::vector<DialogState> states;
     size_t next = 0;

@@ -184,7 +184,10 @@ TEST_F(ScreenDialog, TheFieldShowsWhatAppliesWhenItIsLeft) {
         EXPECT_EQ(outcome.stored, test.typed.empty() ? 2.5f : std::stof(test.shown));
     }
     const auto leave = [](QDialog *window) { QTest::keyClick(window->windowHandle(), Qt::Key_Tab); };
-    EXPECT_EQ(RunOnScreen(image, 3, {StepsOf({Key('9')})[0], leave, StepsOf({Key('2')})[0], StepsOf({Key(kReturn)})[0]}).stored, 2);
+    EXPECT_EQ(RunOnScreen(image, 3,
+                          {StepsOf({Key('9')})[0], leave, StepsOf({Key('2')})[0], StepsOf({Key(kReturn)})[0]})
+                  .stored,
+              2);
 }
 
 TEST_F(ScreenDialog, KeysMeanTheSameWhereverTheFocusIs) {
