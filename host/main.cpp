@@ -8,6 +8,7 @@
 #include "host/batch.h"
 #include "host/batch_plan.h"
 #include "host/filter/action_file.h"
+#include "host/filter/last_radius.h"
 #include "host/filter/plugin.h"
 #include "host/interrupt.h"
 #include "host/options.h"
@@ -29,6 +30,7 @@ MaybeFailure TakeSettings(const Options &options, FilterSettings *settings) {
     settings->pages = options.pages;
     settings->passes = options.passes;
     settings->amount = options.amount;
+    settings->lastRadius = LastRadius();
     if (options.dialog) {
         settings->orders.user = DialogUser::person;
     } else if (options.radius) {

@@ -77,26 +77,38 @@ size_t Distance(const std::string &from, const std::string &to) {
     return row.back();
 }
 
-// "; did you mean --radius?", for the first option that there is not.
+// "; did you mean --radius?", for the first option that there is not, or how to name a file like it.
 std::string Suggestion(const CLI::App &app, int count, char **arguments) {
     constexpr size_t kFarthest = 3;
+    constexpr size_t kShortest = 5;  // with its dashes
     for (int i = 1; i < count; ++i) {
         const std::string argument = arguments[i];
-        const std::string name = argument.substr(0, argument.find('='));
-        if (!name.starts_with("--") || app.get_option_no_throw(name) != nullptr) {
+        std::error_code error;
+        if (argument == "--" || !argument.starts_with("-") || argument == kPipe) {
+            continue;
+        }
+        if (std::filesystem::exists(argument, error)) {
+            return "; the file of that name is ./" + argument;
+        }
+        const bool oneDash = !argument.starts_with("--");
+        const std::string name = (oneDash ? "-" : "") + argument.substr(0, argument.find('='));
+        if (app.get_option_no_throw(name) != nullptr ? !oneDash : name.size() < kShortest) {
             continue;
         }
         std::string nearest;
         size_t least = kFarthest;
         for (const CLI::Option *option : app.get_options()) {
             for (const std::string &known : option->get_lnames()) {
-                if (const size_t distance = Distance(name, "--" + known); distance < least) {
+                const bool begins = ("--" + known).starts_with(name);
+                if (const size_t distance = begins ? 0 : Distance(name, "--" + known); distance < least) {
                     least = distance;
                     nearest = known;
                 }
             }
         }
-        return nearest.empty() ? "" : "; did you mean --" + nearest + "?";
+        if (!nearest.empty() || !oneDash) {
+            return nearest.empty() ? "" : "; did you mean --" + nearest + "?";
+        }
     }
     return {};
 }
@@ -160,7 +172,8 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
            "The filtered picture, whose suffix decides the format; or the folder of all outputs; - for "
            "standard output")
         ->type_name("FILE");
-    app.add_option("--format", format, "The format on standard output: png, jpg, tif, webp, heic, avif, ppm or pam")
+    app.add_option("--format", format,
+                   "The format on standard output: png, jpg, tif, webp, heic, avif, ppm or pam")
         ->type_name("NAME");
     app.add_flag("-R,--recursive", options->recursive,
                  "Take the pictures in folders, and make the same folders below that of the outputs");
@@ -209,7 +222,8 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
            "--compression", compression,
            std::string("How a TIFF is compressed: ") + kCompressionNames + "; without it, as the input")
         ->type_name("NAME");
-    app.add_option("--quality", quality, "The quality of JPEG, WebP, HEIC and AVIF, 1 to 100; without it, as the input's")
+    app.add_option("--quality", quality,
+                   "The quality of JPEG, WebP, HEIC and AVIF, 1 to 100; without it, as the input's")
         ->type_name("N");
     app.add_flag("--stamp", options->stamp, "Say in each output when and by what it was written");
     app.add_option("--plugin", options->pluginFolder, "The folder of the filter's module")

@@ -13,7 +13,7 @@ namespace {
 constexpr uint64_t kBoxHead = 8;          // length and type
 constexpr uint64_t kVersion = 4;          // version and flags, at the start of some boxes
 constexpr uint64_t kMaxBytes = 64 << 20;  // of the directory, and of an item; chosen
-constexpr uint64_t kMaxItems = 65535;  // and of all their parts
+constexpr uint64_t kMaxItems = 65535;     // and of all their parts
 constexpr int kMaxBoxesBefore = 64;
 constexpr char kXmpType[] = "application/rdf+xml";
 const std::string kExifStart("Exif\0\0", 6);
@@ -74,7 +74,8 @@ std::string PackBoxes(const std::vector<Box> &boxes) {
 }
 
 Box *FindBox(std::vector<Box> *boxes, const char *type) {
-    const auto found = std::find_if(boxes->begin(), boxes->end(), [=](const Box &box) { return box.type == type; });
+    const auto found =
+        std::find_if(boxes->begin(), boxes->end(), [=](const Box &box) { return box.type == type; });
     return found == boxes->end() ? nullptr : &*found;
 }
 
@@ -124,7 +125,8 @@ bool ReadLocations(std::vector<Box> *boxes, std::vector<Location> *locations) {
     if (size(12) > 8 || size(8) > 8 || size(4) > 8 || size(0) > 8) {
         return false;
     }
-    for (uint64_t left = std::min(cursor.Number(version < 2 ? 2 : 4), kMaxItems); cursor.sound && left > 0; --left) {
+    for (uint64_t left = std::min(cursor.Number(version < 2 ? 2 : 4), kMaxItems); cursor.sound && left > 0;
+         --left) {
         Location location = {};
         location.item = cursor.Number(version < 2 ? 2 : 4);
         location.method = version > 0 ? cursor.Number(2) & 15 : kInFile;

@@ -40,7 +40,6 @@ bool PutHeif(Metadata *metadata, ByteFile *file) {
     if (orientation != 1 && QuarterTurns(orientation) == 0) {
         metadata->lost.insert(kMirroring);
     }
-    return AddHeifMetadata({PackExif(metadata, INT32_MAX), metadata->xmp, metadata->profile,
-                            QuarterTurns(orientation)},
-                           file);
+    return AddHeifMetadata(
+        {PackExif(metadata, INT32_MAX), metadata->xmp, metadata->profile, QuarterTurns(orientation)}, file);
 }

@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
+#include <utility>
 
+#include "host/container/container.h"
 #include "host/document/document_mode.h"
 #include "host/picture/netpbm.h"
 #include "host/picture/vips_library.h"
@@ -171,6 +173,18 @@ int32_t FormatNamed(const std::string &suffix) {
     return found == std::end(kFormats) ? kFormatOfName : static_cast<int32_t>(found - std::begin(kFormats));
 }
 
+int32_t FormatOfContent(const std::string &file) {
+    constexpr std::pair<Container, const char *> kSuffixes[] = {{Container::png, "png"},
+                                                                {Container::jpeg, "jpg"},
+                                                                {Container::tiff, "tif"},
+                                                                {Container::webp, "webp"}};
+    ByteFile opened;
+    const Container container = OpenForReading(file, &opened) ? ContainerOf(opened) : Container::other;
+    const auto *found = std::find_if(std::begin(kSuffixes), std::end(kSuffixes),
+                                     [=](const auto &known) { return known.first == container; });
+    return found == std::end(kSuffixes) ? kFormatOfName : FormatNamed(found->second);
+}
+
 MaybeFailure FindFormat(const std::string &file, int32_t chosen, const PictureFormat **format) {
     if (chosen != kFormatOfName) {
         *format = &kFormats[chosen];
@@ -180,9 +194,11 @@ MaybeFailure FindFormat(const std::string &file, int32_t chosen, const PictureFo
     const auto *found = std::find_if(std::begin(kFormats), std::end(kFormats),
                                      [&](const PictureFormat &known) { return HasSuffix(known, suffix); });
     if (found == std::end(kFormats)) {
+        const char *reason = strcasecmp(suffix.c_str(), ".gif") == 0 ? ": GIF is only read" : "";
         return Failure{
             kExitUsage,
-            file + ": the output's name must end in .png, .jpg, .tif, .webp, .heic, .avif, .ppm or .pam."};
+            file + reason +
+                ": the output's name must end in .png, .jpg, .tif, .webp, .heic, .avif, .ppm or .pam."};
     }
     *format = found;
     return std::nullopt;

@@ -41,6 +41,10 @@ MaybeFailure FindFormat(const std::string &file, int32_t chosen, const PictureFo
 // That of a suffix without its dot; kFormatOfName for none.
 int32_t FormatNamed(const std::string &suffix);
 
+// That of what the file holds, whatever it is called; kFormatOfName for formats that are told by their names
+// alone.
+int32_t FormatOfContent(const std::string &file);
+
 // Whether an output is a TIFF, which holds several pages.
 bool IsTiff(const std::string &file, int32_t chosen);
 

@@ -26,6 +26,7 @@ constexpr Translation kTranslations[] = {
     {"", "the picture library does not say why"},
     {"libpng read error", "its pixels are damaged or cut short"},
     {"unable to parse image", "it is damaged or cut short"},
+    {"bad seek", "it is damaged or cut short"},
 };
 
 bool KnowsHeif() {
@@ -88,7 +89,9 @@ std::string TakeVipsError() {
     while (!text.empty() && (text.back() == '.' || text.back() == ' ')) {
         text.pop_back();
     }
-    const auto *known = std::find_if(std::begin(kTranslations), std::end(kTranslations),
-                                     [&](const Translation &entry) { return entry.said == text; });
+    const auto *known =
+        std::find_if(std::begin(kTranslations), std::end(kTranslations), [&](const Translation &entry) {
+            return entry.said.empty() ? text.empty() : text.starts_with(entry.said);
+        });
     return known == std::end(kTranslations) ? text : std::string(known->meant);
 }

@@ -273,6 +273,26 @@ TEST_F(MetadataFile, HeifTakesAllBlocksAndGivesThemBack) {
             }
         }
     }
+    // Places of a thousand items, each in 65535 parts of no bytes.
+    const std::string places = "\0\0\0\0\0\0\3\xE8"s + [] {
+        std::string items;
+        for (int i = 0; i < 1000; ++i) {
+            items += "\0\1\0\0\xFF\xFF"s;
+        }
+        return items;
+    }();
+    const std::string boxes = NumberBytes(8 + places.size(), 4, true) + "iloc" + places;
+    const std::string entry = "\0\0\0\x15infe\2\0\0\0\0\1\0\0Exif\0"s;
+    const std::string list = NumberBytes(14 + entry.size(), 4, true) + "iinf\0\0\0\0\0\1"s + entry;
+    WriteBytes("parts.heic",
+               NumberBytes(12 + boxes.size() + list.size(), 4, true) + "meta\0\0\0\0"s + boxes + list);
+    rusage before = {}, after = {};
+    getrusage(RUSAGE_SELF, &before);
+    ByteFile parts;
+    HeifMetadata none;
+    EXPECT_TRUE(OpenForReading(Path("parts.heic"), &parts) && ReadHeifMetadata(parts, &none));
+    getrusage(RUSAGE_SELF, &after);
+    EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 64 << 10);
     WriteJpeg("m.jpg",
               {{kJpegApp1, "Exif\0\0"s + PackBlock({{NumbersEntry(kTagOrientation, kTiffShort, {2})}},
                                                    nullptr, false)}});

@@ -157,6 +157,13 @@ TEST_F(PictureFile, NothingIsCutToFitAFormat) {
     EXPECT_EQ(FileCount(), 0U);
 }
 
+TEST_F(PictureFile, KindsOfChannelsThatDoNotGoInAreAFailure) {
+    Picture picture = MakePicture(plugInModeRGBColor, 4);
+    EXPECT_EQ(Write(picture, "a.tif"), "");
+    picture.extraSamples.push_back(kUnspecifiedExtra);
+    EXPECT_NE(Write(picture, "b.tif").find("kinds of its channels"), std::string::npos);
+}
+
 TEST_F(PictureFile, CancelStopsReadingAndMissingRowsStopWriting) {
     const Picture written = MakePicture(plugInModeRGBColor, 3);
     ASSERT_EQ(Write(written, "a.png"), "");
