@@ -80,7 +80,7 @@ size_t Distance(const std::string &from, const std::string &to) {
 // "; did you mean --radius?", for the first option that there is not, or how to name a file like it.
 std::string Suggestion(const CLI::App &app, int count, char **arguments) {
     constexpr size_t kFarthest = 3;
-    constexpr size_t kShortest = 5;  // with its dashes
+    constexpr size_t kShortest = 4;  // with its dashes
     for (int i = 1; i < count; ++i) {
         const std::string argument = arguments[i];
         std::error_code error;
@@ -90,9 +90,8 @@ std::string Suggestion(const CLI::App &app, int count, char **arguments) {
         if (std::filesystem::exists(argument, error)) {
             return "; the file of that name is ./" + argument;
         }
-        const bool oneDash = !argument.starts_with("--");
-        const std::string name = (oneDash ? "-" : "") + argument.substr(0, argument.find('='));
-        if (app.get_option_no_throw(name) != nullptr ? !oneDash : name.size() < kShortest) {
+        const std::string name = argument.substr(0, argument.find('='));
+        if (app.get_option_no_throw(name) != nullptr || name.size() < kShortest) {
             continue;
         }
         std::string nearest;
@@ -106,7 +105,7 @@ std::string Suggestion(const CLI::App &app, int count, char **arguments) {
                 }
             }
         }
-        if (!nearest.empty() || !oneDash) {
+        if (!nearest.empty() || argument.starts_with("--")) {
             return nearest.empty() ? "" : "; did you mean --" + nearest + "?";
         }
     }

@@ -249,6 +249,8 @@ TEST_F(MetadataFile, HeifTakesAllBlocksAndGivesThemBack) {
         size_t size = 0;
         const OwnedMemory pixels(vips_image_write_to_memory(image.get(), &size));
         EXPECT_EQ(vips_image_get_width(image.get()), 18) << "it is not turned";
+        EXPECT_NE(ContentsOf(folder / name).find("irot\3"s), std::string::npos)
+            << "three quarters to the left";
         EXPECT_EQ(size, 24u * 18 * 3) << TakeVipsError();
         // What is read turned already does not say so again.
         fs::remove(folder / "c.tif");
