@@ -1,6 +1,7 @@
 // hymedian: runs the filter over picture files.
 #include <sys/socket.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <vector>
@@ -80,6 +81,8 @@ bool HasWorkerLine() {
 }  // namespace
 
 int main(int count, char **arguments) {
+    // A file beyond a limit then fails to be written, like any that has no room.
+    std::signal(SIGXFSZ, SIG_IGN);
     if (count == 2 && std::strcmp(arguments[1], kWorkerArgument) == 0 && HasWorkerLine()) {
         return RunWorker();
     }
