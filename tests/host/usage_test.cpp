@@ -70,16 +70,18 @@ TEST_F(Program, TellsOtherProgramsInJson) {
     WriteNoise("a.png", 40, 30, 3);
     WriteBytes("b.png", "no picture");
     std::filesystem::create_directory(folder / "out");
-    const Ended ended = Wait(Start({"a.png", "b.png", "-o", "out", "-r", "2.9", "--json", "-j", "1"}));
+    const Ended ended = Wait(Start({"a.png", "b.png", "-o", "out", "-r", "3.9", "--json", "-j", "1"}));
     EXPECT_EQ(ended.status, 1);
     EXPECT_TRUE(std::regex_match(
         ended.out,
         std::regex(R"(\{"input":"a.png","output":"out/a.png","mode":"RGB","width":40,"height":30,"depth":8,)"
-                   R"("pages":1,"radius":2,"seconds":[0-9.e-]+,"lost":\[\]\}\n)"
+                   R"("pages":1,"radius":3,"seconds":[0-9.e-]+,"lost":\[\]\}\n)"
                    R"(\{"input":"b.png","output":"out/b.png","error":"b.png: this is no [^"]*"\}\n)")))
         << ended.out;
+    EXPECT_NE(Wait(Start({"a.png", "-o", "a.ppm", "--json"})).out.find(R"("lost":["resolution"])"),
+              std::string::npos);
     // The same again, without a radius, and as the first run of all.
-    for (const char *words : {", radius 2, as last time, ", ", radius 1, the default, "}) {
+    for (const char *words : {", radius 3, as last time, ", ", radius 1, the default, "}) {
         const Ended again = Wait(Start({"a.png", "-o", "out", "-f"}));
         EXPECT_NE(again.out.find(words), std::string::npos) << again.out;
         std::filesystem::remove_all(output / "preferences");

@@ -384,6 +384,13 @@ TEST_F(MetadataFile, PngsChunksStayInOrder) {
     EXPECT_EQ(types, "IHDR gAMA pHYs tEXt eXIf vpAg zTXt ");
     EXPECT_EQ(Carry("in.png", "out.jpg"), " (it keeps no texts)");
     EXPECT_EQ(SegmentsOf("out.jpg").at(2).bytes, "packed");
+    // Some programs count the zero behind a comment.
+    WriteJpeg("c.jpg", {{kJpegComment, "said\0"s}});
+    EXPECT_EQ(Carry("c.jpg", "c.png"), "");
+    EXPECT_EQ(Carry("c.png", "d.jpg"), "");
+    const std::vector<JpegSegment> segments = SegmentsOf("d.jpg");
+    EXPECT_TRUE(std::any_of(segments.begin(), segments.end(),
+                            [](const JpegSegment &segment) { return segment.bytes == "said"; }));
 }
 
 TEST_F(MetadataFile, HeadsGrowAndShrinkInPlace) {
