@@ -27,7 +27,7 @@ struct Assigned {
 
 struct Batch {
     const Options *options;
-    const FilterSettings *settings;
+    FilterSettings settings;  // with the answer to a dialog, once it has been given for all pictures
     const std::vector<FileRequest> *requests;
     Plugin *plugin;
     ProgressBar bar;
@@ -37,10 +37,19 @@ struct Batch {
     int status = kExitDone;  // of the latest failure
 
     size_t next = 0;                                            // the next request for a worker
-    size_t jobCount = 0;                                        // handed out so far
+    size_t jobCount = 0;                                        // handed out to these workers so far
     std::vector<size_t> large = {};                             // requests left for later
     std::map<size_t, std::unique_ptr<Assigned>> assigned = {};  // by job number
 };
+
+bool AsksPerson(const Batch &batch) {
+    return batch.settings.orders.user == DialogUser::person;
+}
+
+// A person is asked about one picture at a time.
+int32_t JobsFor(const Batch &batch) {
+    return AsksPerson(batch) ? 1 : batch.options->jobs;
+}
 
 void Advance(Batch *batch, size_t request, double done) {
     batch->progress[request] = done;
@@ -132,12 +141,11 @@ int Conclude(Batch *batch) {
 MaybeFailure DoHere(Batch *batch, size_t index, FileReport *report) {
     const Watcher watcher = {[=](double done) { Advance(batch, index, done); }, Interrupted};
     PlannedFile planned;
-    if (Picture picture; MaybeFailure failure = PlanFile((*batch->requests)[index], *batch->settings,
+    if (Picture picture; MaybeFailure failure = PlanFile((*batch->requests)[index], batch->settings,
                                                          batch->plugin->info, &planned, &picture)) {
         return failure;
     }
-    const Options &options = *batch->options;
-    const FilterPlace place = {batch->plugin, options.pluginFolder, options.jobs};
+    const FilterPlace place = {batch->plugin, batch->options->pluginFolder, JobsFor(*batch)};
     const auto leave = [&](const Failure &failure) { Leave(batch, index, &planned, failure); };
     if (MaybeFailure failure = DoFileTask(planned.task, place, watcher, leave, report)) {
         return failure;
@@ -159,11 +167,11 @@ NextJob NextFile(Batch *batch, std::string *job) {
         assigned->request = batch->next++;
         assigned->start = Clock::now();
         Picture picture;
-        const MaybeFailure failure = PlanFile((*batch->requests)[assigned->request], *batch->settings,
+        const MaybeFailure failure = PlanFile((*batch->requests)[assigned->request], batch->settings,
                                               batch->plugin->info, &assigned->planned, &picture);
         if (failure) {
             Settle(batch, assigned->request, failure, {}, assigned->start);
-        } else if (IsWorthWorkers(picture.document, batch->options->jobs)) {
+        } else if (IsWorthWorkers(picture.document, JobsFor(*batch))) {
             batch->large.push_back(assigned->request);
         } else {
             *job = PackFileJob(batch->options->pluginFolder, assigned->planned.task);
@@ -192,7 +200,14 @@ bool TakeAnswer(Batch *batch, size_t job, const std::string &packed) {
         answer.failure = PublishFile(&assigned->planned);
     }
     Settle(batch, assigned->request, answer.failure, answer.report, assigned->start);
-    return true;
+    if (batch->options->dialogForEach) {
+        return true;
+    }
+    if (!answer.failure && answer.report.radius > 0) {
+        RepeatAnswer(answer.report.radius, &batch->settings.orders);
+    }
+    // Who cancels a dialog that is for all pictures cancels them all.
+    return !AsksPerson(*batch) || !answer.failure || answer.failure->status != kExitInterrupted;
 }
 
 bool TakeDeath(Batch *batch, size_t job, const std::string &how) {
@@ -205,15 +220,19 @@ bool TakeDeath(Batch *batch, size_t job, const std::string &how) {
 }
 
 // Small pictures go to workers whole. So do pictures with a dialog, since an interrupt has to end it at once.
-// Pictures worth several workers are left for later.
-void RunInWorkers(Batch *batch) {
+// Pictures worth several workers are left for later. Ends early when a dialog has been answered for all of
+// them.
+PoolEnd RunInWorkers(Batch *batch) {
+    batch->jobCount = 0;
     WorkerCalls calls;
-    calls.next = [=](std::string *job) { return NextFile(batch, job); };
+    calls.next = [=, asked = AsksPerson(*batch)](std::string *job) {
+        return asked == AsksPerson(*batch) ? NextFile(batch, job) : NextJob::none;
+    };
     calls.progress = [=](size_t job, double done) { Advance(batch, batch->assigned.at(job)->request, done); };
     calls.answered = [=](size_t job, const std::string &answer) { return TakeAnswer(batch, job, answer); };
     calls.died = [=](size_t job, const std::string &how) { return TakeDeath(batch, job, how); };
     calls.cancelled = Interrupted;
-    const auto workers = std::min(static_cast<size_t>(batch->options->jobs), batch->requests->size());
+    const auto workers = std::min(static_cast<size_t>(JobsFor(*batch)), batch->requests->size());
     const PoolEnd end = RunWorkers(static_cast<int32_t>(workers), {}, calls);
     // Whatever is still assigned was interrupted.
     for (const auto &[job, assigned] : batch->assigned) {
@@ -224,12 +243,32 @@ void RunInWorkers(Batch *batch) {
         Settle(batch, batch->next, FileFailure((*batch->requests)[batch->next].inputFile, kNoWorkers), {},
                Clock::now());
     }
+    return end;
 }
 
-std::vector<size_t> AllOf(const std::vector<FileRequest> &requests) {
-    std::vector<size_t> all(requests.size());
-    std::iota(all.begin(), all.end(), size_t{0});
-    return all;
+// Asks a person about the first picture, or about each; false if the rest is to be left undone.
+bool RunWithDialog(Batch *batch) {
+    if (batch->requests->size() > 1 && !batch->options->dialogForEach && !batch->options->quiet &&
+        !batch->options->json) {
+        std::fprintf(SummaryStream(*batch->options), "%zu pictures: the answer in the dialog is for all\n",
+                     batch->requests->size());
+        std::fflush(SummaryStream(*batch->options));
+    }
+    return RunInWorkers(batch) == PoolEnd::done;
+}
+
+void RunWithoutDialog(Batch *batch) {
+    const size_t left = batch->requests->size() - batch->next;
+    if (left > 1 && batch->options->jobs > 1) {
+        RunInWorkers(batch);
+    } else {
+        batch->large.resize(left);
+        std::iota(batch->large.begin(), batch->large.end(), batch->next);
+    }
+    // An interrupt is told of with one picture at least.
+    for (size_t i = 0; i < batch->large.size() && batch->status != kExitInterrupted; ++i) {
+        RunHere(batch, batch->large[i]);
+    }
 }
 
 }  // namespace
@@ -254,19 +293,13 @@ int RehearseBatch(const Options &options, const FilterSettings &settings,
 int RunBatch(const Options &options, const FilterSettings &settings, const std::vector<FileRequest> &requests,
              Plugin *plugin) {
     Batch batch = {&options,
-                   &settings,
+                   settings,
                    &requests,
                    plugin,
                    MakeProgressBar(!options.quiet),
                    std::vector<double>(requests.size())};
-    if ((requests.size() > 1 && options.jobs > 1) || options.dialog) {
-        RunInWorkers(&batch);
-    } else {
-        batch.large = AllOf(requests);
-    }
-    // An interrupt is told of with one picture at least.
-    for (size_t i = 0; i < batch.large.size() && batch.status != kExitInterrupted; ++i) {
-        RunHere(&batch, batch.large[i]);
+    if (!AsksPerson(batch) || RunWithDialog(&batch)) {
+        RunWithoutDialog(&batch);
     }
     return Conclude(&batch);
 }

@@ -85,12 +85,16 @@ MaybeFailure FindInputs(const Options &options, std::vector<Input> *inputs) {
     return std::nullopt;
 }
 
+bool KeepsNames(const Options &options) {
+    return options.output != kPipe &&
+           (options.output.empty() || options.recursive || IsFolder(options.output));
+}
+
 std::string OutputOf(const Options &options, const Input &input) {
-    const bool intoFolder = options.recursive || IsFolder(options.output);
     if (options.output == kPipe) {
         return kStandardOutput;
     }
-    if (!options.output.empty() && !intoFolder) {
+    if (!KeepsNames(options)) {
         return options.output;
     }
     const fs::path path = options.output.empty() ? fs::path(input.file) : options.output / input.place;
@@ -174,6 +178,7 @@ MaybeFailure PlanBatch(const Options &options, std::vector<FileRequest> *request
                                options.inPlace,
                                options.recursive,
                                options.output == kPipe,
+                               KeepsNames(options),
                                nullptr};
         if (input.file == kPipe) {
             if (MaybeFailure failure = TakeStandardInput(&request)) {

@@ -1,6 +1,7 @@
 // hymedian: runs the filter over picture files.
 #include <sys/socket.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <vector>
@@ -8,6 +9,7 @@
 #include "host/batch.h"
 #include "host/batch_plan.h"
 #include "host/filter/action_file.h"
+#include "host/filter/last_radius.h"
 #include "host/filter/plugin.h"
 #include "host/interrupt.h"
 #include "host/options.h"
@@ -29,6 +31,7 @@ MaybeFailure TakeSettings(const Options &options, FilterSettings *settings) {
     settings->pages = options.pages;
     settings->passes = options.passes;
     settings->amount = options.amount;
+    settings->lastRadius = LastRadius();
     if (options.dialog) {
         settings->orders.user = DialogUser::person;
     } else if (options.radius) {
@@ -78,6 +81,8 @@ bool HasWorkerLine() {
 }  // namespace
 
 int main(int count, char **arguments) {
+    // A file beyond a limit then fails to be written, like any that has no room.
+    std::signal(SIGXFSZ, SIG_IGN);
     if (count == 2 && std::strcmp(arguments[1], kWorkerArgument) == 0 && HasWorkerLine()) {
         return RunWorker();
     }

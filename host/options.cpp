@@ -77,26 +77,37 @@ size_t Distance(const std::string &from, const std::string &to) {
     return row.back();
 }
 
-// "; did you mean --radius?", for the first option that there is not.
+// "; did you mean --radius?", for the first option that there is not, or how to name a file like it.
 std::string Suggestion(const CLI::App &app, int count, char **arguments) {
     constexpr size_t kFarthest = 3;
+    constexpr size_t kShortest = 4;  // with its dashes
     for (int i = 1; i < count; ++i) {
         const std::string argument = arguments[i];
+        std::error_code error;
+        if (argument == "--" || !argument.starts_with("-") || argument == kPipe) {
+            continue;
+        }
+        if (std::filesystem::exists(argument, error)) {
+            return "; the file of that name is ./" + argument;
+        }
         const std::string name = argument.substr(0, argument.find('='));
-        if (!name.starts_with("--") || app.get_option_no_throw(name) != nullptr) {
+        if (app.get_option_no_throw(name) != nullptr || name.size() < kShortest) {
             continue;
         }
         std::string nearest;
         size_t least = kFarthest;
         for (const CLI::Option *option : app.get_options()) {
             for (const std::string &known : option->get_lnames()) {
-                if (const size_t distance = Distance(name, "--" + known); distance < least) {
+                const bool begins = ("--" + known).starts_with(name);
+                if (const size_t distance = begins ? 0 : Distance(name, "--" + known); distance < least) {
                     least = distance;
                     nearest = known;
                 }
             }
         }
-        return nearest.empty() ? "" : "; did you mean --" + nearest + "?";
+        if (!nearest.empty() || argument.starts_with("--")) {
+            return nearest.empty() ? "" : "; did you mean --" + nearest + "?";
+        }
     }
     return {};
 }
@@ -151,16 +162,17 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
         static_cast<int32_t>(std::clamp(std::thread::hardware_concurrency(), 1u, unsigned{kMaxJobs}));
     std::optional<double> radius;
     std::optional<int32_t> quality;
-    std::string format, selection, range, compression, pages;
+    std::string dialog, format, selection, range, compression, pages;
     CLI::App app("Removes specks and dust from pictures and keeps their edges and fine lines.", "hymedian");
     app.add_option("INPUT", options->inputFiles,
-                   "The pictures: PNG, JPEG, TIFF, WebP, PPM, PAM or GIF; - for standard input");
+                   "The pictures: PNG, JPEG, TIFF, WebP, HEIC, AVIF, PPM, PAM or GIF; - for standard input");
     app.add_option(
            "-o,--output", options->output,
            "The filtered picture, whose suffix decides the format; or the folder of all outputs; - for "
            "standard output")
         ->type_name("FILE");
-    app.add_option("--format", format, "The format on standard output: png, jpg, tif, webp, ppm or pam")
+    app.add_option("--format", format,
+                   "The format on standard output: png, jpg, tif, webp, heic, avif, ppm or pam")
         ->type_name("NAME");
     app.add_flag("-R,--recursive", options->recursive,
                  "Take the pictures in folders, and make the same folders below that of the outputs");
@@ -173,7 +185,8 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
     auto *play = app.add_option("--play", options->playFile, "Play a recorded action back")
                      ->type_name("FILE")
                      ->excludes(radiusOption);
-    app.add_flag("--dialog", options->dialog, "Ask for the radius, with a preview")
+    app.add_flag("--dialog", dialog,
+                 "Ask for the radius, with a preview: once for all pictures, or, as --dialog=each, for each")
         ->excludes(radiusOption)
         ->excludes(play);
     app.add_option("--record", options->recordFile, "Write the action for --play")->type_name("FILE");
@@ -208,7 +221,8 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
            "--compression", compression,
            std::string("How a TIFF is compressed: ") + kCompressionNames + "; without it, as the input")
         ->type_name("NAME");
-    app.add_option("--quality", quality, "The quality of JPEG and WebP, 1 to 100; without it, as the input's")
+    app.add_option("--quality", quality,
+                   "The quality of JPEG, WebP, HEIC and AVIF, 1 to 100; without it, as the input's")
         ->type_name("N");
     app.add_flag("--stamp", options->stamp, "Say in each output when and by what it was written");
     app.add_option("--plugin", options->pluginFolder, "The folder of the filter's module")
@@ -230,13 +244,14 @@ MaybeFailure ParseOptions(int count, char **arguments, Options *options) {
     } catch (const CLI::ParseError &error) {
         return WrongUsage(OneLine(error.what()) + Suggestion(app, count, arguments));
     }
-    if (options->dialog) {
-        // One picture at a time, and whole.
-        options->jobs = 1;
+    options->dialog = !dialog.empty();
+    options->dialogForEach = dialog == "each";
+    if (options->dialog && !options->dialogForEach && dialog != "true") {
+        return WrongUsage("--dialog can only be given alone or as --dialog=each");
     }
     options->format = FormatNamed(format);
     if (!format.empty() && options->format == kFormatOfName) {
-        return WrongUsage("--format can be png, jpg, tif, webp, ppm or pam");
+        return WrongUsage("--format can be png, jpg, tif, webp, heic, avif, ppm or pam");
     }
     options->storage.compression = CompressionNamed(compression);
     if (!compression.empty() && options->storage.compression < 0) {

@@ -36,6 +36,7 @@ struct Options {
     int32_t amount = 100;
     std::optional<int32_t> compressionLevel;
     bool dialog = false;
+    bool dialogForEach = false;  // otherwise one answer is for all pictures
     bool inPlace = false;
     bool force = false;
     StorageChoice storage;

@@ -33,6 +33,11 @@ constexpr int16_t kMaxRadius = 6;
 constexpr int16_t kMinPlayedRadius = 0;
 constexpr int16_t kMaxPlayedRadius = 4;
 
+// Where the latest run's radius lies in the file of this name in the preferences folder: a float, in pixels,
+// 0 in a new file. It is in the header, see toolkit/run_context.h.
+constexpr char kPreferencesFile[] = "WEMBpref";
+constexpr int32_t kRememberedRadiusOffset = 744;
+
 // NaN becomes the smallest radius.
 constexpr float ClampRadius(float radius) {
     if (radius > float{kMaxRadius}) {

@@ -14,7 +14,6 @@ constexpr int32_t kPreferenceStringCount = 48;
 // Byte offsets of the fields in the preferences header that this filter uses; each is a 32-bit float.
 constexpr int32_t kUnitIndexOffset = 8;           // the unit of measured lengths, see settings/key_names.h
 constexpr int32_t kLengthCalibrationOffset = 12;  // a pixel's length in that unit; 0: not calibrated
-constexpr int32_t kRememberedRadiusOffset = 744;  // in pixels; 0 in a new header
 
 struct RunContext {
     int16_t width;  // of the filter rectangle, in pixels

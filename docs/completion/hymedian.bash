@@ -3,7 +3,7 @@ _hymedian() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
     case $before in
     --compression) COMPREPLY=($(compgen -W "none lzw zip packbits zstd group4" -- "$word")) ;;
-    --format) COMPREPLY=($(compgen -W "png jpg tif webp ppm pam" -- "$word")) ;;
+    --format) COMPREPLY=($(compgen -W "png jpg tif webp heic avif ppm pam" -- "$word")) ;;
     -r | --radius) COMPREPLY=($(compgen -W "1 2 3 4 5 6" -- "$word")) ;;
     --plugin) COMPREPLY=($(compgen -d -- "$word")) ;;
     *)

@@ -16,6 +16,8 @@ const struct {
     {Container::tiff, 0, "II*\0"s},        {Container::tiff, 0, "MM\0*"s},
     {Container::tiff, 0, "II+\0\x08\0"s},  {Container::tiff, 0, "MM\0+\0\x08"s},
     {Container::gif, 0, "GIF8"s},          {Container::webp, 8, "WEBP"s},
+    {Container::heif, 4, "ftypheic"s},     {Container::heif, 4, "ftypheix"s},
+    {Container::heif, 4, "ftypmif1"s},     {Container::heif, 4, "ftypavif"s},
 };
 
 }  // namespace

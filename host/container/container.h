@@ -3,6 +3,6 @@
 
 #include "host/container/byte_file.h"
 
-enum class Container { other, gif, jpeg, png, tiff, webp };
+enum class Container { other, gif, heif, jpeg, png, tiff, webp };
 
 Container ContainerOf(const ByteFile &file);

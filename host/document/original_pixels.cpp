@@ -12,7 +12,7 @@
 namespace {
 
 // Colours are compared by hashes first, several pixels at a time.
-constexpr size_t kLanes = 8;
+constexpr size_t kLanes = 16;
 constexpr size_t kVectors = 4;  // so many are independent of each other
 constexpr size_t kBlock = kVectors * kLanes;
 using Lanes = int16_t __attribute__((vector_size(kLanes * sizeof(int16_t))));
@@ -182,23 +182,59 @@ std::vector<PlaceRow<Planes>> PlaceRowsAround(int32_t y, const Restorer<Sample, 
     return rows;
 }
 
-template <typename Sample, size_t Planes>
-void FindNearest(const std::vector<PlaceRow<Planes>> &places, Restorer<Sample, Planes> *restorer) {
-    for (size_t x = 0; x < restorer->results.colors.size(); x += kBlock) {
+// What FindNearest does with `count` hashes, compiled for what the processor has.
+__attribute__((always_inline)) inline void FillNearest(const uint16_t *hashes, size_t count,
+                                                       const uint16_t *const *places, size_t placeCount,
+                                                       int16_t *nearest) {
+    for (size_t x = 0; x < count; x += kBlock) {
         Lanes results[kVectors];
-        Lanes nearest[kVectors] = {};
-        std::memcpy(results, restorer->results.hashes.data() + x, sizeof results);
-        for (size_t i = 0; i < places.size(); ++i) {
-            const Lanes place = Lanes{} + static_cast<int16_t>(places.size() - i);
+        Lanes found[kVectors] = {};
+        std::memcpy(results, hashes + x, sizeof results);
+        for (size_t i = 0; i < placeCount; ++i) {
+            const Lanes place = Lanes{} + static_cast<int16_t>(placeCount - i);
             for (size_t v = 0; v < kVectors; ++v) {
-                Lanes hashes;
-                std::memcpy(&hashes, places[i].hashes + x + v * kLanes, sizeof hashes);
-                const Lanes found = (hashes == results[v]) & place;
-                nearest[v] = nearest[v] > found ? nearest[v] : found;
+                Lanes originals;
+                std::memcpy(&originals, places[i] + x + v * kLanes, sizeof originals);
+                const Lanes here = (originals == results[v]) & place;
+                found[v] = found[v] > here ? found[v] : here;
             }
         }
-        std::memcpy(restorer->nearest.data() + x, nearest, sizeof nearest);
+        std::memcpy(nearest + x, found, sizeof found);
     }
+}
+
+using NearestFiller = void (*)(const uint16_t *, size_t, const uint16_t *const *, size_t, int16_t *);
+
+void FillNearestAnywhere(const uint16_t *hashes, size_t count, const uint16_t *const *places,
+                         size_t placeCount, int16_t *nearest) {
+    FillNearest(hashes, count, places, placeCount, nearest);
+}
+
+#ifdef __x86_64__
+__attribute__((target("avx2"))) void FillNearestWide(const uint16_t *hashes, size_t count,
+                                                     const uint16_t *const *places, size_t placeCount,
+                                                     int16_t *nearest) {
+    FillNearest(hashes, count, places, placeCount, nearest);
+}
+
+NearestFiller ChooseFiller() {
+    return __builtin_cpu_supports("avx2") != 0 ? FillNearestWide : FillNearestAnywhere;
+}
+#else
+NearestFiller ChooseFiller() {
+    return FillNearestAnywhere;
+}
+#endif
+
+template <typename Sample, size_t Planes>
+void FindNearest(const std::vector<PlaceRow<Planes>> &places, Restorer<Sample, Planes> *restorer) {
+    static const NearestFiller fill = ChooseFiller();
+    std::vector<const uint16_t *> hashes;
+    for (const PlaceRow<Planes> &place : places) {
+        hashes.push_back(place.hashes);
+    }
+    fill(restorer->results.hashes.data(), restorer->results.colors.size(), hashes.data(), hashes.size(),
+         restorer->nearest.data());
 }
 
 // Faster than the array's own comparison, which calls memcmp.

@@ -141,6 +141,22 @@ void TakeResolutionIntoExif(Metadata *metadata) {
     }
 }
 
+void TakeResourcesIntoExif(Metadata *metadata) {
+    const struct {
+        uint16_t tag;
+        const std::string &bytes;
+        const char *name;
+    } resources[] = {{kTagIPTC, metadata->iptc, kIptcData},
+                     {kTagPhotoshop, metadata->photoshop, kPhotoshopData}};
+    for (const auto &[tag, bytes, name] : resources) {
+        if (!bytes.empty() && metadata->exif.readable) {
+            SetExif(&metadata->exif, BytesEntry(tag, kTiffUndefined, bytes));
+        } else if (!bytes.empty()) {
+            metadata->lost.insert(name);
+        }
+    }
+}
+
 std::optional<Resolution> ResolutionOf(const Metadata &metadata) {
     const TiffDirectory &directory = metadata.exif.directory;
     const Resolution resolution = {RationalOf(directory, kTagXResolution),

@@ -21,6 +21,8 @@ void SetExif(Exif *exif, TiffEntry entry);
 void TakeTextsIntoExif(Metadata *metadata);
 // The resolution becomes EXIF's, unless that has one.
 void TakeResolutionIntoExif(Metadata *metadata);
+// For formats that have no place for IPTC's and Photoshop's data: an EXIF block can hold them as a TIFF does.
+void TakeResourcesIntoExif(Metadata *metadata);
 // EXIF's own, else the container's.
 std::optional<Resolution> ResolutionOf(const Metadata &metadata);
 

@@ -50,9 +50,8 @@ bool PutNothing(Metadata *metadata, ByteFile *) {
 }
 
 constexpr Handler kHandlers[] = {
-    {Container::jpeg, TakeJpeg, PutJpeg},
-    {Container::png, TakePng, PutPng},
-    {Container::tiff, TakeTiff, PutTiff},
+    {Container::heif, TakeHeif, PutHeif}, {Container::jpeg, TakeJpeg, PutJpeg},
+    {Container::png, TakePng, PutPng},    {Container::tiff, TakeTiff, PutTiff},
     {Container::webp, TakeWebp, PutWebp},
 };
 constexpr Handler kOther = {Container::other, TakeNothing, PutNothing};
@@ -78,6 +77,13 @@ void Stamp(Exif *exif) {
 
 }  // namespace
 
+void DropGreyProfile(Metadata *metadata) {
+    if (metadata->profile.size() > 20 && metadata->profile.compare(16, 4, "GRAY") == 0) {
+        metadata->lost.insert(kProfile);
+        metadata->profile.clear();
+    }
+}
+
 MaybeFailure CarryMetadata(const MetadataCarriage &carriage, std::vector<std::string> *lost) {
     ByteFile from;
     ByteFile to;
@@ -94,7 +100,8 @@ MaybeFailure CarryMetadata(const MetadataCarriage &carriage, std::vector<std::st
             metadata.lost.insert(kDamagedMetadata);
         }
         if (reader.container != writer.container) {
-            if (reader.container == Container::tiff || reader.container == Container::webp) {
+            if (reader.container == Container::tiff || reader.container == Container::webp ||
+                reader.container == Container::heif) {
                 TakeOutBlocks(&metadata);
             }
             metadata.lost.insert(metadata.lostElsewhere.begin(), metadata.lostElsewhere.end());

@@ -41,6 +41,7 @@ constexpr char kResolution[] = "resolution";
 constexpr char kProfile[] = "profile";
 constexpr char kComments[] = "comments";
 constexpr char kTexts[] = "texts";
+constexpr char kMirroring[] = "mirroring";
 constexpr char kGamma[] = "gamma";
 constexpr char kFurtherPictures[] = "embedded pictures";
 constexpr char kSegments[] = "application segments";
@@ -67,6 +68,7 @@ struct Metadata {
 };
 
 // These return false for a file of another kind, or damaged beyond reading.
+bool TakeHeif(const ByteFile &file, Metadata *metadata);
 bool TakeJpeg(const ByteFile &file, Metadata *metadata);
 bool TakePng(const ByteFile &file, Metadata *metadata);
 bool TakeTiff(const ByteFile &file, Metadata *metadata);
@@ -75,7 +77,11 @@ bool TakeWebp(const ByteFile &file, Metadata *metadata);
 // For outputs of other kinds: takes out of a TIFF's or WebP's directory what has places of its own there.
 void TakeOutBlocks(Metadata *metadata);
 
+// For outputs whose pixels are RGB, whatever they were.
+void DropGreyProfile(Metadata *metadata);
+
 // These return false, with errno, when the file cannot be written.
+bool PutHeif(Metadata *metadata, ByteFile *file);
 bool PutJpeg(Metadata *metadata, ByteFile *file);
 bool PutPng(Metadata *metadata, ByteFile *file);
 bool PutTiff(Metadata *metadata, ByteFile *file);

@@ -40,23 +40,6 @@ std::string HeaderFor(const WebpChunk &first, uint8_t flags) {
     return {};
 }
 
-// The standard has no place for them, but an EXIF block can hold them as a TIFF does.
-void TakeResourcesIntoExif(Metadata *metadata) {
-    const struct {
-        uint16_t tag;
-        const std::string &bytes;
-        const char *name;
-    } resources[] = {{kTagIPTC, metadata->iptc, kIptcData},
-                     {kTagPhotoshop, metadata->photoshop, kPhotoshopData}};
-    for (const auto &[tag, bytes, name] : resources) {
-        if (!bytes.empty() && metadata->exif.readable) {
-            SetExif(&metadata->exif, BytesEntry(tag, kTiffUndefined, bytes));
-        } else if (!bytes.empty()) {
-            metadata->lost.insert(name);
-        }
-    }
-}
-
 }  // namespace
 
 bool TakeWebp(const ByteFile &file, Metadata *metadata) {
@@ -94,12 +77,7 @@ bool PutWebp(Metadata *metadata, ByteFile *file) {
         TakeResolutionIntoExif(metadata);
         TakeResourcesIntoExif(metadata);
     }
-    // Pixels are RGB here, whatever they were.
-    const bool greyProfile = metadata->profile.size() > 20 && metadata->profile.compare(16, 4, "GRAY") == 0;
-    if (greyProfile) {
-        metadata->lost.insert(kProfile);
-        metadata->profile.clear();
-    }
+    DropGreyProfile(metadata);
     const std::string block = PackExif(metadata, INT32_MAX);
     const struct {
         const char *type;

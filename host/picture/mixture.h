@@ -1,21 +1,36 @@
 // A result that is mixed with the picture that it was made from.
 #pragma once
 
+#include <condition_variable>
 #include <cstdint>
+#include <mutex>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "host/picture/picture.h"
 #include "host/picture/picture_writer.h"
 #include "host/report/failure.h"
 
-// Reads the original once more, row by row.
+// Reads the original once more, strip by strip, on a thread of its own.
 struct Mixture {
     int32_t percent = 100;  // of the result
     Picture original;
-    RowReader reader;
-    Document row;  // one of the original's
-    std::vector<uint8_t> mixed;
-    MaybeFailure failure;  // why the rows ended early
+    Document strip;              // rows of the original
+    std::vector<uint8_t> mixed;  // one row
+    MaybeFailure failure;        // why the rows ended early
+
+    std::thread reading;
+    std::mutex mutex;  // of the strip, the failure, and what follows
+    std::condition_variable changed;
+    int32_t wanted = -1;  // the strip to be read,
+    int32_t read = -1;    // and the one that was read last
+    bool ended = false;
+
+    Mixture() = default;
+    Mixture(const Mixture &) = delete;
+    Mixture &operator=(const Mixture &) = delete;
+    ~Mixture();
 };
 
 // Opens the picture; `percent` is less than 100.

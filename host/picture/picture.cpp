@@ -34,7 +34,7 @@ constexpr double kMaxResolution = 32767;  // what fits in a Fixed
 // The loaders in use, by the library's names. Its other loaders never see untrusted files.
 constexpr std::string_view kLoaders[] = {
     "VipsForeignLoadPngSource",  "VipsForeignLoadJpegSource",  "VipsForeignLoadTiffSource",
-    "VipsForeignLoadWebpSource", "VipsForeignLoadNsgifSource",
+    "VipsForeignLoadWebpSource", "VipsForeignLoadNsgifSource", "VipsForeignLoadHeifSource",
 };
 
 // Header fields, which every image has for itself, and traces of the encoding, which an output must not
@@ -106,7 +106,8 @@ MaybeFailure OpenImage(const std::string &file, OwnedObject<VipsImage> *image) {
     const char *loader = vips_foreign_find_load_source(source.get());
     if (loader == nullptr || !IsAmong(std::begin(kLoaders), std::end(kLoaders), loader)) {
         vips_error_clear();
-        return FileFailure(file, "this is no readable PNG, JPEG, TIFF, WebP, PPM, PAM or GIF picture");
+        return FileFailure(file,
+                           "this is no readable PNG, JPEG, TIFF, WebP, HEIC, AVIF, PPM, PAM or GIF picture");
     }
     image->reset(vips_image_new_from_source(source.get(), "", "access", VIPS_ACCESS_SEQUENTIAL, "fail_on",
                                             VIPS_FAIL_ON_TRUNCATED, nullptr));
@@ -272,8 +273,8 @@ bool IsReadWhole(const Picture &picture) {
         const int64_t rows = std::min<int64_t>(TiffStripRows(picture.file), document.height);
         return rows * RowBytes(document) > kMaxStripBytes;
     }
-    return loader.starts_with("webp") || IntegerField(image, "interlaced") != 0 ||
-           IntegerField(image, "jpeg-multiscan") != 0;
+    return loader.starts_with("webp") || loader.starts_with("heif") ||
+           IntegerField(image, "interlaced") != 0 || IntegerField(image, "jpeg-multiscan") != 0;
 }
 
 int32_t StripHeight(const DocumentShape &document) {

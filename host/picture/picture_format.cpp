@@ -6,9 +6,12 @@
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
+#include <utility>
 
+#include "host/container/container.h"
 #include "host/document/document_mode.h"
 #include "host/picture/netpbm.h"
+#include "host/picture/vips_library.h"
 
 namespace {
 
@@ -74,8 +77,23 @@ int SaveWebp(VipsImage *image, const char *path, const Storage &storage, const S
                          lossless ? 75 : storage.webpQuality, "strip", TRUE, nullptr);
 }
 
+int SaveHeif(VipsImage *image, const char *path, const Storage &storage,
+             VipsForeignHeifCompression compression) {
+    return vips_heifsave(image, path, "compression", compression, "Q", storage.heifQuality, "strip", TRUE,
+                         nullptr);
+}
+
+int SaveHeic(VipsImage *image, const char *path, const Storage &storage, const SaveOptions &) {
+    return SaveHeif(image, path, storage, VIPS_FOREIGN_HEIF_COMPRESSION_HEVC);
+}
+
+int SaveAvif(VipsImage *image, const char *path, const Storage &storage, const SaveOptions &) {
+    return SaveHeif(image, path, storage, VIPS_FOREIGN_HEIF_COMPRESSION_AV1);
+}
+
 constexpr int32_t kMaxJpegSide = 65500;  // the limit of the JPEG library
 constexpr int32_t kMaxWebpSide = 16383;  // WebP stores sides in 14 bits
+constexpr int32_t kMaxHeifSide = 16384;  // what encoders and decoders agree on
 
 // Colour spaces other than grey and RGB.
 constexpr std::string_view kNoOther;
@@ -91,12 +109,14 @@ int SavePamOf(VipsImage *image, const char *path, const Storage &, const SaveOpt
 }
 
 constexpr PictureFormat kFormats[] = {
-    {"PNG", {".png"}, 16, 1, VIPS_MAX_COORD, kNoOther, false, SavePng},
-    {"JPEG", {".jpg", ".jpeg"}, 8, 0, kMaxJpegSide, kAlsoCMYK, false, SaveJpeg},
-    {"TIFF", {".tif", ".tiff"}, 32, kMaxPlanes, VIPS_MAX_COORD, kAlsoLabAndCMYK, false, SaveTiff},
-    {"WebP", {".webp"}, 8, 1, kMaxWebpSide, kNoOther, true, SaveWebp},
-    {"PPM", {".ppm", ".pgm", ".pnm"}, 16, 0, VIPS_MAX_COORD, kNoOther, false, SavePpmOf},
-    {"PAM", {".pam"}, 16, 1, VIPS_MAX_COORD, kNoOther, false, SavePamOf},
+    {"PNG", {".png"}, 16, 1, VIPS_MAX_COORD, kNoOther, false, false, SavePng},
+    {"JPEG", {".jpg", ".jpeg"}, 8, 0, kMaxJpegSide, kAlsoCMYK, false, false, SaveJpeg},
+    {"TIFF", {".tif", ".tiff"}, 32, kMaxPlanes, VIPS_MAX_COORD, kAlsoLabAndCMYK, false, false, SaveTiff},
+    {"WebP", {".webp"}, 8, 1, kMaxWebpSide, kNoOther, true, false, SaveWebp},
+    {"PPM", {".ppm", ".pgm", ".pnm"}, 16, 0, VIPS_MAX_COORD, kNoOther, false, false, SavePpmOf},
+    {"HEIC", {".heic", ".heif"}, 8, 1, kMaxHeifSide, kNoOther, true, true, SaveHeic},
+    {"AVIF", {".avif"}, 8, 1, kMaxHeifSide, kNoOther, true, true, SaveAvif},
+    {"PAM", {".pam"}, 16, 1, VIPS_MAX_COORD, kNoOther, false, false, SavePamOf},
 };
 
 constexpr std::string_view kEverywhere[] = {"grey", "RGB"};
@@ -120,8 +140,9 @@ int32_t LongerSide(const Document &document) {
     return std::max(document.width, document.height);
 }
 
+// Those that not every machine has are not proposed.
 bool Holds(const PictureFormat &format, const Document &document) {
-    return HoldsColors(format, document) && document.depth <= format.maxDepth &&
+    return !format.needsHeif && HoldsColors(format, document) && document.depth <= format.maxDepth &&
            ExtraPlanes(document) <= format.maxExtraPlanes && HoldsKinds(format, document) &&
            LongerSide(document) <= format.maxSide;
 }
@@ -152,6 +173,18 @@ int32_t FormatNamed(const std::string &suffix) {
     return found == std::end(kFormats) ? kFormatOfName : static_cast<int32_t>(found - std::begin(kFormats));
 }
 
+int32_t FormatOfContent(const std::string &file) {
+    constexpr std::pair<Container, const char *> kSuffixes[] = {{Container::png, "png"},
+                                                                {Container::jpeg, "jpg"},
+                                                                {Container::tiff, "tif"},
+                                                                {Container::webp, "webp"}};
+    ByteFile opened;
+    const Container container = OpenForReading(file, &opened) ? ContainerOf(opened) : Container::other;
+    const auto *found = std::find_if(std::begin(kSuffixes), std::end(kSuffixes),
+                                     [=](const auto &known) { return known.first == container; });
+    return found == std::end(kSuffixes) ? kFormatOfName : FormatNamed(found->second);
+}
+
 MaybeFailure FindFormat(const std::string &file, int32_t chosen, const PictureFormat **format) {
     if (chosen != kFormatOfName) {
         *format = &kFormats[chosen];
@@ -161,8 +194,11 @@ MaybeFailure FindFormat(const std::string &file, int32_t chosen, const PictureFo
     const auto *found = std::find_if(std::begin(kFormats), std::end(kFormats),
                                      [&](const PictureFormat &known) { return HasSuffix(known, suffix); });
     if (found == std::end(kFormats)) {
-        return Failure{kExitUsage,
-                       file + ": the output's name must end in .png, .jpg, .tif, .webp, .ppm or .pam."};
+        const char *reason = strcasecmp(suffix.c_str(), ".gif") == 0 ? ": GIF is only read" : "";
+        return Failure{
+            kExitUsage,
+            file + reason +
+                ": the output's name must end in .png, .jpg, .tif, .webp, .heic, .avif, .ppm or .pam."};
     }
     *format = found;
     return std::nullopt;
@@ -176,12 +212,12 @@ bool IsTiff(const std::string &file, int32_t chosen) {
 MaybeFailure CheckChoice(const StorageChoice &choice, const PictureFormat &format, const Storage &storage,
                          const std::string &outputFile) {
     const bool compressed = format.save == SaveTiff;
-    const bool graded = format.save == SaveJpeg || format.save == SaveWebp;
+    const bool graded = format.save == SaveJpeg || format.save == SaveWebp || format.needsHeif;
     if (choice.compression >= 0 && !compressed) {
         return Failure{kExitUsage, outputFile + ": --compression is for TIFF."};
     }
     if (choice.quality > 0 && !graded) {
-        return Failure{kExitUsage, outputFile + ": --quality is for JPEG and WebP."};
+        return Failure{kExitUsage, outputFile + ": --quality is for JPEG, WebP, HEIC and AVIF."};
     }
     if (choice.compression == VIPS_FOREIGN_TIFF_COMPRESSION_CCITTFAX4 && storage.bits != 1) {
         return Failure{kExitUsage, outputFile + ": --compression group4 is for pictures of one bit a pixel."};
@@ -191,6 +227,9 @@ MaybeFailure CheckChoice(const StorageChoice &choice, const PictureFormat &forma
 
 MaybeFailure CheckFormatHolds(const PictureFormat &format, const Document &document,
                               const std::string &inputFile, const std::string &outputFile) {
+    if (format.needsHeif && !HasHeif()) {
+        return FileFailure(outputFile, kNoHeif);
+    }
     const struct {
         bool refused;
         std::string what;

@@ -30,6 +30,7 @@ struct PictureFormat {
     int32_t maxSide;                 // in pixels
     std::string_view furtherSpaces;  // names of the colour spaces it holds besides grey and RGB
     bool writtenWhole;               // the picture library needs all of the picture before it writes
+    bool needsHeif;                  // see vips_library.h
     // Writes pixels without metadata. Returns 0 for success; otherwise the picture library holds the error.
     int (*save)(_VipsImage *image, const char *path, const Storage &storage, const SaveOptions &options);
 };
@@ -39,6 +40,10 @@ MaybeFailure FindFormat(const std::string &file, int32_t chosen, const PictureFo
 
 // That of a suffix without its dot; kFormatOfName for none.
 int32_t FormatNamed(const std::string &suffix);
+
+// That of what the file holds, whatever it is called; kFormatOfName for formats that are told by their names
+// alone.
+int32_t FormatOfContent(const std::string &file);
 
 // Whether an output is a TIFF, which holds several pages.
 bool IsTiff(const std::string &file, int32_t chosen);

@@ -98,8 +98,9 @@ MaybeFailure WritePicture(const Picture &picture, const PictureFormat &format, c
     }
     // The library calls all of a TIFF's extra channels transparency. Other formats have no such thing to
     // change.
-    if (!picture.extraSamples.empty()) {
-        ChangeTiffExtraSamples(path, picture.extraSamples);
-    }
-    return std::nullopt;
+    const bool changes = format.maxExtraPlanes > 1 && !picture.extraSamples.empty();
+    return !changes || ChangeTiffExtraSamples(path, picture.extraSamples)
+               ? std::nullopt
+               : MaybeFailure(
+                     FileFailure(outputFile, "cannot be written: the kinds of its channels do not go in"));
 }

@@ -265,6 +265,7 @@ void Choose(const StorageChoice &choice, Storage *storage) {
     if (choice.quality > 0) {
         storage->jpegQuality = choice.quality;
         storage->webpQuality = choice.quality;
+        storage->heifQuality = choice.quality;
     }
 }
 

@@ -28,6 +28,8 @@ struct Storage {
     bool progressive = false;  // of JPEG,
     bool interlaced = false;   // and of PNG
     int32_t webpQuality = 0;   // 0: without loss
+    // Files do not tell it. Chosen: on noise about as large as cameras make them.
+    int32_t heifQuality = 80;
 };
 
 // That of the file, estimated where the file does not say it. The defaults for what other formats do not

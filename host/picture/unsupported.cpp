@@ -4,7 +4,9 @@
 #include <iterator>
 #include <string_view>
 
+#include "host/container/container.h"
 #include "host/container/tiff_directory.h"
+#include "host/picture/vips_library.h"
 
 namespace {
 
@@ -13,6 +15,8 @@ using namespace std::string_view_literals;
 constexpr const char *kDevelop = "develop it into a 16-bit TIFF first";
 constexpr const char *kToTiff = "convert it to TIFF first";
 constexpr const char *kToPng = "convert it to PNG or TIFF first";
+
+constexpr const char *kJpegXL = "a JPEG XL picture, whose loader in libvips is not for strangers' files";
 
 struct Kind {
     size_t place;
@@ -32,12 +36,8 @@ constexpr Kind kKinds[] = {
     {0, "FOVb"sv, "a camera's raw picture (X3F)", kDevelop},
     {0, "8BPS"sv, "a layered document (PSD)", kToTiff},
     {0, "gimp xcf"sv, "a layered document (XCF)", kToTiff},
-    {4, "ftypheic"sv, "a HEIC picture, for which no codec is used here", kToTiff},
-    {4, "ftypheix"sv, "a HEIC picture, for which no codec is used here", kToTiff},
-    {4, "ftypmif1"sv, "a HEIF picture, for which no codec is used here", kToTiff},
-    {4, "ftypavif"sv, "an AVIF picture, for which no codec is used here", kToTiff},
-    {0, "\xFF\x0A"sv, "a JPEG XL picture, for which no codec is used here", kToTiff},
-    {4, "JXL \r\n"sv, "a JPEG XL picture, for which no codec is used here", kToTiff},
+    {0, "\xFF\x0A"sv, kJpegXL, kToTiff},
+    {4, "JXL \r\n"sv, kJpegXL, kToTiff},
     {4, "jP  \r\n"sv, "a JPEG 2000 picture", kToTiff},
     {0, "\xFF\x4F\xFF\x51"sv, "a JPEG 2000 picture", kToTiff},
     {0, "v/1\1"sv, "an OpenEXR picture", kToTiff},
@@ -89,6 +89,9 @@ std::string WhyUnsupported(const std::string &file) {
     std::string bytes;
     if (!OpenForReading(file, &opened) || !ReadAt(opened, 0, std::min(kStart, opened.size), &bytes)) {
         return {};
+    }
+    if (ContainerOf(opened) == Container::heif && !HasHeif()) {
+        return kNoHeif;
     }
     const auto *kind = std::find_if(std::begin(kKinds), std::end(kKinds), [&](const Kind &known) {
         return bytes.size() > known.place && bytes.compare(known.place, known.bytes.size(), known.bytes) == 0;

@@ -1,9 +1,12 @@
 #include "host/picture/vips_library.h"
 
+#include <dlfcn.h>
+#include <gmodule.h>
 #include <malloc.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <iterator>
 #include <string_view>
 
@@ -23,7 +26,29 @@ constexpr Translation kTranslations[] = {
     {"", "the picture library does not say why"},
     {"libpng read error", "its pixels are damaged or cut short"},
     {"unable to parse image", "it is damaged or cut short"},
+    {"bad seek", "it is damaged or cut short"},
 };
+
+bool KnowsHeif() {
+    return g_type_from_name("VipsForeignLoadHeifSource") != 0 &&
+           g_type_from_name("VipsForeignSaveHeifFile") != 0;
+}
+
+// The library's modules lie in a folder beside it.
+bool LoadModule(const std::string &name) {
+    Dl_info library = {};
+    if (dladdr(reinterpret_cast<const void *>(&vips_version), &library) == 0) {
+        return false;
+    }
+    const std::filesystem::path folder =
+        std::filesystem::path(library.dli_fname).parent_path() /
+        ("vips-modules-" + std::to_string(vips_version(0)) + "." + std::to_string(vips_version(1)));
+    GModule *module = g_module_open((folder / (name + "." G_MODULE_SUFFIX)).c_str(), G_MODULE_BIND_LAZY);
+    if (module != nullptr) {
+        g_module_make_resident(module);
+    }
+    return module != nullptr;
+}
 
 // Warnings about damaged but readable files are nothing that a user can act on.
 void Discard(const gchar *, GLogLevelFlags, const gchar *, gpointer) {}
@@ -45,6 +70,11 @@ bool StartVips(const char *program) {
     return true;
 }
 
+bool HasHeif() {
+    static const bool has = KnowsHeif() || (LoadModule("vips-heif") && KnowsHeif());
+    return has;
+}
+
 std::string TakeVipsError() {
     std::string text = vips_error_buffer();
     vips_error_clear();
@@ -59,7 +89,9 @@ std::string TakeVipsError() {
     while (!text.empty() && (text.back() == '.' || text.back() == ' ')) {
         text.pop_back();
     }
-    const auto *known = std::find_if(std::begin(kTranslations), std::end(kTranslations),
-                                     [&](const Translation &entry) { return entry.said == text; });
+    const auto *known =
+        std::find_if(std::begin(kTranslations), std::end(kTranslations), [&](const Translation &entry) {
+            return entry.said.empty() ? text.empty() : text.starts_with(entry.said);
+        });
     return known == std::end(kTranslations) ? text : std::string(known->meant);
 }

@@ -83,6 +83,9 @@ MaybeFailure MakeFolderOf(const std::string &file) {
 MaybeFailure CheckFile(const FileRequest &request, const FilterSettings &settings, const PluginInfo &plugin,
                        PlannedFile *planned, Picture *picture) {
     planned->task = {request.inputFile, request.outputs, {}, settings};
+    if (request.keepsName) {
+        planned->task.settings.save.format = FormatOfContent(request.inputFile);
+    }
     if (MaybeFailure failure = CheckInput(planned->task, plugin, picture)) {
         return failure;
     }

@@ -16,6 +16,7 @@ struct FileRequest {
     bool inPlace;
     bool makesFolders;                     // those of its outputs, if they are missing
     bool toStandardOutput;                 // the picture itself
+    bool keepsName;                        // the output is called as the input, but for a suffix or a folder
     std::shared_ptr<ScratchFile> spooled;  // where standard input went; null for files
 };
 

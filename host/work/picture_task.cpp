@@ -155,10 +155,18 @@ MaybeFailure FilterToScratch(Run *run, ScratchFile *scratch, Picture *picture) {
     return failure;
 }
 
-std::string WordsOnSettings(const FilterSettings &settings) {
+// The output keeps its input's name, which tells another format than the picture has.
+bool IsMisnamed(const FileTask &task, const PictureFormat &format) {
+    const PictureFormat *named = nullptr;
+    return !FindFormat(task.outputs[kPictureOutput], kFormatOfName, &named) && named != &format;
+}
+
+std::string WordsOnSettings(const FilterSettings &settings, int32_t radius) {
     const FilterOrders &orders = settings.orders;
-    const bool remembered = orders.user == DialogUser::nobody && orders.action.items.empty();
-    return std::string(remembered ? ", as last time" : "") +
+    const bool given = orders.user != DialogUser::nobody || !orders.action.items.empty();
+    return std::string(given                           ? ""
+                       : settings.lastRadius == radius ? ", as last time"
+                                                       : ", the default") +
            (settings.passes > 1 ? ", " + std::to_string(settings.passes) + " passes" : "") +
            (settings.amount < 100 ? ", " + std::to_string(settings.amount) + " %" : "");
 }
@@ -223,7 +231,9 @@ MaybeFailure DoPicture(const FileTask &task, const FilterPlace &place, const Wat
         return failure;
     }
     *report = ReportOn(*picture, run.recorded, *format, lost);
-    report->further = WordsOnSettings(task.settings);
+    report->further =
+        (IsMisnamed(task, *format) ? std::string(", ") + format->name + " in spite of its name" : "") +
+        WordsOnSettings(task.settings, report->radius);
     return std::nullopt;
 }
 

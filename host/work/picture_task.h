@@ -27,8 +27,9 @@ struct FilterSettings {
     std::optional<SampleRange> range;      // of floats
     std::optional<int32_t> maxMegapixels;  // without one, as below
     int32_t passes = 1;
-    int32_t amount = 100;            // percent of the result, of which the input is the rest
-    std::optional<PageRange> pages;  // of a stack; without one, all
+    int32_t amount = 100;               // percent of the result, of which the input is the rest
+    std::optional<PageRange> pages;     // of a stack; without one, all
+    std::optional<int32_t> lastRadius;  // before the first of all pictures
 };
 
 // A streamed picture's size takes no memory; some pictures have to be held whole. Chosen: 6 GB for both

@@ -39,7 +39,8 @@ bool TakeTask(std::string_view *packed, FileTask *task) {
            TakeText(packed, &selection->maskFile) && TakeRecord(packed, &selection->rect) &&
            TakeRecord(packed, &task->settings.save) && TakeRecord(packed, &task->settings.range) &&
            TakeRecord(packed, &task->settings.maxMegapixels) && TakeRecord(packed, &task->settings.pages) &&
-           TakeRecord(packed, &task->settings.passes) && TakeRecord(packed, &task->settings.amount);
+           TakeRecord(packed, &task->settings.passes) && TakeRecord(packed, &task->settings.amount) &&
+           TakeRecord(packed, &task->settings.lastRadius);
 }
 
 bool TakeBand(std::string_view *packed, BandJob *job) {
@@ -104,6 +105,7 @@ std::string PackFileJob(const std::string &pluginFolder, const FileTask &task) {
     AppendRecord(&packed, task.settings.pages);
     AppendRecord(&packed, task.settings.passes);
     AppendRecord(&packed, task.settings.amount);
+    AppendRecord(&packed, task.settings.lastRadius);
     return packed;
 }
 

@@ -14,6 +14,7 @@
 #include "platform/qt/accessible_names.h"
 #include "platform/qt/bar_widgets.h"
 #include "platform/qt/item_widgets.h"
+#include "platform/qt/number_field.h"
 #include "platform/qt/rectangles.h"
 #include "platform/qt/window_picture.h"
 
@@ -96,7 +97,7 @@ bool WatchWindow(DialogWindow *shown, QEvent *event) {
             event->ignore();
             return true;
         default:
-            return false;
+            return qt::PanPicture(shown, event);
     }
 }
 
@@ -113,6 +114,11 @@ void WatchField(DialogWindow *shown, QLineEdit *field, const QEvent &event) {
         case QEvent::FocusOut:
             shown->selectionStart = field->selectionStart();
             shown->selectionLength = field->selectionLength();
+            if (static_cast<const QFocusEvent &>(event).reason() != Qt::ActiveWindowFocusReason &&
+                qt::SettleNumber(shown, *field)) {
+                shown->selectionStart = 0;
+                shown->selectionLength = field->maxLength();
+            }
             break;
         default:
             break;
@@ -138,7 +144,9 @@ class Watcher : public QObject {
         }
         if (event->type() == QEvent::KeyPress) {
             auto *key = static_cast<QKeyEvent *>(event);
-            if (PressButtonKey(shown, *key) || TypeIntoField(shown, key)) {
+            const auto *field = qobject_cast<QLineEdit *>(receiver);
+            if (PressButtonKey(shown, *key) || TypeIntoField(shown, key) ||
+                (field != nullptr && qt::StepNumber(shown, *field, key->key()))) {
                 return true;
             }
         }
@@ -178,6 +186,7 @@ std::unique_ptr<DialogWindow> qt::MakeDialogWindow(DialogRecord *dialog) {
     window->setFixedSize(contents.size());
     // move() would position the window's frame.
     window->setGeometry(contents);
+    window->setMouseTracking(true);
     window->installEventFilter(shown->watcher.get());
     MakeItemWidgets(shown.get());
     return shown;

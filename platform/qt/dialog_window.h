@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/internal/dialog_model.h"
+#include "platform/qt/picture_panning.h"
 #include "platform/qt/user_input.h"
 
 namespace qt {
@@ -23,6 +24,7 @@ struct DialogWindow {
     std::vector<QWidget *> items;      // null for items without a widget
     std::vector<BarWidget> bars;
     UserInput input;
+    PictureGrip grip;
     int32_t selectionCount;   // the model's count when its selection was last shown
     int selectionStart = -1;  // the field's, when it lost the focus; -1 for none
     int selectionLength;

@@ -66,6 +66,11 @@ bool qt::HoldBack(UserInput *input, const QEvent &event) {
         input->held.back().type == QEvent::MouseButtonPress) {
         input->held.pop_back();
     }
+    // Of the places on the mouse's way only the last counts, or a drag would lag behind the hand.
+    if (event.type() == QEvent::MouseMove && !input->held.empty() &&
+        input->held.back().type == QEvent::MouseMove) {
+        input->held.pop_back();
+    }
     input->held.push_back({event.type(), DeliveryOf(event)});
     return true;
 }

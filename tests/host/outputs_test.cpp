@@ -136,6 +136,17 @@ TEST_F(Program, FullDisksLeaveNothing) {
     }
     EXPECT_EQ(Wait(Start({"in.tif", "two.tif", "-o", "out", "-j", "2"})).status, 1);
     EXPECT_TRUE(fs::is_empty(folder / "out"));
+    fileSizeLimit = 0;
+    WriteNoise("large.png", 800, 600, 3);
+    fileSizeLimit = 300'000;
+    for (const char *option : {"--amount=50", "--passes=2"}) {
+        for (const char *name : {"out/new.png", "out/new.pam", "out/new.tif"}) {
+            const Ended ended = Wait(Start({"large.png", "-o", name, "-r", "1", "-j", "1", option}));
+            EXPECT_EQ(ended.status, 1) << option << name;
+            ExpectOneSentence(ended, std::string(name) + ": cannot be written: File too large.");
+            EXPECT_TRUE(fs::is_empty(folder / "out"));
+        }
+    }
 }
 
 }  // namespace

@@ -46,7 +46,7 @@ TEST_F(Surroundings, LockedPreferencesAreDoneWithout) {
     EXPECT_TRUE(IsLocked(preferences)) << "it was waited for until it was let go";
     EXPECT_EQ(ended.status, 0);
     EXPECT_EQ(ended.err, "");
-    EXPECT_NE(ended.out.find("radius 1"), std::string::npos) << ended.out;
+    EXPECT_NE(ended.out.find("radius 1, the default"), std::string::npos) << ended.out;
     EXPECT_EQ(ContentsOf(preferences), remembered);
 }
 

@@ -7,12 +7,19 @@ namespace {
 
 TEST_F(Program, FailsWithOneSentenceOverOptions) {
     WriteNoise("good.png", 40, 30, 3);
+    WriteNoise("-good.png", 40, 30, 3);
+    WriteNoise("still.gif", 40, 30, 3);
     WriteBytes("good.json", "{}");
     ExpectRefusals({
         {"", 2, "--help"},
         {"good.png", 2, "good.png"},
         {"--worker", 2, "--worker"},
         {"good.png -o new.png --raduis 2", 2, "--raduis; did you mean --radius?"},
+        {"good.png --out new.png", 2, "--out; did you mean --output?"},
+        {"good.png -o new.png -radius 2", 2, "did you mean --radius?"},
+        {"good.png -o new.png --sharpen 2", 2, "not expected: --sharpen; 'hymedian --help'"},
+        {"-good.png -o new.png", 2, "the file of that name is ./-good.png;"},
+        {"still.gif --in-place", 2, "GIF is only read"},
         {"good.png -o new.png -r 0.5", 2, "radius"},
         {"good.png -o new.png -r 6.01", 2, "radius can be any number from 1 to 6;"},
         {"good.png -o new.png -r nan", 2, "radius"},
@@ -63,17 +70,47 @@ TEST_F(Program, TellsOtherProgramsInJson) {
     WriteNoise("a.png", 40, 30, 3);
     WriteBytes("b.png", "no picture");
     std::filesystem::create_directory(folder / "out");
-    const Ended ended = Wait(Start({"a.png", "b.png", "-o", "out", "-r", "2.9", "--json", "-j", "1"}));
+    const Ended ended = Wait(Start({"a.png", "b.png", "-o", "out", "-r", "3.9", "--json", "-j", "1"}));
     EXPECT_EQ(ended.status, 1);
     EXPECT_TRUE(std::regex_match(
         ended.out,
         std::regex(R"(\{"input":"a.png","output":"out/a.png","mode":"RGB","width":40,"height":30,"depth":8,)"
-                   R"("pages":1,"radius":2,"seconds":[0-9.e-]+,"lost":\[\]\}\n)"
+                   R"("pages":1,"radius":3,"seconds":[0-9.e-]+,"lost":\[\]\}\n)"
                    R"(\{"input":"b.png","output":"out/b.png","error":"b.png: this is no [^"]*"\}\n)")))
         << ended.out;
-    // The same again, without a radius.
-    const Ended again = Wait(Start({"a.png", "-o", "out", "-f"}));
-    EXPECT_NE(again.out.find(", radius 2, as last time, "), std::string::npos) << again.out;
+    EXPECT_NE(Wait(Start({"a.png", "-o", "a.ppm", "--json"})).out.find(R"("lost":["resolution"])"),
+              std::string::npos);
+    // The same again, without a radius, and as the first run of all.
+    for (const char *words : {", radius 3, as last time, ", ", radius 1, the default, "}) {
+        const Ended again = Wait(Start({"a.png", "-o", "out", "-f"}));
+        EXPECT_NE(again.out.find(words), std::string::npos) << again.out;
+        std::filesystem::remove_all(output / "preferences");
+    }
+}
+
+TEST_F(Program, PicturesThatKeepTheirNamesKeepTheirFormats) {
+    std::filesystem::create_directory(folder / "out");
+    WriteNoise("right.png", 40, 30, 3);
+    for (const char *name : {"wrong.jpg", "none"}) {
+        std::filesystem::copy_file(folder / "right.png", folder / name);
+    }
+    const struct {
+        std::vector<std::string> arguments;
+        const char *output, *start;
+        bool told;
+    } cases[] = {
+        {{"wrong.jpg", "-o", "out"}, "out/wrong.jpg", "\x89PNG", true},
+        {{"wrong.jpg", "-o", "new.jpg"}, "new.jpg", "\xFF\xD8", false},
+        {{"right.png", "-o", "out"}, "out/right.png", "\x89PNG", false},
+        {{"none", "--suffix=-a"}, "none-a", "\x89PNG", false},
+        {{"none", "--in-place"}, "none", "\x89PNG", false},
+    };
+    for (const auto &test : cases) {
+        const Ended ended = Wait(Start(test.arguments));
+        EXPECT_EQ(ended.status, 0) << ended.err;
+        EXPECT_TRUE(ContentsOf(folder / test.output).starts_with(test.start)) << test.output;
+        EXPECT_EQ(ended.out.find(", PNG in spite of its name") != std::string::npos, test.told) << ended.out;
+    }
 }
 
 TEST_F(Program, ADryRunWritesNothing) {

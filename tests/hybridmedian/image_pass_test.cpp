@@ -1,4 +1,5 @@
 // Compares the pass over a working image with the filter on the same image without a border.
+#include "hybridmedian/public.h"
 #include "settings/setting_registry.h"
 #include "tests/support/filtered_image.h"
 #include "tests/support/scratch_folder.h"

@@ -5,6 +5,7 @@
 #include <sys/resource.h>
 
 #include "host/container/byte_order.h"
+#include "host/container/heif_boxes.h"
 #include "host/container/jpeg_segments.h"
 #include "host/container/maker_note.h"
 #include "host/container/png_chunks.h"
@@ -17,6 +18,11 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace std::string_literals;
+
+struct Freed {
+    void operator()(void *memory) const { g_free(memory); }
+};
+using OwnedMemory = std::unique_ptr<void, Freed>;
 
 class MetadataFile : public HostTest {
   protected:
@@ -217,6 +223,84 @@ TEST_F(MetadataFile, GoesFromFormatToFormat) {
     EXPECT_EQ(readIptc, iptc);
 }
 
+// Pixels stay as they were stored, and a property turns them.
+TEST_F(MetadataFile, HeifTakesAllBlocksAndGivesThemBack) {
+    if (!HasHeif()) {
+        GTEST_SKIP() << "libvips has no module for it";
+    }
+    const std::string exif = PackBlock(SomeDirectory(), nullptr, true);
+    const std::string xmp = "<x:xmpmeta xmlns:x='adobe:ns:meta/'/>";
+    const std::string profile = std::string(16, 'p') + "RGB " + std::string(9000, 'q');
+    WriteJpeg("a.jpg", {{kJpegApp1, "Exif\0\0"s + exif},
+                        {kJpegApp1, "http://ns.adobe.com/xap/1.0/\0"s + xmp},
+                        {kJpegApp2, "ICC_PROFILE\0\1\1"s + profile}});
+    for (const std::string name : {"b.heic", "b.avif"}) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(Carry("a.jpg", name), "");
+        HeifMetadata read;
+        {
+            ByteFile file;
+            ASSERT_TRUE(OpenForReading(Path(name), &file) && ReadHeifMetadata(file, &read));
+        }
+        EXPECT_EQ(read.exif, exif);
+        EXPECT_EQ(read.xmp, xmp);
+        EXPECT_EQ(read.profile, profile);
+        const OwnedObject<VipsImage> image(vips_image_new_from_file(Path(name).c_str(), nullptr));
+        size_t size = 0;
+        const OwnedMemory pixels(vips_image_write_to_memory(image.get(), &size));
+        EXPECT_EQ(vips_image_get_width(image.get()), 18) << "it is not turned";
+        EXPECT_NE(ContentsOf(folder / name).find("irot\3"s), std::string::npos)
+            << "three quarters to the left";
+        EXPECT_EQ(size, 24u * 18 * 3) << TakeVipsError();
+        // What is read turned already does not say so again.
+        fs::remove(folder / "c.tif");
+        EXPECT_EQ(Carry(name, "c.tif"), "");
+        const TiffDirectory directory = DirectoryOf("c.tif");
+        EXPECT_EQ(NumberOf(directory, kTagOrientation, 0), 1u);
+        EXPECT_EQ(FindEntry(directory, 271)->bytes, "Acme\0"s);
+        EXPECT_EQ(FindEntry(directory, kTagXMP)->bytes, xmp);
+        EXPECT_EQ(FindEntry(directory, kTagProfile)->bytes, profile);
+        // A file that ends anywhere, or is wrong anywhere, is read without harm.
+        const std::string whole = ContentsOf(folder / name);
+        for (size_t i = 0; i < whole.size(); i += i < 800 ? 1 : 97) {
+            std::string bad = whole;
+            bad[i] = static_cast<char>(bad[i] ^ 0x88);
+            for (const std::string &bytes : {whole.substr(0, i), bad}) {
+                WriteBytes("bad", bytes);
+                ByteFile damaged;
+                HeifMetadata ignored;
+                ASSERT_TRUE(OpenForPatching(Path("bad"), &damaged));
+                ReadHeifMetadata(damaged, &ignored);
+                AddHeifMetadata(read, &damaged);
+            }
+        }
+    }
+    // Places of a thousand items, each in 65535 parts of no bytes.
+    const std::string places = "\0\0\0\0\0\0\3\xE8"s + [] {
+        std::string items;
+        for (int i = 0; i < 1000; ++i) {
+            items += "\0\1\0\0\xFF\xFF"s;
+        }
+        return items;
+    }();
+    const std::string boxes = NumberBytes(8 + places.size(), 4, true) + "iloc" + places;
+    const std::string entry = "\0\0\0\x15infe\2\0\0\0\0\1\0\0Exif\0"s;
+    const std::string list = NumberBytes(14 + entry.size(), 4, true) + "iinf\0\0\0\0\0\1"s + entry;
+    WriteBytes("parts.heic",
+               NumberBytes(12 + boxes.size() + list.size(), 4, true) + "meta\0\0\0\0"s + boxes + list);
+    rusage before = {}, after = {};
+    getrusage(RUSAGE_SELF, &before);
+    ByteFile parts;
+    HeifMetadata none;
+    EXPECT_TRUE(OpenForReading(Path("parts.heic"), &parts) && ReadHeifMetadata(parts, &none));
+    getrusage(RUSAGE_SELF, &after);
+    EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 64 << 10);
+    WriteJpeg("m.jpg",
+              {{kJpegApp1, "Exif\0\0"s + PackBlock({{NumbersEntry(kTagOrientation, kTiffShort, {2})}},
+                                                   nullptr, false)}});
+    EXPECT_EQ(Carry("m.jpg", "m.heic"), " (it keeps no mirroring)");
+}
+
 TEST_F(MetadataFile, DamageStopsNothing) {
     const std::string block = PackBlock(SomeDirectory(), nullptr, false);
     const struct {
@@ -300,6 +384,13 @@ TEST_F(MetadataFile, PngsChunksStayInOrder) {
     EXPECT_EQ(types, "IHDR gAMA pHYs tEXt eXIf vpAg zTXt ");
     EXPECT_EQ(Carry("in.png", "out.jpg"), " (it keeps no texts)");
     EXPECT_EQ(SegmentsOf("out.jpg").at(2).bytes, "packed");
+    // Some programs count the zero behind a comment.
+    WriteJpeg("c.jpg", {{kJpegComment, "said\0"s}});
+    EXPECT_EQ(Carry("c.jpg", "c.png"), "");
+    EXPECT_EQ(Carry("c.png", "d.jpg"), "");
+    const std::vector<JpegSegment> segments = SegmentsOf("d.jpg");
+    EXPECT_TRUE(std::any_of(segments.begin(), segments.end(),
+                            [](const JpegSegment &segment) { return segment.bytes == "said"; }));
 }
 
 TEST_F(MetadataFile, HeadsGrowAndShrinkInPlace) {

@@ -84,6 +84,25 @@ TEST_F(PictureFile, SamplesComeBackAsTheyWere) {
     }
 }
 
+TEST_F(PictureFile, HeadersOfNetpbmNameTheKind) {
+    const struct {
+        int16_t mode;
+        int32_t planes;
+        const char *file, *named;
+    } cases[] = {
+        {plugInModeGrayScale, 1, "a.pam", "TUPLTYPE GRAYSCALE\n"},
+        {plugInModeGray16, 2, "b.pam", "TUPLTYPE GRAYSCALE_ALPHA\n"},
+        {plugInModeRGB48, 3, "c.pam", "MAXVAL 65535\nTUPLTYPE RGB\n"},
+        {plugInModeRGBColor, 4, "d.pam", "MAXVAL 255\nTUPLTYPE RGB_ALPHA\n"},
+        {plugInModeGray16, 1, "a.pgm", "P5\n30 70\n65535\n"},
+        {plugInModeRGBColor, 3, "a.ppm", "P6\n30 70\n255\n"},
+    };
+    for (const auto &test : cases) {
+        ASSERT_EQ(Write(MakePicture(test.mode, test.planes), test.file), "");
+        EXPECT_NE(ContentsOf(folder / test.file).find(test.named), std::string::npos) << test.named;
+    }
+}
+
 // Some writers call all samples of Lab signed.
 TEST_F(PictureFile, LabIsReadBitForBitWhateverItsSamplesAreCalled) {
     constexpr int16_t kSamples[] = {0, 0, 0, 32767, 32767, -32768, 12345, -1, 1};
@@ -155,6 +174,13 @@ TEST_F(PictureFile, NothingIsCutToFitAFormat) {
         EXPECT_EQ(sentence.find("in: "), 0U) << sentence;
     }
     EXPECT_EQ(FileCount(), 0U);
+}
+
+TEST_F(PictureFile, KindsOfChannelsThatDoNotGoInAreAFailure) {
+    Picture picture = MakePicture(plugInModeRGBColor, 4);
+    EXPECT_EQ(Write(picture, "a.tif"), "");
+    picture.extraSamples.push_back(kUnspecifiedExtra);
+    EXPECT_NE(Write(picture, "b.tif").find("kinds of its channels"), std::string::npos);
 }
 
 TEST_F(PictureFile, CancelStopsReadingAndMissingRowsStopWriting) {

@@ -162,7 +162,7 @@ TEST_F(StoredPicture, ChoicesGoFirst) {
     ExpectRefusals({
         {"grey.tif -o new.tif --compression group4", 2, "one bit a pixel"},
         {"grey.tif -o new.png --compression lzw", 2, "is for TIFF"},
-        {"grey.tif -o new.png --quality 50", 2, "is for JPEG and WebP"},
+        {"grey.tif -o new.png --quality 50", 2, "is for JPEG, WebP, HEIC and AVIF"},
         {"grey.tif -o new.tif --compression zap", 2, "none, lzw, zip"},
         {"grey.tif -o new.jpg --quality 101", 2, "--quality"},
     });

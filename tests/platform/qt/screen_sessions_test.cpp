@@ -1,0 +1,264 @@
+// Real keys and clicks in the dialog's window give the same results as the same session from a script.
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QWheelEvent>
+#include <QWindow>
+
+#include "tests/platform/qt/screen_dialog_fixture.h"
+
+namespace {
+
+using user::Click;
+using user::Key;
+using user::MoveThumb;
+using user::Press;
+
+int32_t hostNullEvents;
+
+TEST_F(ScreenDialog, GivesWhatTheScriptGives) {
+    const struct {
+        float radius;
+        std::vector<UserAction> actions;
+    } sessions[] = {
+        {2.5f, {Click(kOKItem)}},
+        {2.5f, {Press(kRadiusBarItem, kDownArrow), Click(kOKItem)}},
+        {2.5f,
+         {Press(kRadiusBarItem, kUp), Press(kRadiusBarItem, kPageDown), Press(kRadiusBarItem, kPageDown),
+          Press(kRadiusBarItem, kPageUp), Key(kReturn)}},
+        {2, {MoveThumb(kRadiusBarItem, 5), Key(kEnter)}},
+        {2.5f, {Click(kPlusItem), Click(kOKItem)}},
+        {3, {Key('1'), Key('2'), Click(kOKItem)}},
+        {3, {Key('-'), Key('3'), Click(kOKItem)}},
+        {3, {Key(kBackspace), Click(kOKItem)}},
+        {3, {Key('4'), Key('2'), Click(kMinusItem), Key('2'), Key(kReturn)}},
+        {3, {Click(kRadiusFieldItem), Key(kReturn)}},
+        {3, {Click(kPreviewCheckBoxItem), Key('5'), Click(kOKItem)}},
+        {3, {Click(kPreviewCheckBoxItem), Key(' '), Click(kOKItem)}},
+        {3,
+         {Click(kRadiusFieldItem), Click(kPreviewCheckBoxItem), Key('1'), Key(kBackspace), Click(kOKItem)}},
+        {3,
+         {Click(4), Click(kPreviewItem), Click(kPreviewCheckBoxItem), Click(kPreviewCheckBoxItem),
+          Click(kOKItem)}},
+        {1,
+         {Press(kHorizontalBarItem, kPageDown), Press(kHorizontalBarItem, kPageDown),
+          Press(kVerticalBarItem, kPageDown), Press(kVerticalBarItem, kPageDown), Click(kOKItem)}},
+        {1,
+         {Press(kHorizontalBarItem, kUp), Press(kVerticalBarItem, kDownArrow),
+          Press(kHorizontalBarItem, kPageUp), Click(kOKItem)}},
+        {1, {MoveThumb(kHorizontalBarItem, 150), Press(kHorizontalBarItem, kDownArrow), Click(kOKItem)}},
+        {1,
+         {MoveThumb(kHorizontalBarItem, 150), Press(kHorizontalBarItem, kUp), MoveThumb(kVerticalBarItem, 0),
+          Click(kOKItem)}},
+        {3, {Key('5'), Key(kEscape)}},
+        {3, {Key('5'), Click(kCancelItem)}},
+    };
+    for (const auto &session : sessions) {
+        SCOPED_TRACE(testing::Message() << "session " << &session - sessions);
+        const DialogOutcome scripted = Run(image, session.radius, session.actions);
+        const DialogOutcome shown = RunOnScreen(image, session.radius, StepsOf(session.actions));
+        EXPECT_EQ(shown.result, scripted.result);
+        EXPECT_EQ(shown.stored, scripted.stored);
+        EXPECT_EQ(shown.rebuilds, scripted.rebuilds);
+        ASSERT_EQ(shown.states.size(), scripted.states.size());
+        for (size_t i = 0; i < shown.states.size(); ++i) {
+            EXPECT_EQ(shown.states[i].values, scripted.states[i].values) << "before action " << i;
+            EXPECT_EQ(shown.states[i].picture, scripted.states[i].picture) << "before action " << i;
+            EXPECT_EQ(shown.states[i].texts[kRadiusFieldItem - 1].characters,
+                      scripted.states[i].texts[kRadiusFieldItem - 1].characters);
+        }
+    }
+}
+
+TEST_F(ScreenDialog, ClosingTheWindowCancels) {
+    const DialogOutcome outcome = RunOnScreen(image, 3, {[](QDialog *window) { window->close(); }});
+    EXPECT_EQ(outcome.result, userCanceledErr);
+    EXPECT_EQ(outcome.stored, 3);
+}
+
+// Input that arrives faster than the preview is built waits its turn, in order.
+TEST_F(ScreenDialog, FastHandsLoseNothing) {
+    const Step wheel = [](QDialog *window) {
+        for (const int16_t item :
+             {kHorizontalBarItem, kHorizontalBarItem, kHorizontalBarItem, kVerticalBarItem}) {
+            const QPoint place = CenterOf(item);
+            QWheelEvent tick(place, window->mapToGlobal(place), {}, {0, -120}, {}, {}, Qt::NoScrollPhase,
+                             false);
+            QCoreApplication::sendEvent(window->windowHandle(), &tick);
+        }
+        ClickAt(window, CenterOf(kPlusItem));
+    };
+    const Step roll = [](QDialog *window) {
+        for (const Qt::KeyboardModifiers keys : {Qt::NoModifier, Qt::ShiftModifier, Qt::ShiftModifier}) {
+            const QPoint place = CenterOf(kPreviewItem);
+            QWheelEvent notch(place, window->mapToGlobal(place), {}, {0, -120}, {}, keys, Qt::NoScrollPhase,
+                              false);
+            QCoreApplication::sendEvent(window->windowHandle(), &notch);
+        }
+    };
+    // Only the last of the places counts that come while the first one is shown.
+    const Step drag = [](QDialog *window) {
+        const QPoint place = CenterOf(kPreviewItem);
+        QTest::mousePress(window->windowHandle(), Qt::LeftButton, {}, place);
+        for (const QPoint way : {QPoint(-10, 5), QPoint(40, 20), QPoint(-30, 100)}) {
+            QTest::mouseMove(window->windowHandle(), place + way);
+        }
+        QTest::mouseRelease(window->windowHandle(), Qt::LeftButton, {}, place + QPoint(-30, 100));
+        QTest::mouseMove(window->windowHandle(), place);
+    };
+    const Step arrows = [](QDialog *window) {
+        for (const Qt::Key key : {Qt::Key_Up, Qt::Key_Up, Qt::Key_Down, Qt::Key_Up}) {
+            QTest::keyClick(window->windowHandle(), key);
+        }
+    };
+    const Step doubleClickField = [](QDialog *window) {
+        QTest::mouseDClick(window->windowHandle(), Qt::LeftButton, {}, CenterOf(kRadiusFieldItem));
+        PressKey(window, '5');
+    };
+    const Step doubleClickArrow = [](QDialog *window) {
+        const auto *bar = qobject_cast<QScrollBar *>(WidgetOf(window, kHorizontalBarItem));
+        QTest::mouseDClick(window->windowHandle(), Qt::LeftButton, {},
+                           PlaceOf(*bar, QStyle::SC_ScrollBarAddLine).center());
+    };
+    const std::vector<UserAction> various = {
+        Key('4'), Key('2'), Click(kMinusItem), Key('2'), Press(kHorizontalBarItem, kUp), Click(kPlusItem)};
+    const Step allOfThem = [&](QDialog *window) {
+        for (const UserAction &action : various) {
+            Perform(window, action);
+        }
+    };
+    const struct {
+        Step burst;
+        std::vector<UserAction> actions;  // the equivalent actions
+    } cases[] = {
+        {allOfThem, various},
+        {doubleClickArrow, {Press(kHorizontalBarItem, kDownArrow), Press(kHorizontalBarItem, kDownArrow)}},
+        {doubleClickField, {Click(kRadiusFieldItem), user::DoubleClick(kRadiusFieldItem), Key('5')}},
+        {wheel,
+         {MoveThumb(kHorizontalBarItem, 78), MoveThumb(kHorizontalBarItem, 81),
+          MoveThumb(kHorizontalBarItem, 84), MoveThumb(kVerticalBarItem, 53), Click(kPlusItem)}},
+        {roll,
+         {MoveThumb(kVerticalBarItem, 60), MoveThumb(kHorizontalBarItem, 88),
+          MoveThumb(kHorizontalBarItem, 101)}},
+        {drag,
+         {MoveThumb(kHorizontalBarItem, 85), MoveThumb(kVerticalBarItem, 45),
+          MoveThumb(kHorizontalBarItem, 105), MoveThumb(kVerticalBarItem, 0)}},
+        {arrows,
+         {Press(kRadiusBarItem, kDownArrow), Press(kRadiusBarItem, kDownArrow), Press(kRadiusBarItem, kUp),
+          Press(kRadiusBarItem, kDownArrow)}},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(testing::Message() << "case " << &c - cases);
+        std::vector<UserAction> actions = c.actions;
+        actions.push_back(Key(kReturn));
+        const DialogOutcome slow = Run(image, 3, actions);
+        const DialogOutcome fast = RunOnScreen(image, 3, {c.burst, StepsOf({Key(kReturn)})[0]});
+        EXPECT_EQ(fast.stored, slow.stored);
+        EXPECT_EQ(fast.rebuilds, slow.rebuilds);
+        EXPECT_EQ(fast.Field(), slow.Field());
+        EXPECT_EQ(fast.Last().values, slow.Last().values);
+    }
+}
+
+TEST_F(ScreenDialog, TheFieldShowsWhatAppliesWhenItIsLeft) {
+    const struct {
+        std::vector<UserAction> typed;
+        const char *shown;
+    } cases[] = {{{}, "2"},
+                 {{Key('4')}, "4"},
+                 {{Key('1'), Key('2')}, "6"},
+                 {{Key('-'), Key('3')}, "1"},
+                 {{Key(kBackspace)}, "1"}};
+    for (const auto &test : cases) {
+        SCOPED_TRACE(test.shown);
+        std::vector<Step> steps = StepsOf(test.typed);
+        steps.emplace_back([](QDialog *window) { QTest::keyClick(window->windowHandle(), Qt::Key_Tab); });
+        steps.emplace_back([&](QDialog *window) {
+            const auto *field = qobject_cast<QLineEdit *>(WidgetOf(window, kRadiusFieldItem));
+            EXPECT_EQ(field->text().toStdString(), test.shown);
+            EXPECT_NE(window->focusWidget(), field);
+            PressKey(window, kReturn);
+        });
+        const DialogOutcome outcome = RunOnScreen(image, 2.5f, steps);
+        // A fraction stays until the number is changed.
+        EXPECT_EQ(outcome.stored, test.typed.empty() ? 2.5f : std::stof(test.shown));
+    }
+    const auto leave = [](QDialog *window) { QTest::keyClick(window->windowHandle(), Qt::Key_Tab); };
+    EXPECT_EQ(RunOnScreen(image, 3,
+                          {StepsOf({Key('9')})[0], leave, StepsOf({Key('2')})[0], StepsOf({Key(kReturn)})[0]})
+                  .stored,
+              2);
+}
+
+TEST_F(ScreenDialog, KeysMeanTheSameWhereverTheFocusIs) {
+    const struct {
+        Qt::Key key;
+        Qt::KeyboardModifiers modifiers;
+        OSErr result;
+    } ends[] = {
+        {Qt::Key_Return, Qt::NoModifier, noErr},
+        {Qt::Key_Enter, Qt::KeypadModifier, noErr},
+        {Qt::Key_Escape, Qt::NoModifier, userCanceledErr},
+        {Qt::Key_Period, Qt::ControlModifier, userCanceledErr},
+    };
+    constexpr int kStops = 6;
+    for (int tabs = 0; tabs < kStops; ++tabs) {
+        const Step go = [=](QDialog *window) {
+            for (int i = 0; i < tabs; ++i) {
+                QTest::keyClick(window->windowHandle(), Qt::Key_Tab);
+            }
+        };
+        for (const auto &end : ends) {
+            SCOPED_TRACE(testing::Message() << tabs << " tabs, key " << end.key);
+            const Step type = [&](QDialog *window) {
+                go(window);
+                PressKey(window, '5');
+            };
+            const Step finish = [&](QDialog *window) {
+                go(window);
+                EXPECT_TRUE(qobject_cast<QPushButton *>(WidgetOf(window, kOKItem))->isDefault());
+                // On some desktops Return presses a focused button.
+                for (QPushButton *button : window->findChildren<QPushButton *>()) {
+                    button->setAutoDefault(true);
+                }
+                QTest::keyClick(window->windowHandle(), end.key, end.modifiers);
+            };
+            const DialogOutcome outcome = RunOnScreen(image, 3, {type, finish});
+            EXPECT_EQ(outcome.Field(), "5");
+            EXPECT_EQ(outcome.result, end.result);
+        }
+    }
+    // But space presses the focused widget.
+    const Step press = [](QDialog *window) {
+        QTest::keyClick(window->windowHandle(), Qt::Key_Backtab);
+        QTest::keyClick(window->windowHandle(), Qt::Key_Space);
+    };
+    EXPECT_EQ(RunOnScreen(image, 3, {press, StepsOf({Click(kOKItem)})[0]}).Value(kPreviewCheckBoxItem), 0);
+}
+
+TEST_F(ScreenDialog, AHeldArrowStepsOnce) {
+    const Step press = [](QDialog *window) {
+        const auto *bar = qobject_cast<QScrollBar *>(WidgetOf(window, kHorizontalBarItem));
+        QTest::mousePress(window->windowHandle(), Qt::LeftButton, {},
+                          PlaceOf(*bar, QStyle::SC_ScrollBarAddLine).center());
+    };
+    // Qt's auto-repeat would start after half a second.
+    const Step wait = [](QDialog *) { QTest::qWait(700); };
+    const Step release = [](QDialog *window) {
+        QTest::mouseRelease(window->windowHandle(), Qt::LeftButton, {}, CenterOf(kHorizontalBarItem));
+    };
+    const DialogOutcome outcome = RunOnScreen(image, 1, {press, wait, release, StepsOf({Click(kOKItem)})[0]});
+    EXPECT_EQ(outcome.Value(kHorizontalBarItem), 76);
+    EXPECT_EQ(outcome.rebuilds, 2);
+}
+
+TEST_F(ScreenDialog, TellsTheHostWhenNothingHappens) {
+    hostNullEvents = 0;
+    processEvent = [](EventRecord *event) { hostNullEvents += event->what == nullEvent; };
+    RunOnScreen(image, 1,
+                {[](QDialog *) { QTest::qWait(200); }, [](QDialog *) { QTest::qWait(200); },
+                 StepsOf({Click(kOKItem)})[0]});
+    EXPECT_GE(hostNullEvents, 2);
+}
+
+}  // namespace
