@@ -5,7 +5,7 @@
 namespace {
 
 // How long a cancel can go unnoticed. Chosen: users do not feel the delay.
-constexpr std::chrono::milliseconds kLook{40};
+constexpr std::chrono::milliseconds kLook{20};
 
 using Lock = std::unique_lock<std::mutex>;
 

@@ -17,7 +17,7 @@
 namespace {
 
 // How long a signal that arrives between two calls can go unnoticed. Chosen: users do not feel the delay.
-constexpr int kPollMilliseconds = 40;
+constexpr int kPollMilliseconds = 20;
 // Descriptors are first moved to this number or above, since one of them could be where another has to go.
 constexpr int kOutOfTheWay = 64;
 
