@@ -15,6 +15,7 @@ declare -A may=(
     [log]="toolkit imagestore platform"
     [settings]="log toolkit imagestore photoshop platform $facts"
     [median/kernel]=""
+    [median/library]="median/kernel"
     [median/plain]="median/kernel"
     [median]="median/kernel toolkit imagestore platform"
     [dialog]="median toolkit imagestore platform $facts"
