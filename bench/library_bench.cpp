@@ -19,8 +19,8 @@ struct Kind {
     int32_t sample;
 };
 
-constexpr Kind kKinds[] = {{"rgb8", 3, HYMEDIAN_UINT8},      {"gray8", 1, HYMEDIAN_UINT8},
-                           {"rgb16", 3, HYMEDIAN_UINT16},    {"gray16", 1, HYMEDIAN_UINT16},
+constexpr Kind kKinds[] = {{"rgb8", 3, HYMEDIAN_UINT8},        {"gray8", 1, HYMEDIAN_UINT8},
+                           {"rgb16", 3, HYMEDIAN_UINT16},      {"gray16", 1, HYMEDIAN_UINT16},
                            {"rgb float", 3, HYMEDIAN_FLOAT32}, {"gray float", 1, HYMEDIAN_FLOAT32}};
 
 std::vector<uint8_t> Noise(const Kind &kind) {
@@ -29,7 +29,8 @@ std::vector<uint8_t> Noise(const Kind &kind) {
     for (size_t i = 0; i < bytes.size(); i += 4) {
         const auto value = static_cast<uint32_t>(random());
         const float real = static_cast<float>(value) / 4294967296.0f;
-        std::memcpy(&bytes[i], kind.sample == HYMEDIAN_FLOAT32 ? static_cast<const void *>(&real) : &value, 4);
+        std::memcpy(&bytes[i], kind.sample == HYMEDIAN_FLOAT32 ? static_cast<const void *>(&real) : &value,
+                    4);
     }
     return bytes;
 }
@@ -38,8 +39,8 @@ void Call(benchmark::State &state, Kind kind, int32_t radius, int32_t threads) {
     std::vector<uint8_t> noise = Noise(kind), filtered(noise.size());
     const int64_t pixel = int64_t{kind.components} * kind.sample;
     const auto image = [&](std::vector<uint8_t> *bytes) {
-        return hymedian_image{bytes->data(),   kWidth,         kHeight, kind.components,
-                              kind.sample, kWidth * pixel, pixel,   kind.sample};
+        return hymedian_image{bytes->data(), kWidth,         kHeight, kind.components,
+                              kind.sample,   kWidth * pixel, pixel,   kind.sample};
     };
     const hymedian_image input = image(&noise), output = image(&filtered);
     hymedian_options options = {};

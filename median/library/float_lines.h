@@ -16,8 +16,8 @@ struct FloatImage {
 // Widens the range to the finite samples of a row.
 void WidenRange(const hymedian_image &image, int64_t y, float *least, float *greatest);
 
-// Writes the steps and the tag of `count` pixels. One that is not finite takes the steps of the nearest one in
-// its row that is, the left one of two, and keeps its own tag.
+// Writes the steps and the tag of `count` pixels. One that is not finite takes the steps of the nearest one
+// in its row that is, the left one of two, and keeps its own tag.
 void TagPixels(const FloatImage &floats, int64_t x, int64_t y, int64_t count, uint16_t *tagged);
 
 // Copies the pixels that the kernel chose for `count` pixels from (x, y) on to packed ones.

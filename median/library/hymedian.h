@@ -29,9 +29,9 @@ enum { HYMEDIAN_MIN_RADIUS = 1, HYMEDIAN_MAX_RADIUS = 6 };
 
 /* Samples in the machine's byte order, at any address. */
 enum hymedian_sample {
-    HYMEDIAN_UINT8 = 1,   /* 0 to 255, compared as they are */
-    HYMEDIAN_UINT16 = 2,  /* 0 to 65535, compared in 32769 steps */
-    HYMEDIAN_FLOAT32 = 4  /* compared in 32769 steps between the ends of a range */
+    HYMEDIAN_UINT8 = 1,  /* 0 to 255, compared as they are */
+    HYMEDIAN_UINT16 = 2, /* 0 to 65535, compared in 32769 steps */
+    HYMEDIAN_FLOAT32 = 4 /* compared in 32769 steps between the ends of a range */
 };
 
 /* Pixels that belong to the caller. The sample of component c in column x of row y is at
@@ -51,8 +51,8 @@ typedef struct hymedian_image {
 
 /* Zero is a good value for every member but `size` and `radius`. */
 typedef struct hymedian_options {
-    size_t size;    /* sizeof(hymedian_options) */
-    int32_t radius; /* HYMEDIAN_MIN_RADIUS to HYMEDIAN_MAX_RADIUS */
+    size_t size;     /* sizeof(hymedian_options) */
+    int32_t radius;  /* HYMEDIAN_MIN_RADIUS to HYMEDIAN_MAX_RADIUS */
     int32_t threads; /* how many may work at once, the calling one included; 0 for one per processor */
     /* Where the output's first pixel is in the input; the output may be a part of it. */
     int64_t x;
@@ -61,7 +61,8 @@ typedef struct hymedian_options {
      * and the greatest finite sample of the input. */
     float least;
     float greatest;
-    /* Called now and then on the calling thread, with the part that is done, 0 to 1. Anything but 0 cancels. */
+    /* Called now and then on the calling thread, with the part that is done, 0 to 1. Anything but 0 cancels.
+     */
     int (*progress)(void *user, double done);
     void *user;
     /* If not 0, a cancelled call may leave part of the output filtered. Otherwise the output is either whole

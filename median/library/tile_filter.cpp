@@ -84,9 +84,9 @@ void PlanTiles(int threads, TileFilter *filter) {
     filter->format = FormatOf(output);
     filter->kernel = SelectHybridKernel();
     filter->tileWidth = PartsOf(output.width, PartsOf(output.width, kMaxTileWidth));
-    filter->tileHeight = std::clamp(PartsOf(output.height, int64_t{4} * threads), kMinTileHeight,
-                                    std::clamp(filter->kernel->pixelsPerBlock / filter->tileWidth,
-                                               kMinTileHeight, kMaxTileHeight));
+    filter->tileHeight = std::clamp(
+        PartsOf(output.height, int64_t{4} * threads), kMinTileHeight,
+        std::clamp(filter->kernel->pixelsPerBlock / filter->tileWidth, kMinTileHeight, kMaxTileHeight));
 }
 
 TileMemory MakeTileMemory(const TileFilter &filter) {
@@ -122,10 +122,11 @@ void FilterTile(const TileFilter &filter, const Tile &tile, uint8_t *memory) {
         target[i] = filtered + i * LineBytes(filter);
     }
     const auto first = static_cast<int>(x - left);
-    filter.kernel->filter({filter.format, radius, static_cast<int>(right - left), static_cast<int>(tile.height),
-                           first, first + static_cast<int>(tile.width), source, target, memory});
+    filter.kernel->filter({filter.format, radius, static_cast<int>(right - left),
+                           static_cast<int>(tile.height), first, first + static_cast<int>(tile.width), source,
+                           target, memory});
     for (int64_t i = 0; i < tile.height; ++i) {
-        WriteLine(filter, filtered + i * LineBytes(filter) + first * LinePixelBytes(filter), tile.x, tile.y + i,
-                  tile.width, packed);
+        WriteLine(filter, filtered + i * LineBytes(filter) + first * LinePixelBytes(filter), tile.x,
+                  tile.y + i, tile.width, packed);
     }
 }

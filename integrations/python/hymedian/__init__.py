@@ -28,7 +28,7 @@ _KINDS = ("uint8", "uint16", "float32")
 def _whole(value: Any, name: str, least: int, greatest: float) -> int:
     if not isinstance(value, numbers.Real):
         raise TypeError(f"{name} must be a whole number, not {type(value).__name__}")
-    if not least <= value <= greatest or int(value) != value:
+    if not least <= float(value) <= greatest or int(value) != value:
         limits = f"from {least} to {greatest}" if greatest < float("inf") else f"of at least {least}"
         raise ValueError(f"{name} must be a whole number {limits}, not {value}")
     return int(value)

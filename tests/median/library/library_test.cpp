@@ -34,7 +34,9 @@ Bytes Noise(const Kind &kind, int64_t width = kWidth, int64_t height = kHeight) 
         const auto value = static_cast<uint16_t>(random() % 50 * 1310 + random() % 2);
         const float real = static_cast<float>(value) / 16000 - 1;
         const auto byte = static_cast<uint8_t>(random());
-        const void *from = kind.sample == 1 ? &byte : kind.sample == 2 ? static_cast<const void *>(&value) : &real;
+        const void *from = kind.sample == 1   ? &byte
+                           : kind.sample == 2 ? static_cast<const void *>(&value)
+                                              : &real;
         const auto *at = static_cast<const uint8_t *>(from);
         bytes.insert(bytes.end(), at, at + kind.sample);
     }
@@ -103,7 +105,8 @@ std::vector<Pixel> PixelsOf(const Kind &kind, const Bytes &bytes) {
 
 TEST(Library, ChoosesTheOriginalsThatThePlugInChooses) {
     for (const Kind &kind : kKinds) {
-        for (const auto &[width, height] : {std::pair<int16_t, int16_t>{kWidth, kHeight}, {2003, 20}, {1, 1}}) {
+        for (const auto &[width, height] :
+             {std::pair<int16_t, int16_t>{kWidth, kHeight}, {2003, 20}, {1, 1}}) {
             const Bytes source = Noise(kind, width, height);
             const auto compared = static_cast<int16_t>(kind.components * std::min(kind.sample, 2));
             const auto originals = PixelsOf(kind, source);
@@ -130,7 +133,7 @@ struct Arrangement {
 };
 constexpr Arrangement kArrangements[] = {
     {"other channels in between, odd address", 5, 1, 5 * kWidth + 7, 1},
-    {"planes", 1, kWidth * kHeight, kWidth, 0},
+    {"planes", 1, kWidth *kHeight, kWidth, 0},
     {"bottom up", 3, 1, -3 * kWidth, 0},
     {"right to left, components the other way round", -4, -1, 4 * kWidth, 2},
     {"columns", kHeight * 3, 1, 3, 0},
@@ -144,8 +147,14 @@ struct Arranged {
 Arranged Arrange(const Kind &kind, const Arrangement &way, const Bytes &packed) {
     Arranged result = {Bytes(static_cast<size_t>(5 * (kWidth + 2) * kHeight * kind.sample + 8), 0xA5), {}};
     hymedian_image &image = result.image;
-    image = {nullptr, kWidth, kHeight, kind.components, kind.sample, way.row * kind.sample,
-             way.pixel * kind.sample, way.component * kind.sample};
+    image = {nullptr,
+             kWidth,
+             kHeight,
+             kind.components,
+             kind.sample,
+             way.row * kind.sample,
+             way.pixel * kind.sample,
+             way.component * kind.sample};
     uint8_t *first = result.bytes.data() + way.offset;
     for (const auto &[count, stride] : {std::pair<int64_t, ptrdiff_t>{kHeight, image.row_stride},
                                         {kWidth, image.pixel_stride},
@@ -157,8 +166,9 @@ Arranged Arrange(const Kind &kind, const Arrangement &way, const Bytes &packed) 
     for (int64_t y = 0; y < kHeight; ++y) {
         for (int64_t x = 0; x < kWidth; ++x) {
             for (int64_t c = 0; c < kind.components; ++c, from += kind.sample) {
-                std::copy_n(from, kind.sample, first + y * image.row_stride + x * image.pixel_stride +
-                                                   c * image.component_stride);
+                std::copy_n(
+                    from, kind.sample,
+                    first + y * image.row_stride + x * image.pixel_stride + c * image.component_stride);
             }
         }
     }
