@@ -100,6 +100,8 @@ def test_is_free_for_other_threads_and_ctrl_c_cancels():
     big = np.random.default_rng(1).integers(0, 256, (6000, 3000), np.uint8)
     out = np.full_like(big, 90)
     ticks = []
+    # Shells start what runs in the background without it.
+    signal.signal(signal.SIGINT, signal.default_int_handler)
 
     def interrupt():
         for _ in range(20):
