@@ -144,8 +144,8 @@ GeglRectangle hymedian_required_part(const GeglRectangle *rectangle, gint radius
 }
 
 const char *hymedian_filter_rectangle(GeglBuffer *input, GeglBuffer *output, const GeglRectangle *rectangle,
-                                      gint radius, const Babl *format, const GeglRectangle *picture, gint threads,
-                                      void (*progress)(gdouble done)) {
+                                      gint radius, const Babl *format, const GeglRectangle *picture,
+                                      gint threads, void (*progress)(gdouble done)) {
     const PixelKind kind = kind_of(format);
     const gint bottom = rectangle->y + rectangle->height;
     GeglRectangle band = *rectangle;

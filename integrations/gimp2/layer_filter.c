@@ -30,15 +30,16 @@ static void show_progress(gdouble done) {
 
 const char *filter_drawable(gint32 drawable, gint radius) {
     GeglRectangle selected;
-    if (!gimp_drawable_mask_intersect(drawable, &selected.x, &selected.y, &selected.width, &selected.height)) {
+    if (!gimp_drawable_mask_intersect(drawable, &selected.x, &selected.y, &selected.width,
+                                      &selected.height)) {
         return NULL; /* nothing is selected here */
     }
     GeglBuffer *input = gimp_drawable_get_buffer(drawable);
     GeglBuffer *output = gimp_drawable_get_shadow_buffer(drawable);
     gimp_progress_init(_("Hybrid Median"));
     const char *failure = hymedian_filter_rectangle(
-        input, output, &selected, radius, hymedian_choose_format(gimp_drawable_get_format(drawable)), &selected,
-        threads(), show_progress);
+        input, output, &selected, radius, hymedian_choose_format(gimp_drawable_get_format(drawable)),
+        &selected, threads(), show_progress);
     g_object_unref(input);
     g_object_unref(output);
     if (failure == NULL) {

@@ -16,12 +16,12 @@ static void query(void) {
         {GIMP_PDB_INT32, "radius", "How far the filter looks, 1 to 6 pixels"},
     };
     gimp_plugin_domain_register(GETTEXT_PACKAGE, LOCALE_FOLDER);
-    gimp_install_procedure(
-        PROCEDURE, N_("Remove specks and dust, and keep edges, corners and fine lines"),
-        "Replaces every pixel by the hybrid vector median of the pixels around it: always one of these, never a "
-        "mixture. What is not selected stays, and does not count.",
-        "hymedian", "hymedian", "2026", N_("_Hybrid Median..."), "RGB*, GRAY*", GIMP_PLUGIN,
-        G_N_ELEMENTS(arguments), 0, arguments, NULL);
+    gimp_install_procedure(PROCEDURE, N_("Remove specks and dust, and keep edges, corners and fine lines"),
+                           "Replaces every pixel by the hybrid vector median of the pixels around it: always "
+                           "one of these, never a "
+                           "mixture. What is not selected stays, and does not count.",
+                           "hymedian", "hymedian", "2026", N_("_Hybrid Median..."), "RGB*, GRAY*",
+                           GIMP_PLUGIN, G_N_ELEMENTS(arguments), 0, arguments, NULL);
     gimp_plugin_menu_register(PROCEDURE, "<Image>/Filters/Enhance");
 }
 

@@ -14,14 +14,15 @@ ROOT = os.path.dirname(os.path.dirname(HERE))
 
 class CMakeBuild(build_ext):
     def build_extension(self, extension):
-        subprocess.run(
-            ["cmake", "--preset", "integrations", "-DHYMEDIAN_PYTHON=ON", f"-DPython_EXECUTABLE={sys.executable}"],
-            cwd=ROOT,
-            check=True,
-        )
+        def configure(*options):
+            subprocess.run(["cmake", "--preset", "integrations", *options], cwd=ROOT, check=True)
+
+        configure("-DHYMEDIAN_PYTHON=ON", f"-DPython_EXECUTABLE={sys.executable}")
         subprocess.run(
             ["cmake", "--build", "--preset", "integrations", "--target", "hymedian_python"], cwd=ROOT, check=True
         )
+        # Others who build there need not have this interpreter, which may be gone by then.
+        configure("-DHYMEDIAN_PYTHON=OFF", "-UPython_EXECUTABLE")
         target = self.get_ext_fullpath(extension.name)
         os.makedirs(os.path.dirname(target), exist_ok=True)
         self.copy_file(os.path.join(ROOT, "build/integrations/python", os.path.basename(target)), target)
