@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Compares the GEGL operation and the plug-in for GIMP with the median filters that these programs have, at the same
 # diameter, on 12 megapixels of 8-bit RGB. Prints seconds as Markdown: what a run takes longer with the filter than without.
-# Builds what scripts/test-integrations.sh builds.
+# Builds what scripts/test-integrations.sh builds. THREADS (default: "1 2") are the numbers of threads; the best of
+# REPETITIONS (3) counts.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -23,10 +24,9 @@ for plug_in in script-fu file-tiff; do
 done
 ln -s "$PWD/build/integrations/gimp2/plug-ins/hymedian" "$GIMP2_DIRECTORY/plug-ins/"
 
-# The least of three.
 seconds() {
     local TIMEFORMAT=%R
-    for _ in 1 2 3; do { time "$@" >/dev/null 2>&1; } 2>&1; done | sort -n | head -1
+    for ((i = 0; i < ${REPETITIONS:-3}; ++i)); do { time "$@" >/dev/null 2>&1; } 2>&1; done | sort -n | head -1
 }
 difference() { awk -v with="$1" -v without="$2" 'BEGIN { printf "%.2f", with - without }'; }
 
@@ -38,7 +38,7 @@ with_gimp() {
 
 echo "| threads | filter | 3 × 3 | 5 × 5 | 7 × 7 | 9 × 9 |"
 echo "|---|---|---|---|---|---|"
-for threads in 1 2; do
+for threads in ${THREADS:-1 2}; do
     export GEGL_THREADS=$threads
     printf '(plug-in-path "${gimp_dir}/plug-ins")\n(num-processors %s)\n' $threads >"$GIMP2_DIRECTORY/gimprc"
     gegl_without=$(seconds with_gegl gegl:nop)

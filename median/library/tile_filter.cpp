@@ -12,7 +12,7 @@ namespace {
 constexpr int64_t kMaxTileWidth = 1920;
 constexpr int64_t kMaxTileHeight = 128;
 constexpr int64_t kMinTileHeight = 16;
-constexpr int64_t kMaxLines = kMaxTileHeight + 2 * kHybridMaxRadius;
+constexpr int64_t kMaxLines = kMaxTileHeight + int64_t{2} * kHybridMaxRadius;
 
 constexpr int64_t PartsOf(int64_t whole, int64_t most) {
     return (whole - 1) / most + 1;
@@ -42,7 +42,7 @@ int64_t LinePixelBytes(const TileFilter &filter) {
 
 // Lines begin at even addresses.
 int64_t LineBytes(const TileFilter &filter) {
-    return ((filter.tileWidth + 2 * filter.radius) * LinePixelBytes(filter) + 1) / 2 * 2;
+    return ((filter.tileWidth + int64_t{2} * filter.radius) * LinePixelBytes(filter) + 1) / 2 * 2;
 }
 
 int64_t ScratchBytes(const TileFilter &filter) {
@@ -114,7 +114,7 @@ void FilterTile(const TileFilter &filter, const Tile &tile, uint8_t *memory) {
     }
     const void *source[kMaxLines];
     void *target[kMaxTileHeight];
-    for (int64_t i = 0; i < tile.height + 2 * radius; ++i) {
+    for (int64_t i = 0; i < tile.height + int64_t{2} * radius; ++i) {
         const int64_t line = std::clamp<int64_t>(y - radius + i, 0, input.height - 1);
         source[i] = lines + (line - top) * LineBytes(filter);
     }
