@@ -15,11 +15,15 @@ declare -A may=(
     [log]="toolkit imagestore platform"
     [settings]="log toolkit imagestore photoshop platform $facts"
     [median/kernel]=""
+    [median/library]="median/kernel"
     [median/plain]="median/kernel"
     [median]="median/kernel toolkit imagestore platform"
     [dialog]="median toolkit imagestore platform $facts"
     [hybridmedian]="dialog median median/kernel settings toolkit imagestore platform $facts"
     [plugin]="colors settings log toolkit imagestore photoshop platform"
+    [integrations/python]="median/library"
+    [integrations/gegl]="median/library"
+    [integrations/gimp2]="median/library integrations/gegl"
     [host/report]=""
     [host/container]=""
     [host/document]="host/report colors photoshop platform $facts"
@@ -44,5 +48,5 @@ while IFS=: read -r file include; do
     from=$room
     find_room "$include" || { echo "$file: includes $include, which is of no room"; status=1; continue; }
     [[ " $from ${may[$from]} " == *" $room "* ]] || { echo "$file: must not include $include"; status=1; }
-done < <(git grep -o '^#include "[^"]*/[^"]*"' -- '*.cpp' '*.h' | sed 's/#include "\(.*\)"/\1/')
+done < <(git grep -o '^#include "[^"]*/[^"]*"' -- '*.cpp' '*.c' '*.h' | sed 's/#include "\(.*\)"/\1/')
 exit $status

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the missing Debian packages of the groups named (build, test, bench, lint, fuzz, coverage, cache, valgrind, arm), without questions.
+# Installs the missing Debian packages of the groups named (build, test, bench, lint, fuzz, coverage, cache, valgrind, arm,
+# python, gegl, gimp), without questions.
 set -euo pipefail
 
 declare -A packages=(
@@ -11,6 +12,9 @@ declare -A packages=(
     [coverage]="gcovr"
     [cache]="ccache"
     [valgrind]="valgrind"
+    [python]="g++ cmake ninja-build python3-dev python3-venv python3-pip python3-setuptools python3-wheel pybind11-dev python3-numpy python3-pytest python3-tifffile python3-dask python3-distributed python3-zarr"
+    [gegl]="g++ cmake ninja-build pkg-config libgegl-dev gegl python3-numpy python3-pytest python3-tifffile"
+    [gimp]="g++ cmake ninja-build pkg-config libgegl-dev libgimp2.0-dev gimp python3-numpy python3-pytest python3-tifffile"
     [arm]="g++-aarch64-linux-gnu qemu-user googletest"
 )
 

@@ -38,6 +38,16 @@ END
 g++ -std=c++20 -I "$prefix/include/hymedian" "$work/host.cpp" -o "$work/host" && "$work/host" ||
     fail "The installed headers do not serve a host."
 
+# The library, as pkg-config tells compilers of it.
+cat >"$work/program.c" <<'END'
+#include <hymedian.h>
+#include <string.h>
+int main(void) { return strcmp(hymedian_status_text(HYMEDIAN_OK), "done"); }
+END
+export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
+gcc "$work/program.c" $(pkg-config --cflags --libs libhymedian) -o "$work/program" &&
+    LD_LIBRARY_PATH=$prefix/lib "$work/program" || fail "The installed library does not serve a program."
+
 # The plug-in is a folder that may be copied anywhere, and works there by itself.
 mkdir "$work/elsewhere"
 mv "$prefix/lib/hymedian/HybridMedian.plugin" "$work/elsewhere/"
@@ -48,17 +58,21 @@ for radius in 2 6; do
     cmp "$work/built-$radius.png" "$work/elsewhere-$radius.png" || fail "The copied plug-in gives another picture."
 done
 
-# What is shipped gives no other library or program a name to take for its own: only the module has one, its entry point.
+# What is shipped gives no other library or program a name to take for its own: only the module has one, its entry point,
+# and libhymedian has its calls.
 # Copies of another library's data carry that library's version.
 shipped=0
 while read -r file; do
     names=$(nm -D --defined-only "$file" 2>/dev/null) || continue
     shipped=$((shipped + 1))
     names=$(awk '$3 !~ /@/ { print $3 }' <<<"$names")
-    expected=
-    [[ $file != *.so ]] || expected=main
+    case $file in
+        *.plugin/*.so) expected=main ;;
+        */libhymedian.so*) expected=$'hymedian_filter\nhymedian_status_text\nhymedian_version' ;;
+        *) expected= ;;
+    esac
     [ "$names" = "$expected" ] || fail "$file has these names: $names."
     if nm -C "$file" 2>/dev/null | grep faults::; then fail "$file has what only tests may use."; fi
 done < <(find "$prefix" "$work/elsewhere" -type f)
-[ $shipped -eq 3 ] || fail "$shipped files were looked at."
+[ $shipped -eq 4 ] || fail "$shipped files were looked at."
 echo "The installed files work."

@@ -75,9 +75,17 @@ inline Entry FindEntry(PixelFormat format, int radius) {
         case PixelFormat::rgb8:
             return FindEntry<Rgb8>(radius, kRadii);
         case PixelFormat::rgb16:
+            return FindEntry<Rgb16<>>(radius, kRadii);
+        case PixelFormat::gray16Full:
+            return FindEntry<Gray<std::uint16_t, Halved>>(radius, kRadii);
+        case PixelFormat::rgb16Full:
+            return FindEntry<Rgb16<Halved>>(radius, kRadii);
+        case PixelFormat::gray16Tagged:
+            return FindEntry<Gray16Tagged>(radius, kRadii);
+        case PixelFormat::rgb16Tagged:
             break;
     }
-    return FindEntry<Rgb16>(radius, kRadii);
+    return FindEntry<Rgb16Tagged>(radius, kRadii);
 }
 
 inline std::size_t ScratchBytes(PixelFormat format, int radius) {

@@ -5,7 +5,11 @@
 
 // Lines are arrays of 8-bit or 16-bit samples, the latter aligned and in the machine's byte order; RGB
 // samples are interleaved.
-enum class PixelFormat { gray8, gray16, rgb8, rgb16 };
+//
+// Pixels are compared by their samples as they are, up to 255 or 32768. Those of the full formats go up to
+// 65535 and are compared by their halves, rounded up. Those of the tagged formats have one more sample, which
+// is not compared: it comes out with the pixel that it went in with.
+enum class PixelFormat { gray8, gray16, rgb8, rgb16, gray16Full, rgb16Full, gray16Tagged, rgb16Tagged };
 
 constexpr int kHybridMinRadius = 1;
 constexpr int kHybridMaxRadius = 6;

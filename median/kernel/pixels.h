@@ -63,7 +63,15 @@ inline void StorePacked(const Packed<Words> &packed, Int (&line)[Words][Columns]
     }
 }
 
-template <typename SampleType>
+// Samples as they are compared.
+struct Same {
+    static Int Compared(Int sample) { return sample; }
+};
+struct Halved {
+    static Int Compared(Int sample) { return (sample + 1) >> 1; }
+};
+
+template <typename SampleType, class Scale = Same>
 struct Gray {
     using Sample = SampleType;
     static constexpr int kSamplesPerPixel = 1;
@@ -78,7 +86,7 @@ struct Gray {
         to[0] = static_cast<Sample>(words[0][at]);
     }
 
-    static Point<Float, 1> Unpack(const Packed<1> &p) { return {{ToFloat(p.word[0])}}; }
+    static Point<Float, 1> Unpack(const Packed<1> &p) { return {{ToFloat(Scale::Compared(p.word[0]))}}; }
 
     // As for three equal components.
     static Float SquaredDistance(const Point<Float, 1> &a, const Point<Float, 1> &b) {
@@ -120,6 +128,7 @@ struct Rgb8 {
     }
 };
 
+template <class Scale = Same>
 struct Rgb16 {
     using Sample = std::uint16_t;
     static constexpr int kSamplesPerPixel = 3;
@@ -140,7 +149,8 @@ struct Rgb16 {
     }
 
     static Point<Float, 3> Unpack(const Packed<2> &p) {
-        return {{ToFloat(p.word[0] & 0xFFFF), ToFloat(p.word[0] >> 16 & 0xFFFF), ToFloat(p.word[1])}};
+        return {{ToFloat(Scale::Compared(p.word[0] & 0xFFFF)),
+                 ToFloat(Scale::Compared(p.word[0] >> 16 & 0xFFFF)), ToFloat(Scale::Compared(p.word[1]))}};
     }
 
     static Float SquaredDistance(const Point<Float, 3> &a, const Point<Float, 3> &b) {
@@ -148,6 +158,44 @@ struct Rgb16 {
         const Float d1 = a.component[1] - b.component[1];
         const Float d2 = a.component[2] - b.component[2];
         return (d0 * d0 + d1 * d1) + d2 * d2;
+    }
+};
+
+// The tag is the upper half of the last word.
+struct Gray16Tagged : Gray<std::uint16_t> {
+    static constexpr int kSamplesPerPixel = 2;
+
+    static void Read(const Sample *from, std::int32_t *const *words, int at) {
+        words[0][at] = static_cast<std::int32_t>(from[0] | static_cast<std::uint32_t>(from[1]) << 16);
+    }
+
+    static void Write(const std::int32_t *const *words, int at, Sample *to) {
+        to[0] = static_cast<Sample>(words[0][at]);
+        to[1] = static_cast<Sample>(words[0][at] >> 16);
+    }
+
+    static Point<Float, 1> Unpack(const Packed<1> &p) { return {{ToFloat(p.word[0] & 0xFFFF)}}; }
+};
+
+struct Rgb16Tagged : Rgb16<> {
+    static constexpr int kSamplesPerPixel = 4;
+
+    static void Read(const Sample *from, std::int32_t *const *words, int at) {
+        for (std::ptrdiff_t i = 0; i < 2; ++i) {
+            words[i][at] =
+                static_cast<std::int32_t>(from[2 * i] | static_cast<std::uint32_t>(from[2 * i + 1]) << 16);
+        }
+    }
+
+    static void Write(const std::int32_t *const *words, int at, Sample *to) {
+        for (std::ptrdiff_t i = 0; i < 2; ++i) {
+            to[2 * i] = static_cast<Sample>(words[i][at]);
+            to[2 * i + 1] = static_cast<Sample>(words[i][at] >> 16);
+        }
+    }
+
+    static Point<Float, 3> Unpack(const Packed<2> &p) {
+        return Rgb16::Unpack({{p.word[0], p.word[1] & 0xFFFF}});
     }
 };
 

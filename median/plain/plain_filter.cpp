@@ -127,5 +127,10 @@ void FilterPlainly(const PlainImage &image, int32_t radius, uint8_t *filtered) {
             return Samples<uint8_t, 3>::Filter(image, radius, filtered);
         case PixelFormat::rgb16:
             return Samples<uint16_t, 3>::Filter(image, radius, filtered);
+        case PixelFormat::gray16Full:
+        case PixelFormat::rgb16Full:
+        case PixelFormat::gray16Tagged:
+        case PixelFormat::rgb16Tagged:
+            break;
     }
 }

@@ -6,7 +6,7 @@
 
 #include "median/kernel/hybrid_kernel.h"
 
-// A whole image in memory, rows without gaps.
+// A whole image in memory, rows without gaps, compared by all of its samples as they are.
 struct PlainImage {
     PixelFormat format;
     int32_t width;

@@ -120,6 +120,57 @@ TEST_P(Kernels, GiveWhatTheDefinitionGives) {
     }
 }
 
+// Samples up to 65535 come out whole, and a tag with its pixel, although neither is compared: it is by their
+// halves that the pixels are chosen. Here the tags tell where each chosen pixel was.
+TEST_P(Kernels, CarryWhatTheyDoNotCompare) {
+    constexpr int kWidth = 131, kHeight = 21;
+    constexpr PixelFormat kRelated[][3] = {
+        {PixelFormat::gray16, PixelFormat::gray16Full, PixelFormat::gray16Tagged},
+        {PixelFormat::rgb16, PixelFormat::rgb16Full, PixelFormat::rgb16Tagged}};
+    const auto bytesOf = [](const std::vector<uint16_t> &samples) {
+        const auto *bytes = reinterpret_cast<const uint8_t *>(samples.data());
+        return std::vector<uint8_t>(bytes, bytes + 2 * samples.size());
+    };
+    const int radius = GetParam();
+    for (const auto &[halvedFormat, fullFormat, taggedFormat] : kRelated) {
+        const int samples = halvedFormat == PixelFormat::gray16 ? 1 : 3;
+        for (const uint32_t values : {65536u, 3u}) {
+            std::vector<uint16_t> full, halved, tagged;
+            for (int i = 0; i < kWidth * kHeight; ++i) {
+                for (int sample = 0; sample < samples; ++sample) {
+                    full.push_back(static_cast<uint16_t>(65535 - Next() % values));
+                    halved.push_back(static_cast<uint16_t>((full.back() + 1) / 2));
+                    tagged.push_back(halved.back());
+                }
+                tagged.push_back(static_cast<uint16_t>(i));
+            }
+            std::vector<uint8_t> defined(2 * halved.size());
+            FilterPlainly({halvedFormat, kWidth, kHeight, bytesOf(halved).data()}, radius, defined.data());
+            for (auto kernel = UsableHybridKernels(); *kernel != nullptr; ++kernel) {
+                const auto filter = [&](PixelFormat format, int count, const std::vector<uint16_t> &pixels) {
+                    const std::vector<uint8_t> filtered = FilterInBlocks(
+                        **kernel, {format, count, 2}, kWidth, kHeight, bytesOf(pixels), radius, {8, 100});
+                    std::vector<uint16_t> result(filtered.size() / 2);
+                    std::memcpy(result.data(), filtered.data(), filtered.size());
+                    return result;
+                };
+                const std::vector<uint16_t> places = filter(taggedFormat, samples + 1, tagged);
+                std::vector<uint16_t> chosenHalved, chosenFull;
+                for (size_t i = static_cast<size_t>(samples); i < places.size();
+                     i += static_cast<size_t>(samples) + 1) {
+                    for (int sample = 0; sample < samples; ++sample) {
+                        chosenHalved.push_back(halved[static_cast<size_t>(places[i] * samples + sample)]);
+                        chosenFull.push_back(full[static_cast<size_t>(places[i] * samples + sample)]);
+                    }
+                }
+                EXPECT_EQ(bytesOf(chosenHalved), defined) << (*kernel)->name << ", " << samples;
+                EXPECT_EQ(filter(fullFormat, samples, full), chosenFull)
+                    << (*kernel)->name << ", " << samples;
+            }
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(EveryRadius, Kernels, testing::Range(1, 7));
 
 TEST(KernelChoice, EnvironmentNamesAKernelThatRuns) {
