@@ -131,8 +131,6 @@ def hybrid_median(
         raise TypeError(f"out must be an array, not {type(out).__name__}")
     elif out.shape != source.shape or out.dtype != source.dtype:
         raise ValueError(f"out must be of shape {source.shape} and {source.dtype}, not {out.shape} and {out.dtype}")
-    elif np.may_share_memory(source, out):
-        raise ValueError("image and out overlap in memory")
     elif not out.flags.writeable:
         raise ValueError("out is read-only")
 
