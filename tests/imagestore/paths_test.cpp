@@ -3,7 +3,7 @@
 #include <cstring>
 #include <fstream>
 
-#include "platform/posix_paths.h"
+#include "platform/native_paths.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {
@@ -125,9 +125,9 @@ TEST_F(Paths, SpecificationsBecomeFullPaths) {
     }
     CStringToFSSpec("Disk:Logs:run.txt", &spec);
     std::string posix;
-    EXPECT_EQ(PosixPathFromSpec(spec, &posix), noErr);
+    EXPECT_EQ(NativePathFromSpec(spec, &posix), noErr);
     EXPECT_EQ(posix, folder / "Logs/run.txt");
-    EXPECT_EQ(SpecFromPosixPath(posix, &spec), fnfErr);
+    EXPECT_EQ(SpecFromNativePath(posix, &spec), fnfErr);
     EXPECT_EQ(spec.vRefNum, -1);
     char path[514];
     FSSpecToCString(&spec, path, sizeof path);
@@ -143,7 +143,7 @@ TEST_F(Paths, SpecificationsBecomeFullPaths) {
     std::filesystem::create_directories(longPath);
     FSSpec onDisk;
     CStringToFSSpec("Disk:any", &onDisk);
-    ASSERT_EQ(SpecFromPosixPath(longPath / "name", &spec), fnfErr);
+    ASSERT_EQ(SpecFromNativePath(longPath / "name", &spec), fnfErr);
     spec.vRefNum = onDisk.vRefNum;
     const std::string withName = whole + "name";
     for (size_t size = 2; size < withName.size() + 5; ++size) {

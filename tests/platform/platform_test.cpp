@@ -12,11 +12,11 @@
 
 #include "platform/date_time.h"
 #include "platform/files.h"
-#include "platform/internal/volume.h"
 #include "platform/locks.h"
 #include "platform/mac_roman.h"
 #include "platform/memory.h"
-#include "platform/posix_paths.h"
+#include "platform/native_paths.h"
+#include "platform/posix/errors.h"
 #include "tests/support/held_lock.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/test_images.h"
@@ -198,7 +198,7 @@ TEST_F(Platform, SystemErrorsHaveTheirCodes) {
         {EROFS, -44},    {ENOSPC, -34},       {EDQUOT, -34}, {EMFILE, -42}, {EBADF, -51},
         {EISDIR, -1302}, {ENAMETOOLONG, -37}, {EIO, -36},    {ELOOP, -36}};
     for (const auto &[error, code] : codes) {
-        EXPECT_EQ(volume::ErrorFromErrno(error), code) << std::strerror(error);
+        EXPECT_EQ(posix::ErrorFromErrno(error), code) << std::strerror(error);
     }
 }
 
@@ -241,7 +241,7 @@ TEST_F(Platform, CharactersGoToUTF8AndBack) {
     std::filesystem::create_directory(folder / "sub");
     std::ofstream(folder / "other") << "stays";
     FSSpec spec;
-    EXPECT_EQ(SpecFromPosixPath(folder / "sub/..\xC0\xAFother", &spec), fnfErr);
+    EXPECT_EQ(SpecFromNativePath(folder / "sub/..\xC0\xAFother", &spec), fnfErr);
     EXPECT_EQ(FSpDelete(&spec), fnfErr);
     EXPECT_TRUE(std::filesystem::exists(folder / "other"));
 }
@@ -273,7 +273,7 @@ TEST_F(Platform, LocksOfOthersAreNotWaitedForLong) {
     ASSERT_EQ(HCreate(volume, directory, Name("file"), kCode, kCode), noErr);
     int16_t ref;
     ASSERT_EQ(HOpen(volume, directory, Name("file"), fsRdWrPerm, &ref), noErr);
-    int lock = -1;
+    FolderLock lock = -1;
     const struct {
         std::filesystem::path path;
         std::function<OSErr()> take;

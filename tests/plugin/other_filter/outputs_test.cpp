@@ -9,7 +9,7 @@
 #include "log/html_log.h"
 #include "photoshop/image_modes.h"
 #include "platform/files.h"
-#include "platform/posix_paths.h"
+#include "platform/native_paths.h"
 #include "tests/plugin/other_filter/test_filter.h"
 #include "tests/support/dates.h"
 #include "tests/support/key_name_table.h"
@@ -62,7 +62,7 @@ class Outputs : public ScratchFolder {
 
     OSErr Run(const char *documentName, int32_t maxVersion = 1) {
         FSSpec spec;
-        SpecFromPosixPath(folder / documentName, &spec);
+        SpecFromNativePath(folder / documentName, &spec);
         spec.vRefNum = volume;
         spec.parID = 2;
         ReadImageDocumentDesc info = {};
