@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the missing Debian packages of the groups named (build, test, bench, lint, fuzz, coverage, cache, valgrind, arm), without questions.
+# Installs the missing Debian packages of the groups named (build, test, bench, lint, fuzz, coverage, cache, valgrind, arm,
+# windows, windows-test), without questions.
 set -euo pipefail
 
 declare -A packages=(
@@ -11,6 +12,8 @@ declare -A packages=(
     [coverage]="gcovr"
     [cache]="ccache"
     [valgrind]="valgrind"
+    [windows]="g++ g++-mingw-w64-x86-64-posix cmake ninja-build zip"
+    [windows-test]="wine64 xvfb googletest"
     [arm]="g++-aarch64-linux-gnu qemu-user googletest"
 )
 
