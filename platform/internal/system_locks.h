@@ -1,5 +1,5 @@
-// Locks between processes, as the system has them. A system without them never says that another process keeps
-// one.
+// Locks between processes, as the system has them. A system without them never says that another process
+// keeps one.
 #pragma once
 
 #include <string>

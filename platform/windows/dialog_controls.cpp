@@ -40,8 +40,9 @@ std::wstring TextOf(HWND control) {
 
 HWND MakeWindow(const DialogWindow &shown, const wchar_t *name, const std::wstring &title, DWORD style,
                 DWORD extendedStyle, size_t number) {
-    return CreateWindowExW(extendedStyle, name, title.c_str(), style | WS_CHILD | WS_VISIBLE | WS_GROUP, 0, 0, 0, 0,
-                           shown.window, reinterpret_cast<HMENU>(number), windows::OwnModule(), nullptr);
+    return CreateWindowExW(extendedStyle, name, title.c_str(), style | WS_CHILD | WS_VISIBLE | WS_GROUP, 0, 0,
+                           0, 0, shown.window, reinterpret_cast<HMENU>(number), windows::OwnModule(),
+                           nullptr);
 }
 
 // Numbered like the items: those of OK and Cancel are Windows' own for them.
@@ -54,8 +55,10 @@ HWND MakeControl(const DialogWindow &shown, size_t index) {
         return nullptr;
     }
     const bool isDefault = index + 1 == static_cast<size_t>(shown.dialog->defaultItem);
-    const DWORD style = found->style | (isDefault && found->kind == kButtonDialogItem ? BS_DEFPUSHBUTTON : 0u);
-    const HWND control = MakeWindow(shown, found->name, TitleOf(item), style, found->extendedStyle, index + 1);
+    const DWORD style =
+        found->style | (isDefault && found->kind == kButtonDialogItem ? BS_DEFPUSHBUTTON : 0u);
+    const HWND control =
+        MakeWindow(shown, found->name, TitleOf(item), style, found->extendedStyle, index + 1);
     if (found->kind == kEditTextDialogItem) {
         SendMessageW(control, EM_LIMITTEXT, model::kLongestText, 0);
     }
@@ -65,11 +68,15 @@ HWND MakeControl(const DialogWindow &shown, size_t index) {
 HWND MakeBar(const DialogWindow &shown, const ControlRecord &control) {
     const Rect &bounds = control.bounds;
     const bool across = bounds.right - bounds.left >= bounds.bottom - bounds.top;
-    const HWND bar =
-        MakeWindow(shown, L"SCROLLBAR", {}, (across ? SBS_HORZ : SBS_VERT) | WS_TABSTOP, 0, 0);
+    const HWND bar = MakeWindow(shown, L"SCROLLBAR", {}, (across ? SBS_HORZ : SBS_VERT) | WS_TABSTOP, 0, 0);
     const int page = model::ThumbLength(control);
-    SCROLLINFO range = {sizeof range,          SIF_RANGE | SIF_PAGE, control.minimum, control.maximum + page - 1,
-                        static_cast<UINT>(page), 0,                  0};
+    SCROLLINFO range = {sizeof range,
+                        SIF_RANGE | SIF_PAGE,
+                        control.minimum,
+                        control.maximum + page - 1,
+                        static_cast<UINT>(page),
+                        0,
+                        0};
     SetScrollInfo(bar, SB_CTL, &range, FALSE);
     return bar;
 }
@@ -88,7 +95,8 @@ std::vector<std::pair<HWND, Rect>> Controls(const DialogWindow &shown) {
     return controls;
 }
 
-// Rectangles are fixed, so if any label is too wide in the system's font, the font shrinks for the whole window.
+// Rectangles are fixed, so if any label is too wide in the system's font, the font shrinks for the whole
+// window.
 HFONT FittingFont(const DialogWindow &shown) {
     LOGFONTW font = windows::MessageFont(shown.resolution);
     const int step = font.lfHeight < 0 ? 1 : -1;
@@ -97,13 +105,14 @@ HFONT FittingFont(const DialogWindow &shown) {
     for (;; font.lfHeight += step) {
         const HFONT made = CreateFontIndirectW(&font);
         const HGDIOBJ before = SelectObject(device, made);
-        const bool fits = std::all_of(shown.dialog->items.begin(), shown.dialog->items.end(), [&](const DialogItem &item) {
-            const std::wstring title = TitleOf(item);
-            SIZE size = {};
-            GetTextExtentPoint32W(device, title.c_str(), static_cast<int>(title.size()), &size);
-            const RECT place = windows::PlaceOf(shown, item.bounds);
-            return model::KindOf(item) != kStaticTextDialogItem || size.cx <= place.right - place.left;
-        });
+        const bool fits =
+            std::all_of(shown.dialog->items.begin(), shown.dialog->items.end(), [&](const DialogItem &item) {
+                const std::wstring title = TitleOf(item);
+                SIZE size = {};
+                GetTextExtentPoint32W(device, title.c_str(), static_cast<int>(title.size()), &size);
+                const RECT place = windows::PlaceOf(shown, item.bounds);
+                return model::KindOf(item) != kStaticTextDialogItem || size.cx <= place.right - place.left;
+            });
         SelectObject(device, before);
         if (fits || std::abs(font.lfHeight) <= smallest) {
             ReleaseDC(shown.window, device);
@@ -131,9 +140,9 @@ void SetTabOrder(const DialogWindow &shown) {
 void RefreshBars(DialogWindow *shown) {
     const auto &controls = shown->dialog->controls;
     bool changed = std::erase_if(shown->bars, [&](const windows::BarWindow &made) {
-                       const bool gone = std::none_of(controls.begin(), controls.end(), [&](const auto &control) {
-                           return control.get() == made.control;
-                       });
+                       const bool gone =
+                           std::none_of(controls.begin(), controls.end(),
+                                        [&](const auto &control) { return control.get() == made.control; });
                        if (gone) {
                            DestroyWindow(made.bar);
                        }
@@ -247,12 +256,10 @@ void windows::TakeCommand(DialogWindow *shown, int code, HWND control) {
 }
 
 // One action for each time that the mouse is down: while it is, the bar would repeat itself.
-void windows::TakeScroll(DialogWindow *shown, int code, HWND bar) {
+void windows::TakeScroll(DialogWindow *shown, int code, int16_t position, HWND bar) {
     static constexpr std::pair<int, int16_t> kParts[] = {
-        {SB_LINEUP, kControlUpButtonPart},
-        {SB_LINEDOWN, kControlDownButtonPart},
-        {SB_PAGEUP, kControlPageUpPart},
-        {SB_PAGEDOWN, kControlPageDownPart},
+        {SB_LINEUP, kControlUpButtonPart},         {SB_LINEDOWN, kControlDownButtonPart},
+        {SB_PAGEUP, kControlPageUpPart},           {SB_PAGEDOWN, kControlPageDownPart},
         {SB_THUMBPOSITION, kControlIndicatorPart},
     };
     const auto made = std::find_if(shown->bars.begin(), shown->bars.end(),
@@ -262,7 +269,5 @@ void windows::TakeScroll(DialogWindow *shown, int code, HWND bar) {
     if (made == shown->bars.end() || part == std::end(kParts) || !shown->actions.empty()) {
         return;
     }
-    SCROLLINFO thumb = {sizeof thumb, SIF_TRACKPOS, 0, 0, 0, 0, 0};
-    GetScrollInfo(bar, SB_CTL, &thumb);
-    PostPress(shown, made->control->bounds, {part->second, static_cast<int16_t>(thumb.nTrackPos)});
+    PostPress(shown, made->control->bounds, {part->second, position});
 }

@@ -21,6 +21,6 @@ void windows::PaintPicture(const DialogWindow &shown, HDC device) {
     layout.bmiHeader = {sizeof layout.bmiHeader, width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
     const RECT place = PlaceOf(shown, drawn);
     SetStretchBltMode(device, COLORONCOLOR);
-    StretchDIBits(device, place.left, place.top, place.right - place.left, place.bottom - place.top, 0, 0, width,
-                  height, pixels.data(), &layout, DIB_RGB_COLORS, SRCCOPY);
+    StretchDIBits(device, place.left, place.top, place.right - place.left, place.bottom - place.top, 0, 0,
+                  width, height, pixels.data(), &layout, DIB_RGB_COLORS, SRCCOPY);
 }

@@ -62,13 +62,14 @@ INT_PTR CALLBACK TakeMessage(HWND window, UINT message, WPARAM first, LPARAM sec
     }
     switch (message) {
         case WM_COMMAND:
-            windows::TakeCommand(shown, HIWORD(first),
-                                 second != 0 ? reinterpret_cast<HWND>(second)
-                                             : GetDlgItem(window, LOWORD(first)));
+            windows::TakeCommand(
+                shown, HIWORD(first),
+                second != 0 ? reinterpret_cast<HWND>(second) : GetDlgItem(window, LOWORD(first)));
             return TRUE;
         case WM_HSCROLL:
         case WM_VSCROLL:
-            windows::TakeScroll(shown, LOWORD(first), reinterpret_cast<HWND>(second));
+            windows::TakeScroll(shown, LOWORD(first), static_cast<int16_t>(HIWORD(first)),
+                                reinterpret_cast<HWND>(second));
             return TRUE;
         case WM_PAINT:
             Paint(*shown);
@@ -119,7 +120,8 @@ bool EditsText(const MSG &message) {
                                       : message.message == WM_KEYDOWN && message.wParam == VK_DELETE;
 }
 
-// True when the message has been dealt with. Text that is typed elsewhere goes to the field, and the focus, too.
+// True when the message has been dealt with. Text that is typed elsewhere goes to the field, and the focus,
+// too.
 bool TakeKey(DialogWindow *shown, MSG *message) {
     if (const uint8_t character = ButtonKey(*message); character != 0) {
         windows::PostKey(shown, character);
@@ -130,7 +132,8 @@ bool TakeKey(DialogWindow *shown, MSG *message) {
         SetFocus(field);
         message->hwnd = field;
     }
-    if (message->hwnd == field && (message->message == WM_LBUTTONDOWN || message->message == WM_LBUTTONDBLCLK)) {
+    if (message->hwnd == field &&
+        (message->message == WM_LBUTTONDOWN || message->message == WM_LBUTTONDBLCLK)) {
         windows::PostPress(shown, model::ItemAt(shown->dialog, shown->dialog->focusItem)->bounds, {});
     }
     return false;

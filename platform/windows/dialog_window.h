@@ -1,5 +1,5 @@
-// Shows a dialog as a window of Windows' own, with its controls at the items' rectangles. A dialog's pixels are
-// those of a display of 96 dots per inch; others show them larger.
+// Shows a dialog as a window of Windows' own, with its controls at the items' rectangles. A dialog's pixels
+// are those of a display of 96 dots per inch; others show them larger.
 #pragma once
 
 #include <windows.h>
@@ -50,8 +50,8 @@ std::unique_ptr<DialogWindow> MakeDialogWindow(DialogRecord *dialog, HWND owner)
 void CloseDialogWindow(DialogWindow *shown);
 // Updates the window from the model.
 void Refresh(DialogWindow *shown);
-// Waits until the user does something, or for a short while. False if the window is gone, or the host's thread
-// is to end.
+// Waits until the user does something, or for a short while. False if the window is gone, or the host's
+// thread is to end.
 bool WaitForAction(DialogWindow *shown);
 
 // The controls: made, placed for the window's resolution, and updated from the model.
@@ -60,7 +60,7 @@ void PlaceControls(DialogWindow *shown);
 void RefreshControls(DialogWindow *shown);
 // For a message that a control has sent to the window.
 void TakeCommand(DialogWindow *shown, int code, HWND control);
-void TakeScroll(DialogWindow *shown, int code, HWND bar);
+void TakeScroll(DialogWindow *shown, int code, int16_t position, HWND bar);
 
 // Paints the part that the plug-in has drawn.
 void PaintPicture(const DialogWindow &shown, HDC device);

@@ -20,8 +20,8 @@ Display DisplayOf(HWND owner);
 // The font of messages; the caller deletes it.
 LOGFONTW MessageFont(int resolution);
 
-// While it lives, this thread's windows are made and measured in the dots of their display; before, a host may
-// have the system enlarge its windows. Without effect before Windows 10.
+// While it lives, this thread's windows are made and measured in the dots of their display; before, a host
+// may have the system enlarge its windows. Without effect before Windows 10.
 class InOwnDots {
   public:
     InOwnDots();

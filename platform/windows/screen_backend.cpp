@@ -27,7 +27,8 @@ Rect Screen() {
     const auto length = [&](LONG dotsLong) {
         return static_cast<int16_t>(std::min(windows::Unscaled(dotsLong, display.resolution), INT16_MAX));
     };
-    return {0, 0, length(display.area.bottom - display.area.top), length(display.area.right - display.area.left)};
+    return {0, 0, length(display.area.bottom - display.area.top),
+            length(display.area.right - display.area.left)};
 }
 
 bool Open(DialogRecord *dialog) {

@@ -1,4 +1,5 @@
-// Files are shared with whoever else opens them, as elsewhere, so that they can be deleted while they are open.
+// Files are shared with whoever else opens them, as elsewhere, so that they can be deleted while they are
+// open.
 #include "platform/internal/system_files.h"
 
 #include <algorithm>

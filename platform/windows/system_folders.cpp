@@ -15,8 +15,8 @@ constexpr struct {
     char mac;
     wchar_t system;
 } kReplacements[] = {
-    {'"', 0xF020}, {'*', 0xF021}, {'/', 0xF022},  {'<', 0xF023}, {'>', 0xF024},
-    {'?', 0xF025}, {'\\', 0xF026}, {'|', 0xF027},
+    {'"', 0xF020}, {'*', 0xF021}, {'/', 0xF022},  {'<', 0xF023},
+    {'>', 0xF024}, {'?', 0xF025}, {'\\', 0xF026}, {'|', 0xF027},
 };
 constexpr wchar_t kControlReplacements = 0xF000;  // of the characters 1 to 31
 constexpr wchar_t kLastSpace = 0xF028;
@@ -98,7 +98,8 @@ std::string system_folders::StartupFolder() {
 
 std::string system_folders::AbsolutePath(const std::string &path) {
     const std::wstring given = windows::UTF16From(path);
-    return Asked([&](wchar_t *text, UINT size) { return GetFullPathNameW(given.c_str(), size, text, nullptr); });
+    return Asked(
+        [&](wchar_t *text, UINT size) { return GetFullPathNameW(given.c_str(), size, text, nullptr); });
 }
 
 // Folders are known by their final path: other numbers are not those of all file systems.

@@ -23,8 +23,8 @@ std::wstring windows::UTF16From(std::string_view utf8) {
 std::string windows::UTF8From(std::wstring_view utf16) {
     const int size = static_cast<int>(utf16.size());
     std::string utf8(utf16.size() * 3, '\0');
-    utf8.resize(static_cast<size_t>(WideCharToMultiByte(
-        CP_UTF8, 0, utf16.data(), size, utf8.data(), static_cast<int>(utf8.size()), nullptr, nullptr)));
+    utf8.resize(static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, utf16.data(), size, utf8.data(),
+                                                        static_cast<int>(utf8.size()), nullptr, nullptr)));
     return utf8;
 }
 

@@ -95,7 +95,7 @@ TEST_F(KeyNames, SettingsAreDumpedByKind) {
     AddSPOutputSettingCString(block, FourCharCode("none"), nullptr);
 
     FSSpec spec;
-    SpecFromNativePath(folder / "dump", &spec);
+    SpecFromNativePath((folder / "dump").string(), &spec);
     int16_t file;
     ASSERT_EQ(FSpCreate(&spec, 0, 0, 0), noErr);
     ASSERT_EQ(FSpOpenDF(&spec, fsRdWrPerm, &file), noErr);
