@@ -68,6 +68,9 @@ OSErr FindFolder(int16_t vRefNum, OSType folderType, Boolean, int16_t *foundVRef
         return fnfErr;
     }
     const std::string path = PreferencesPath();
+    if (path.empty()) {
+        return fnfErr;
+    }
     const int16_t reference = volume::ReferenceOf(path);
     const OSErr err = volume::DirectoryID(reference, path, foundDirID);
     if (err == noErr) {

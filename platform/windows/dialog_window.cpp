@@ -120,6 +120,28 @@ bool EditsText(const MSG &message) {
                                       : message.message == WM_KEYDOWN && message.wParam == VK_DELETE;
 }
 
+// The scroll bar that shows the number of the field in its row; null for a field without one.
+const ControlRecord *BarOfField(const DialogWindow &shown) {
+    const Rect &row = shown.dialog->items[static_cast<size_t>(shown.dialog->focusItem - 1)].bounds;
+    const auto &controls = shown.dialog->controls;
+    const auto found = std::find_if(controls.begin(), controls.end(), [&](const auto &control) {
+        return control->definition == scrollBarProc && control->visible && control->bounds.top < row.bottom &&
+               row.top < control->bounds.bottom;
+    });
+    return found == controls.end() ? nullptr : found->get();
+}
+
+// Up and Down in the field move its number by one.
+bool StepNumber(DialogWindow *shown, const MSG &message) {
+    const bool up = message.wParam == VK_UP;
+    const ControlRecord *bar = BarOfField(*shown);
+    if (message.message != WM_KEYDOWN || (!up && message.wParam != VK_DOWN) || bar == nullptr) {
+        return false;
+    }
+    windows::PostPress(shown, bar->bounds, {up ? kControlDownButtonPart : kControlUpButtonPart, 0});
+    return true;
+}
+
 // True when the message has been dealt with. Text that is typed elsewhere goes to the field, and the focus,
 // too.
 bool TakeKey(DialogWindow *shown, MSG *message) {
@@ -131,6 +153,9 @@ bool TakeKey(DialogWindow *shown, MSG *message) {
     if (field != nullptr && message->hwnd != field && EditsText(*message)) {
         SetFocus(field);
         message->hwnd = field;
+    }
+    if (field != nullptr && message->hwnd == field && StepNumber(shown, *message)) {
+        return true;
     }
     if (message->hwnd == field &&
         (message->message == WM_LBUTTONDOWN || message->message == WM_LBUTTONDBLCLK)) {

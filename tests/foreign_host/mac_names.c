@@ -6,7 +6,8 @@
     __attribute__((visibility("default"))) void name(void) { abort(); }
 OWN(NewHandle)
 OWN(NewHandleClear)
-OWN(DisposeHandle) OWN(GetHandleSize) OWN(SetHandleSize) OWN(HLock) OWN(HUnlock) OWN(NewPtr) OWN(NewPtrClear)
-    OWN(DisposePtr) OWN(BlockMoveData) OWN(GetDateTime) OWN(FindFolder) OWN(FSpOpenDF) OWN(FSMakeFSSpec)
-        OWN(FSRead) OWN(FSWrite) OWN(GetResource) OWN(ReleaseResource) OWN(ResError) OWN(SetPort)
-            OWN(OffsetRect) OWN(InsetRect) OWN(GetNewDialog) OWN(ModalDialog) OWN(DisposeDialog) OWN(CopyBits)
+OWN(DisposeHandle)
+OWN(GetHandleSize) OWN(SetHandleSize) OWN(HLock) OWN(HUnlock) OWN(NewPtr) OWN(NewPtrClear) OWN(DisposePtr)
+    OWN(BlockMoveData) OWN(GetDateTime) OWN(FindFolder) OWN(FSpOpenDF) OWN(FSMakeFSSpec) OWN(FSRead)
+        OWN(FSWrite) OWN(GetResource) OWN(ReleaseResource) OWN(ResError) OWN(SetPort) OWN(OffsetRect)
+            OWN(InsetRect) OWN(GetNewDialog) OWN(ModalDialog) OWN(DisposeDialog) OWN(CopyBits)

@@ -134,8 +134,12 @@ TEST_F(Paths, SpecificationsBecomeFullPaths) {
     EXPECT_EQ(std::string(path).substr(0, root.size() + 1), root + ":");
     CStringToFSSpec((root + ":any").c_str(), &spec);
     EXPECT_EQ(spec.parID, 2);
+}
 
-    // Longer than the buffers in which a run keeps paths, and cut at every position.
+// Longer than the buffers in which a run keeps paths, and cut at every position.
+TEST_F(Paths, LongerThanBuffersAreCut) {
+    FSSpec spec;
+    char path[514];
     std::filesystem::path longPath = folder;
     std::string whole = "Disk:";
     for (int level = 0; level < 10; ++level) {

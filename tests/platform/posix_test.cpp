@@ -182,8 +182,9 @@ TEST_F(Platform, LockedFilesAreWaitedFor) {
     EXPECT_EQ(context.preferenceStrings[47][0], 'B');
     EXPECT_EQ(context.preferencesTail[0], 'B');
     context.preferencesHeader[0] = 'C';
-    whileLocked([&] { EXPECT_TRUE(ContentsOf(folder / "WEMBpref") == after) << "written under another's lock"; },
-                [&] { WritePreferences(&context, ref); });
+    whileLocked(
+        [&] { EXPECT_TRUE(ContentsOf(folder / "WEMBpref") == after) << "written under another's lock"; },
+        [&] { WritePreferences(&context, ref); });
     EXPECT_EQ(ContentsOf(folder / "WEMBpref")[0], 'C');
 }
 

@@ -1,4 +1,5 @@
-// The dialog in a window of Windows' own: real messages give the same results as the same session from a script.
+// The dialog in a window of Windows' own: real messages give the same results as the same session from a
+// script.
 #include <windows.h>
 
 #include <algorithm>
@@ -91,7 +92,8 @@ void Scroll(HWND dialog, HWND bar, const TrackedPart &tracked) {
 }
 
 void PressKey(HWND dialog, char character) {
-    constexpr std::pair<char, WPARAM> kKeys[] = {{kReturn, VK_RETURN}, {kEnter, VK_RETURN}, {kEscape, VK_ESCAPE}};
+    constexpr std::pair<char, WPARAM> kKeys[] = {
+        {kReturn, VK_RETURN}, {kEnter, VK_RETURN}, {kEscape, VK_ESCAPE}};
     const HWND focus = GetFocus();
     for (const auto &[code, key] : kKeys) {
         if (code == character) {
@@ -145,8 +147,8 @@ void ExpectPixels(HWND dialog, const DialogState &state) {
     int64_t wrong = 0;
     for (int16_t y = state.drawn.top; y < state.drawn.bottom; ++y) {
         for (int16_t x = state.drawn.left; x < state.drawn.right; ++x, pixel += 4) {
-            const POINT at = MiddleOf(
-                PlaceOf({y, x, static_cast<int16_t>(y + 1), static_cast<int16_t>(x + 1)}));
+            const POINT at =
+                MiddleOf(PlaceOf({y, x, static_cast<int16_t>(y + 1), static_cast<int16_t>(x + 1)}));
             const uint32_t shown = static_cast<uint32_t *>(bits)[at.y * inside.right + at.x] & 0xFFFFFF;
             wrong += shown != static_cast<uint32_t>(pixel[1] << 16 | pixel[2] << 8 | pixel[3]);
         }
@@ -204,8 +206,8 @@ bool NextEvent(DialogRecord *dialog, EventRecord *event) {
 class WindowsDialog : public DialogTest {
   protected:
     WindowsDialog()
-        : host(CreateWindowW(L"STATIC", L"A host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 300, 200, nullptr, nullptr,
-                             nullptr, nullptr)) {}
+        : host(CreateWindowW(L"STATIC", L"A host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 300, 200, nullptr,
+                             nullptr, nullptr, nullptr)) {}
     ~WindowsDialog() override { DestroyWindow(host); }
 
     DialogOutcome RunOnScreen(const TestImage &source, float radius, const std::vector<Step> &steps) {
@@ -240,9 +242,12 @@ TEST_F(WindowsDialog, KeysMeanTheSameWhereverTheFocusIs) {
     constexpr int kStops = 9;
     std::set<HWND> stops;
     for (int tabs = 0; tabs < kStops; ++tabs) {
-        for (const auto &[key, result] : {std::pair{kReturn, noErr}, {kEnter, noErr}, {kEscape, userCanceledErr}}) {
+        for (const auto &[key, result] :
+             {std::pair{kReturn, noErr}, {kEnter, noErr}, {kEscape, userCanceledErr}}) {
             SCOPED_TRACE(testing::Message() << tabs << " tabs, key " << int{key});
-            const Step goOn = [](HWND dialog) { Put(GetFocus() == nullptr ? dialog : GetFocus(), WM_KEYDOWN, VK_TAB, 0); };
+            const Step goOn = [](HWND dialog) {
+                Put(GetFocus() == nullptr ? dialog : GetFocus(), WM_KEYDOWN, VK_TAB, 0);
+            };
             std::vector<Step> steps(static_cast<size_t>(tabs), goOn);
             steps.push_back([&](HWND dialog) {
                 stops.insert(GetFocus());
@@ -255,18 +260,28 @@ TEST_F(WindowsDialog, KeysMeanTheSameWhereverTheFocusIs) {
             EXPECT_EQ(outcome.result, result);
         }
     }
-    // But space presses what has the focus, here the button that makes the radius smaller, and arrows move bars.
+    // But space presses what has the focus, here the button that makes the radius smaller, and arrows move
+    // bars.
     const auto press = [](WPARAM key) {
         return [=](HWND) {
             Put(GetFocus(), WM_KEYDOWN, key, 0);
             Put(GetFocus(), WM_KEYUP, key, 0);
         };
     };
-    EXPECT_EQ(RunOnScreen(image, 3, {press(VK_TAB), press(VK_SPACE), StepsOf({Click(kOKItem)})[0]}).stored, 2);
-    EXPECT_EQ(RunOnScreen(image, 3, {press(VK_TAB), press(VK_TAB), press(VK_RIGHT), StepsOf({Click(kOKItem)})[0]}).stored, 4);
+    EXPECT_EQ(
+        RunOnScreen(image, 3, {press(VK_UP), press(VK_UP), press(VK_DOWN), StepsOf({Click(kOKItem)})[0]})
+            .stored,
+        4);
+    EXPECT_EQ(RunOnScreen(image, 3, {press(VK_TAB), press(VK_SPACE), StepsOf({Click(kOKItem)})[0]}).stored,
+              2);
+    EXPECT_EQ(
+        RunOnScreen(image, 3, {press(VK_TAB), press(VK_TAB), press(VK_RIGHT), StepsOf({Click(kOKItem)})[0]})
+            .stored,
+        4);
 }
 
-// As long as the mouse is down, a bar tells of its arrow again and again; and a thumb goes where it is dragged.
+// As long as the mouse is down, a bar tells of its arrow again and again; and a thumb goes where it is
+// dragged.
 TEST_F(WindowsDialog, BarsFollowTheMouse) {
     std::thread hand;
     const auto press = [&](LONG fromTheEnd, LONG drag) {
@@ -297,8 +312,7 @@ TEST_F(WindowsDialog, BarsFollowTheMouse) {
 
 TEST_F(WindowsDialog, ClosesWithItsWindowAndWithTheHosts) {
     const Step ends[] = {[](HWND dialog) { Put(dialog, WM_CLOSE, 0, 0); },
-                         [](HWND dialog) { DestroyWindow(dialog); },
-                         [](HWND) { PostQuitMessage(7); }};
+                         [](HWND dialog) { DestroyWindow(dialog); }, [](HWND) { PostQuitMessage(7); }};
     for (const Step &end : ends) {
         EXPECT_EQ(RunOnScreen(image, 3, {end}).result, userCanceledErr);
     }
@@ -307,7 +321,8 @@ TEST_F(WindowsDialog, ClosesWithItsWindowAndWithTheHosts) {
     EXPECT_EQ(message.wParam, 7u);
 }
 
-// Everything lies in the window, and apart from everything else, in the picture's resolution and in another one.
+// Everything lies in the window, and apart from everything else, in the picture's resolution and in another
+// one.
 TEST_F(WindowsDialog, FitsEveryResolution) {
     InstallItems(DialogItemList());
     for (const int resolution : {96, 144, 192}) {
@@ -315,12 +330,14 @@ TEST_F(WindowsDialog, FitsEveryResolution) {
             RECT frame = {0, 0, windows::Scaled(380, resolution), windows::Scaled(452, resolution)};
             AdjustWindowRectEx(&frame, static_cast<DWORD>(GetWindowLongW(dialog, GWL_STYLE)), FALSE,
                                static_cast<DWORD>(GetWindowLongW(dialog, GWL_EXSTYLE)));
-            SendMessageW(dialog, WM_DPICHANGED, MAKEWPARAM(resolution, resolution), reinterpret_cast<LPARAM>(&frame));
+            SendMessageW(dialog, WM_DPICHANGED, MAKEWPARAM(resolution, resolution),
+                         reinterpret_cast<LPARAM>(&frame));
             RECT inside;
             GetClientRect(dialog, &inside);
             EXPECT_EQ(inside.right, windows::Scaled(380, resolution));
             std::vector<RECT> places;
-            for (HWND child = GetWindow(dialog, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+            for (HWND child = GetWindow(dialog, GW_CHILD); child != nullptr;
+                 child = GetWindow(child, GW_HWNDNEXT)) {
                 RECT place;
                 RECT common;
                 GetWindowRect(child, &place);
@@ -335,7 +352,8 @@ TEST_F(WindowsDialog, FitsEveryResolution) {
                     const HDC device = GetDC(child);
                     SelectObject(device, reinterpret_cast<HGDIOBJ>(SendMessageW(child, WM_GETFONT, 0, 0)));
                     SIZE size = {};
-                    GetTextExtentPoint32A(device, TextOf(child).c_str(), static_cast<int>(TextOf(child).size()), &size);
+                    GetTextExtentPoint32A(device, TextOf(child).c_str(),
+                                          static_cast<int>(TextOf(child).size()), &size);
                     ReleaseDC(child, device);
                     EXPECT_LE(size.cx, place.right - place.left) << TextOf(child);
                     EXPECT_LE(size.cy, place.bottom - place.top) << TextOf(child);
