@@ -45,7 +45,7 @@ static void TypeLater(int keys) { (void)keys; }
 
 static const wchar_t *Wide(const char *text) {
     static wchar_t wide[1024];
-    MultiByteToWideChar(CP_UTF8, 0, text, -1, wide, 1024);
+    MultiByteToWideChar(CP_ACP, 0, text, -1, wide, 1024);
     return wide;
 }
 
@@ -122,7 +122,7 @@ static void *Type(void *keys) {
     printf("dialog %s, host %s\n", dialog ? "shown" : "not shown",
            IsWindowEnabled(window) ? "enabled" : "disabled");
     for (intptr_t left = (intptr_t)keys; dialog != NULL && left > 0; left /= 100) {
-        PostMessageW(dialog, WM_KEYDOWN, (WPARAM)(left % 100), 0);
+        PostMessageW(dialog, left % 100 < 32 ? WM_KEYDOWN : WM_CHAR, (WPARAM)(left % 100), 0);
         Sleep(200);
     }
     return NULL;
