@@ -12,7 +12,7 @@
 #include "host/filter/filter_run.h"
 #include "host/filter/plugin.h"
 #include "photoshop/image_modes.h"
-#include "platform/posix_paths.h"
+#include "platform/native_paths.h"
 
 namespace {
 

@@ -18,7 +18,7 @@
 #include "median/hybrid_filter.h"
 #include "photoshop/filter_record.h"
 #include "platform/faults/fault_injection.h"
-#include "platform/posix_paths.h"
+#include "platform/native_paths.h"
 #include "toolkit/run_context.h"
 
 namespace {

@@ -16,7 +16,7 @@
 #include "host/picture/vips_library.h"
 #include "host/work/worker.h"
 #include "host/work/worker_pool.h"
-#include "platform/posix_paths.h"
+#include "platform/native_paths.h"
 
 namespace {
 

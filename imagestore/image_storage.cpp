@@ -66,7 +66,7 @@ OSErr ReadAt(int16_t fileRef, int64_t offset, int64_t count, void *bytes) {
 
 OSErr DeleteImageFile(ConstStringPtr name) {
     const Folder folder = PreferencesFolder();
-    int lock;
+    FolderLock lock;
     OSErr err = LockFolder(folder.vRefNum, folder.dirID, &lock);
     if (err == noErr) {
         err = HDelete(folder.vRefNum, folder.dirID, name);

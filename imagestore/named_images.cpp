@@ -124,7 +124,7 @@ OSErr MakeNamedImage(ConstStringPtr name, Boolean keep, int16_t width, int16_t h
     made->onDisk = TakeImageMemory(made) != noErr || keep != 0;
     const Folder folder = made->onDisk ? WritablePreferencesFolder() : PreferencesFolder();
     // Another process may be making an image of this name in the same folder.
-    int lock;
+    FolderLock lock;
     OSErr err = LockFolder(folder.vRefNum, folder.dirID, &lock);
     if (err == noErr) {
         HDelete(folder.vRefNum, folder.dirID, name);

@@ -1,7 +1,7 @@
 #include "imagestore/preferences_folder.h"
 
 #include "platform/files.h"
-#include "platform/posix_paths.h"
+#include "platform/native_paths.h"
 
 Folder PreferencesFolder() {
     Folder folder;

@@ -32,6 +32,14 @@ int32_t model::PlaceOf(const DialogRecord &dialog, const ControlRecord *control)
     return found == dialog.controls.end() ? -1 : static_cast<int32_t>(found - dialog.controls.begin());
 }
 
+// A large range is taken to be in pixels, with the bar's length of them in view.
+int model::ThumbLength(const ControlRecord &control) {
+    const Rect &bounds = control.bounds;
+    const int barLength = std::max(bounds.right - bounds.left, bounds.bottom - bounds.top);
+    const int range = control.maximum - control.minimum;
+    return range < barLength / 8 ? std::max(range / 4, 1) : barLength;
+}
+
 void model::CopyTitle(const std::string &text, StringPtr title) {
     const size_t length = std::min(text.size(), kLongestText);
     title[0] = static_cast<uint8_t>(length);

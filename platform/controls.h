@@ -18,8 +18,6 @@ enum : int16_t {
     kControlIndicatorPart = 129,
 };
 
-extern "C" {
-
 ControlRef NewControl(WindowRef window, const Rect *bounds, ConstStringPtr title, Boolean visible,
                       int16_t value, int16_t minimum, int16_t maximum, int16_t definition,
                       intptr_t reference);
@@ -35,5 +33,3 @@ int16_t GetControlValue(ControlRef control);
 void SetControlValue(ControlRef control, int16_t value);
 void GetControlTitle(ControlRef control, StringPtr title);
 void SetControlTitle(ControlRef control, ConstStringPtr title);
-
-}  // extern "C"

@@ -9,12 +9,8 @@ enum : uint8_t {
     abbrevDate = 2,
 };
 
-extern "C" {
-
 // Seconds since the start of 1904, local time.
 void GetDateTime(uint32_t *seconds);
 // Only the short date is supported. A null `resource` selects the system's conventions.
 void DateString(uint32_t seconds, uint8_t form, Str255 text, Handle resource);
 void TimeString(uint32_t seconds, Boolean wantSeconds, Str255 text, Handle resource);
-
-}  // extern "C"

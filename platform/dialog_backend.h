@@ -36,12 +36,22 @@ struct DialogBackend {
 // From now on `wanted` answers dialogs. The caller keeps ownership and must keep it alive while it is in use.
 void UseScriptedDialogs(ScriptedSession *wanted);
 
-// The one host whose platformData is read: hymedian, which can answer dialogs itself through it, see
-// platform/answered_dialogs.h. To others it is theirs.
+// The back end in use. If none has been chosen, it is the system's.
+const DialogBackend &CurrentDialogBackend();
+void SetDialogBackend(const DialogBackend *backend);
+
+// On POSIX, dialogs are shown by the host, or by a program of their own; on Windows, in windows of this
+// process.
+const DialogBackend &SystemDialogBackend();
+
+// On POSIX, the one host whose platformData is read: hymedian, which can answer dialogs itself through it,
+// see platform/answered_dialogs.h. To others it is theirs. On Windows it tells every host's window.
 constexpr OSType kAnsweringHost = FourCharCode("HyMh");
 
 // The record's fields of these names, for dialogs from now on; null lets go of them.
 void UsePlatformData(OSType hostSig, const void *platformData);
+
+// The rest is for hosts on POSIX.
 
 constexpr OSErr kNoDialogProgram = -30001;
 constexpr OSErr kNoToolkit = -30002;
@@ -51,7 +61,3 @@ constexpr OSErr kNoDisplay = -30003;
 OSErr TryDialogProgram(const std::string &folder);
 // One sentence telling the user why it could not; `problem` is not noErr.
 const char *DialogProgramProblem(OSErr problem);
-
-// The back end in use. If none has been chosen, dialogs are shown by the host, or by a program of their own.
-const DialogBackend &CurrentDialogBackend();
-void SetDialogBackend(const DialogBackend *backend);

@@ -32,8 +32,6 @@ enum : int16_t {
     kStdCancelItemIndex = 2,
 };
 
-extern "C" {
-
 // Null when a resource is missing or malformed, or no back end can show the dialog. `storage` must be null; a
 // new dialog is always frontmost, whatever `behind` says.
 DialogRef GetNewDialog(int16_t id, void *storage, WindowRef behind);
@@ -62,5 +60,3 @@ UserItemUPP NewUserItemUPP(UserItemProc procedure);
 void ModalDialog(ModalFilterUPP filter, int16_t *itemHit);
 // Return and Enter hit the default item; Escape and Command-period hit the cancel item.
 Boolean StdFilterProc(DialogRef dialog, EventRecord *event, int16_t *itemHit);
-
-}  // extern "C"

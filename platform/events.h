@@ -29,9 +29,5 @@ enum : uint8_t {
     kEscapeCharCode = 27,
 };
 
-extern "C" {
-
 // The mouse position at the latest event, in the current port's coordinates.
 void GetMouse(Point *mouse);
-
-}  // extern "C"

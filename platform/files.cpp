@@ -1,78 +1,56 @@
-// Owns the table of open files. A file's mark is its descriptor's own position.
+// Owns the table of open files. A file's mark is the system's own.
 #include "platform/files.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <sys/xattr.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <string>
 #include <vector>
 
 #include "platform/faults/fault_queries.h"
 #include "platform/internal/open_files.h"
+#include "platform/internal/system_files.h"
 #include "platform/internal/volume.h"
-#include "platform/posix_paths.h"
+#include "platform/native_paths.h"
 
 namespace {
+
+using system_files::File;
+using system_files::kClosed;
 
 // Never 0, which callers take for no file; with the table's limit every reference fits 16 bits.
 constexpr int16_t kFirstReference = 256;
 constexpr size_t kMaxOpenFiles = 4096;
 
-std::vector<int> openFiles;  // descriptors; reference kFirstReference + i is entry i
+std::vector<File> openFiles;  // reference kFirstReference + i is entry i
 
-OSErr LastError() {
-    return volume::ErrorFromErrno(errno);
-}
-
-OSErr AddReference(int descriptor, int16_t *refNum) {
+OSErr AddReference(File file, int16_t *refNum) {
     size_t index = 0;
     while (index < openFiles.size() && openFiles[index] != kClosed) {
         ++index;
     }
     if (index == kMaxOpenFiles) {
-        close(descriptor);
+        system_files::Close(file);
         return tmfoErr;
     }
     if (index == openFiles.size()) {
         openFiles.push_back(kClosed);
     }
-    openFiles[index] = descriptor;
+    openFiles[index] = file;
     *refNum = static_cast<int16_t>(kFirstReference + static_cast<int16_t>(index));
     return noErr;
 }
 
-void PutBigEndian(OSType code, uint8_t *bytes) {
-    for (int i = 0; i < 4; ++i) {
-        bytes[i] = static_cast<uint8_t>(code >> (24 - 8 * i));
-    }
-}
-
-// The Finder's 32 bytes: type, creator, then fields that are unused here. Not every file system accepts the
-// attribute.
-void SetTypeAndCreator(int descriptor, OSType fileType, OSType creator) {
-    uint8_t finderInfo[32] = {};
-    PutBigEndian(fileType, finderInfo);
-    PutBigEndian(creator, finderInfo + 4);
-    (void)fsetxattr(descriptor, "user.com.apple.FinderInfo", finderInfo, sizeof finderInfo, 0);
-}
-
-// ENOENT means a missing file only if its folder exists.
-OSErr ErrorForItem(int error, int16_t vRefNum, int32_t dirID) {
+// A missing file is one only if its folder exists.
+OSErr ErrorForItem(OSErr error, int16_t vRefNum, int32_t dirID) {
     std::string folder;
-    struct stat info;
-    if (error == ENOENT && volume::DirectoryPath(vRefNum, dirID, &folder) == noErr &&
-        stat(folder.c_str(), &info) != 0) {
+    if (error == fnfErr && volume::DirectoryPath(vRefNum, dirID, &folder) == noErr &&
+        !system_files::IsFolder(folder)) {
         return dirNFErr;
     }
-    return volume::ErrorFromErrno(error);
+    return error;
 }
 
 }  // namespace
 
-int DescriptorOf(int16_t refNum) {
+File FileOf(int16_t refNum) {
     const auto index = static_cast<size_t>(refNum - kFirstReference);
     return refNum >= kFirstReference && index < openFiles.size() ? openFiles[index] : kClosed;
 }
@@ -89,9 +67,14 @@ OSErr FindFolder(int16_t vRefNum, OSType folderType, Boolean, int16_t *foundVRef
     if (folderType != kPreferencesFolderType) {
         return fnfErr;
     }
-    const OSErr err = volume::DirectoryID(volume::kStartup, PreferencesPath(), foundDirID);
+    const std::string path = PreferencesPath();
+    if (path.empty()) {
+        return fnfErr;
+    }
+    const int16_t reference = volume::ReferenceOf(path);
+    const OSErr err = volume::DirectoryID(reference, path, foundDirID);
     if (err == noErr) {
-        *foundVRefNum = volume::kStartup;
+        *foundVRefNum = reference;
     }
     return err;
 }
@@ -116,12 +99,13 @@ OSErr FSpDirCreate(const FSSpec *spec, int16_t, int32_t *createdDirID) {
         return injected;
     }
     std::string path;
-    const OSErr err = volume::ItemPath(spec->vRefNum, spec->parID, spec->name, &path);
+    OSErr err = volume::ItemPath(spec->vRefNum, spec->parID, spec->name, &path);
     if (err != noErr) {
         return err;
     }
-    if (mkdir(path.c_str(), 0777) != 0) {
-        return ErrorForItem(errno, spec->vRefNum, spec->parID);
+    err = system_files::MakeFolder(path);
+    if (err != noErr) {
+        return ErrorForItem(err, spec->vRefNum, spec->parID);
     }
     return volume::DirectoryID(spec->vRefNum, path, createdDirID);
 }
@@ -153,20 +137,13 @@ OSErr HCreate(int16_t vRefNum, int32_t dirID, ConstStringPtr name, OSType creato
     if (const OSErr err = volume::ItemPath(vRefNum, dirID, name, &path); err != noErr) {
         return err;
     }
-    const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-    if (descriptor < 0) {
-        return ErrorForItem(errno, vRefNum, dirID);
-    }
-    SetTypeAndCreator(descriptor, fileType, creator);
-    close(descriptor);
-    return noErr;
+    return ErrorForItem(system_files::Create(path, fileType, creator), vRefNum, dirID);
 }
 
 OSErr HOpen(int16_t vRefNum, int32_t dirID, ConstStringPtr name, int8_t permission, int16_t *refNum) {
     if (const OSErr injected = faults::FileCallError(); injected != noErr) {
         return injected;
     }
-    static constexpr int kAccess[] = {O_RDWR, O_RDONLY, O_WRONLY, O_RDWR};
     if (permission < fsCurPerm || permission > fsRdWrPerm) {
         return paramErr;
     }
@@ -174,15 +151,12 @@ OSErr HOpen(int16_t vRefNum, int32_t dirID, ConstStringPtr name, int8_t permissi
     if (const OSErr err = volume::ItemPath(vRefNum, dirID, name, &path); err != noErr) {
         return err;
     }
-    constexpr int kFlags = O_CLOEXEC | O_NOFOLLOW;
-    int descriptor = open(path.c_str(), kAccess[permission] | kFlags);
-    if (descriptor < 0 && permission == fsCurPerm && (errno == EACCES || errno == EROFS)) {
-        descriptor = open(path.c_str(), O_RDONLY | kFlags);
+    File file;
+    const OSErr err = system_files::Open(path, permission, &file);
+    if (err != noErr) {
+        return ErrorForItem(err, vRefNum, dirID);
     }
-    if (descriptor < 0) {
-        return ErrorForItem(errno, vRefNum, dirID);
-    }
-    return AddReference(descriptor, refNum);
+    return AddReference(file, refNum);
 }
 
 OSErr HOpenDF(int16_t vRefNum, int32_t dirID, ConstStringPtr name, int8_t permission, int16_t *refNum) {
@@ -197,7 +171,7 @@ OSErr HDelete(int16_t vRefNum, int32_t dirID, ConstStringPtr name) {
     if (const OSErr err = volume::ItemPath(vRefNum, dirID, name, &path); err != noErr) {
         return err;
     }
-    return unlink(path.c_str()) == 0 ? noErr : ErrorForItem(errno, vRefNum, dirID);
+    return ErrorForItem(system_files::Delete(path), vRefNum, dirID);
 }
 
 OSErr FSRead(int16_t refNum, int64_t *count, void *buffer) {
@@ -209,18 +183,17 @@ OSErr FSRead(int16_t refNum, int64_t *count, void *buffer) {
     if (wanted < 0) {
         return paramErr;
     }
-    while (*count < wanted) {
-        const ssize_t got = read(DescriptorOf(refNum), static_cast<char *>(buffer) + *count,
-                                 static_cast<size_t>(wanted - *count));
-        if (got < 0 && errno != EINTR) {
-            return LastError();
+    const File file = FileOf(refNum);
+    OSErr err = file == kClosed ? rfNumErr : noErr;
+    while (err == noErr && *count < wanted) {
+        int64_t got;
+        err = system_files::Read(file, wanted - *count, static_cast<char *>(buffer) + *count, &got);
+        *count += got;
+        if (err == noErr && got == 0) {
+            err = eofErr;
         }
-        if (got == 0) {
-            return eofErr;
-        }
-        *count += got > 0 ? got : 0;
     }
-    return DescriptorOf(refNum) == kClosed ? rfNumErr : noErr;
+    return err;
 }
 
 OSErr FSWrite(int16_t refNum, int64_t *count, const void *buffer) {
@@ -233,90 +206,77 @@ OSErr FSWrite(int16_t refNum, int64_t *count, const void *buffer) {
         return paramErr;
     }
     const int64_t writable = faults::TakeDiskSpace(wanted);
-    while (*count < writable) {
-        const ssize_t put = write(DescriptorOf(refNum), static_cast<const char *>(buffer) + *count,
-                                  static_cast<size_t>(writable - *count));
-        if (put < 0 && errno != EINTR) {
-            return LastError();
-        }
-        *count += put > 0 ? put : 0;
+    const File file = FileOf(refNum);
+    OSErr err = file == kClosed ? rfNumErr : noErr;
+    while (err == noErr && *count < writable) {
+        int64_t put;
+        err = system_files::Write(file, writable - *count, static_cast<const char *>(buffer) + *count, &put);
+        *count += put;
     }
-    if (writable < wanted) {
-        return dskFulErr;
-    }
-    return DescriptorOf(refNum) == kClosed ? rfNumErr : noErr;
+    return err == noErr && writable < wanted ? dskFulErr : err;
 }
 
 OSErr GetEOF(int16_t refNum, int64_t *size) {
     if (const OSErr injected = faults::FileCallError(); injected != noErr) {
         return injected;
     }
-    struct stat info;
-    if (fstat(DescriptorOf(refNum), &info) != 0) {
-        return LastError();
-    }
-    *size = info.st_size;
-    return noErr;
+    const File file = FileOf(refNum);
+    return file == kClosed ? rfNumErr : system_files::Size(file, size);
 }
 
 OSErr SetFPos(int16_t refNum, int16_t positionMode, int64_t offset) {
     if (const OSErr injected = faults::FileCallError(); injected != noErr) {
         return injected;
     }
-    static constexpr int kOrigins[] = {SEEK_CUR, SEEK_SET, SEEK_END, SEEK_CUR};
-    const int descriptor = DescriptorOf(refNum);
-    struct stat info;
-    if (fstat(descriptor, &info) != 0) {
-        return LastError();
+    const File file = FileOf(refNum);
+    if (file == kClosed) {
+        return rfNumErr;
     }
     if (positionMode < fsAtMark || positionMode > fsFromMark) {
         return paramErr;
     }
-    if (positionMode == fsAtMark) {
-        offset = 0;
+    int64_t size = 0;
+    int64_t position = 0;
+    OSErr err = system_files::Size(file, &size);
+    if (err == noErr) {
+        err = system_files::Seek(file, positionMode, positionMode == fsAtMark ? 0 : offset, &position);
     }
-    const off_t position = lseek(descriptor, offset, kOrigins[positionMode]);
-    if (position < 0) {
-        return errno == EINVAL ? posErr : LastError();
-    }
-    if (position > info.st_size) {
-        lseek(descriptor, 0, SEEK_END);
+    if (err == noErr && position > size) {
+        system_files::Seek(file, fsFromLEOF, 0, &position);
         return eofErr;
     }
-    return noErr;
+    return err;
 }
 
 OSErr AllocContig(int16_t refNum, int64_t *count) {
     if (const OSErr injected = faults::FileCallError(); injected != noErr) {
         return injected;
     }
-    if (!faults::HasDiskSpace(*count)) {
-        *count = 0;
-        return dskFulErr;
+    const File file = FileOf(refNum);
+    OSErr err = !faults::HasDiskSpace(*count) ? dskFulErr : file == kClosed ? rfNumErr : noErr;
+    if (err == noErr) {
+        err = system_files::Reserve(file, *count);
     }
-    if (fallocate(DescriptorOf(refNum), FALLOC_FL_KEEP_SIZE, 0, *count) != 0) {
+    if (err != noErr) {
         *count = 0;
-        return LastError();
     }
-    return noErr;
+    return err;
 }
 
 OSErr FSClose(int16_t refNum) {
-    const int descriptor = DescriptorOf(refNum);
-    if (descriptor == kClosed) {
+    const File file = FileOf(refNum);
+    if (file == kClosed) {
         return rfNumErr;
     }
     openFiles[static_cast<size_t>(refNum - kFirstReference)] = kClosed;
-    if (close(descriptor) != 0) {
-        return LastError();
-    }
-    return faults::FileCallError();
+    const OSErr err = system_files::Close(file);
+    return err == noErr ? faults::FileCallError() : err;
 }
 
-OSErr SpecFromPosixPath(const std::string &path, FSSpec *spec) {
-    return volume::ResolvePosixPath(path, spec);
+OSErr SpecFromNativePath(const std::string &path, FSSpec *spec) {
+    return volume::ResolveNativePath(path, spec);
 }
 
-OSErr PosixPathFromSpec(const FSSpec &spec, std::string *path) {
+OSErr NativePathFromSpec(const FSSpec &spec, std::string *path) {
     return volume::ItemPath(spec.vRefNum, spec.parID, spec.name, path);
 }

@@ -1,7 +1,9 @@
-// The File Manager and the Folder Manager, on POSIX. There is one volume, "Macintosh HD", reference -1,
-// mounted on "/". Directories are identified by IDs: 2 is a volume's root, 1 its parent; any other directory
-// gets an ID when it is first used and keeps it for the life of the process. Names are in Mac Roman, 1 to 63
-// bytes long; ':' and '/' are swapped between Mac and POSIX names.
+// The File Manager and the Folder Manager. On POSIX there is one volume, "Macintosh HD", reference -1,
+// mounted on "/"; on Windows every drive and every share is one, and -1 is the system's. Directories are
+// identified by IDs: 2 is a volume's root, 1 its parent; any other directory gets an ID when it is first used
+// and keeps it for the life of the process. Names are in Mac Roman, 1 to 63 bytes long. In POSIX names, ':'
+// stands for '/'; in Windows names, what cannot be in them is stood for by the private characters that Macs
+// use on shares.
 //
 // Every call returns noErr or a File Manager error. File references are positive and never 0.
 #pragma once
@@ -42,10 +44,8 @@ union CInfoPBRec {
 
 constexpr OSType kPreferencesFolderType = FourCharCode("pref");
 
-extern "C" {
-
-// The Preferences folder is $HYMEDIAN_PREFERENCES, else $XDG_CONFIG_HOME/hymedian/Preferences, else
-// ~/.config/hymedian/Preferences. A missing folder gives fnfErr, whatever `createFolder` says.
+// The Preferences folder is that of PreferencesPath in native_paths.h. A missing folder gives fnfErr,
+// whatever `createFolder` says.
 OSErr FindFolder(int16_t vRefNum, OSType folderType, Boolean createFolder, int16_t *foundVRefNum,
                  int32_t *foundDirID);
 
@@ -64,7 +64,7 @@ OSErr FSpDelete(const FSSpec *spec);
 OSErr PBGetCatInfoSync(CInfoPBRec *block);
 
 // Creates an empty file that only its owner may read; if the file exists, returns dupFNErr. Type and creator
-// are stored in an extended attribute where the file system supports them.
+// are stored in an extended attribute where the file system supports them; on Windows they are not.
 OSErr HCreate(int16_t vRefNum, int32_t dirID, ConstStringPtr name, OSType creator, OSType fileType);
 // Opens the data fork. Symbolic links are not followed.
 OSErr HOpen(int16_t vRefNum, int32_t dirID, ConstStringPtr name, int8_t permission, int16_t *refNum);
@@ -83,5 +83,3 @@ OSErr SetFPos(int16_t refNum, int16_t positionMode, int64_t offset);
 // file.
 OSErr AllocContig(int16_t refNum, int64_t *count);
 OSErr FSClose(int16_t refNum);
-
-}  // extern "C"

@@ -6,9 +6,5 @@
 constexpr OSType gestaltSystemVersion = FourCharCode("sysv");
 constexpr OSErr gestaltUnknownErr = -5550;
 
-extern "C" {
-
 // gestaltSystemVersion gives 0x1040; no other selector is supported.
 OSErr Gestalt(OSType selector, int32_t *response);
-
-}  // extern "C"

@@ -1,56 +1,40 @@
 // Owns the list of locks that could not be obtained.
 #include "platform/locks.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <chrono>
-#include <ctime>
 #include <set>
 #include <string>
-#include <utility>
 
 #include "platform/internal/open_files.h"
+#include "platform/internal/system_locks.h"
 #include "platform/internal/volume.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
+using system_files::File;
+using system_files::kClosed;
 
 constexpr std::chrono::seconds kLongestWait{2};
-// flock has no timeout, so the lock is polled; a millisecond is short for the user and cheap for the
-// processor.
-constexpr timespec kBetweenTries = {0, 1'000'000};
 
-std::set<std::pair<dev_t, ino_t>> refused;
+std::set<std::string> refused;
 
-bool IsKeptByAnother(int descriptor) {
-    return flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-}
-
-OSErr WaitForLock(int descriptor, Clock::time_point end) {
-    while (IsKeptByAnother(descriptor)) {
+OSErr WaitForLock(bool (*isKept)(File), File lockable, Clock::time_point end) {
+    while (isKept(lockable)) {
         if (Clock::now() >= end) {
             return fBsyErr;
         }
-        // Only a handled signal interrupts the sleep, even one whose handler restarts system calls.
-        if (nanosleep(&kBetweenTries, nullptr) != 0) {
+        if (!system_locks::Pause()) {
             return userCanceledErr;
         }
     }
     return noErr;
 }
 
-OSErr Lock(int descriptor) {
-    struct stat info = {};
-    fstat(descriptor, &info);
-    const std::pair identity(info.st_dev, info.st_ino);
+OSErr Lock(bool (*isKept)(File), File lockable, const std::string &identity) {
     const bool patient = !refused.contains(identity);
     const OSErr err =
-        WaitForLock(descriptor, Clock::now() + (patient ? kLongestWait : Clock::duration::zero()));
+        WaitForLock(isKept, lockable, Clock::now() + (patient ? kLongestWait : Clock::duration::zero()));
     if (err == noErr) {
         refused.erase(identity);
     } else {
@@ -61,35 +45,39 @@ OSErr Lock(int descriptor) {
 
 }  // namespace
 
-OSErr LockFolder(int16_t vRefNum, int32_t dirID, int *lock) {
+OSErr LockFolder(int16_t vRefNum, int32_t dirID, FolderLock *lock) {
     *lock = kClosed;
     std::string path;
     if (volume::DirectoryPath(vRefNum, dirID, &path) != noErr) {
         return noErr;
     }
-    const int descriptor = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor == kClosed) {
+    const File folder = system_locks::OpenFolder(path);
+    if (folder == kClosed) {
         return noErr;
     }
-    if (const OSErr err = Lock(descriptor); err != noErr) {
-        close(descriptor);
+    const OSErr err = Lock(system_locks::FolderIsKept, folder, system_locks::IdentityOfFolder(folder, path));
+    if (err != noErr) {
+        system_locks::CloseFolder(folder);
         return err;
     }
-    *lock = descriptor;
+    *lock = folder;
     return noErr;
 }
 
-void UnlockFolder(int lock) {
+void UnlockFolder(FolderLock lock) {
     if (lock != kClosed) {
-        close(lock);
+        system_locks::CloseFolder(lock);
     }
 }
 
 OSErr LockFile(int16_t refNum) {
-    const int descriptor = DescriptorOf(refNum);
-    return descriptor == kClosed ? rfNumErr : Lock(descriptor);
+    const File file = FileOf(refNum);
+    return file == kClosed ? rfNumErr
+                           : Lock(system_locks::FileIsKept, file, system_locks::IdentityOfFile(file));
 }
 
 void UnlockFile(int16_t refNum) {
-    flock(DescriptorOf(refNum), LOCK_UN);
+    if (const File file = FileOf(refNum); file != kClosed) {
+        system_locks::UnlockFile(file);
+    }
 }

@@ -12,8 +12,9 @@
 
 // Always pass `lock` to UnlockFolder. A folder that cannot be opened is not an error here: every call on it
 // fails anyway.
-OSErr LockFolder(int16_t vRefNum, int32_t dirID, int *lock);
-void UnlockFolder(int lock);
+using FolderLock = intptr_t;
+OSErr LockFolder(int16_t vRefNum, int32_t dirID, FolderLock *lock);
+void UnlockFolder(FolderLock lock);
 
 // Held until UnlockFile or FSClose. An unknown reference gives rfNumErr.
 OSErr LockFile(int16_t refNum);

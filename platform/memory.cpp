@@ -1,9 +1,6 @@
 // Owns every block: each carries its size in a header just before the bytes handed out.
 #include "platform/memory.h"
 
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
@@ -12,6 +9,7 @@
 
 #include "platform/faults/fault_injection.h"
 #include "platform/faults/fault_queries.h"
+#include "platform/internal/large_pages.h"
 
 namespace {
 
@@ -24,25 +22,11 @@ struct Master {
     Ptr block;
 };
 
-// 4 MiB always contains a whole 2 MiB page, wherever the block starts.
-constexpr size_t kWorthLargePages = size_t{1} << 22;
-
 std::atomic<int64_t> bytesInUse = 0;
 std::atomic<int64_t> blocksInUse = 0;
 
 Header *HeaderOf(Ptr block) {
     return reinterpret_cast<Header *>(block) - 1;
-}
-
-// Faulting in a big block costs a quarter as much with large pages.
-void TakeLargePages(void *memory, size_t size) {
-    if (size < kWorthLargePages) {
-        return;
-    }
-    const auto page = static_cast<uintptr_t>(sysconf(_SC_PAGESIZE));
-    const uintptr_t begin = (reinterpret_cast<uintptr_t>(memory) + page - 1) / page * page;
-    const uintptr_t end = (reinterpret_cast<uintptr_t>(memory) + size) / page * page;
-    madvise(reinterpret_cast<void *>(begin), end - begin, MADV_HUGEPAGE);
 }
 
 Ptr Allocate(int64_t size, bool clear) {

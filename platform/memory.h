@@ -7,8 +7,6 @@
 
 #include "platform/types.h"
 
-extern "C" {
-
 Ptr NewPtr(int64_t size);
 Ptr NewPtrClear(int64_t size);
 void DisposePtr(Ptr block);
@@ -29,5 +27,3 @@ Handle TempNewHandle(int64_t size, OSErr *result);
 
 // The blocks may overlap.
 void BlockMoveData(const void *source, void *destination, int64_t count);
-
-}  // extern "C"

@@ -44,8 +44,6 @@ using CTabHandle = ColorTable **;
 constexpr GWorldFlags useTempMem = 4;
 constexpr int16_t srcCopy = 0;
 
-extern "C" {
-
 void OffsetRect(Rect *rect, int16_t dh, int16_t dv);
 void InsetRect(Rect *rect, int16_t dh, int16_t dv);
 
@@ -84,5 +82,3 @@ const BitMap *GetPortBitMapForCopyBits(CGrafPtr port);
 // the same size, the mode srcCopy, and the mask null.
 void CopyBits(const BitMap *source, const BitMap *destination, const Rect *sourceRect,
               const Rect *destinationRect, int16_t mode, RgnHandle mask);
-
-}  // extern "C"

@@ -12,7 +12,7 @@
 #include "platform/internal/dialog_resources.h"
 #include "platform/internal/resource_map.h"
 #include "platform/memory.h"
-#include "platform/posix_paths.h"
+#include "platform/native_paths.h"
 
 namespace {
 
@@ -32,8 +32,9 @@ struct Resource {
 std::vector<Resource> resources;
 std::set<int16_t> openFiles;
 OSErr lastError = noErr;
-// Offered but not opened yet, and opened.
-const std::string *offered;
+// Offered but not opened yet, in one of two ways, and opened.
+const std::string *offeredPath;
+std::string_view offeredBytes;
 int16_t offeredFile = -1;
 
 OSErr ReadWholeFile(const FSSpec *spec, int8_t permission, std::vector<uint8_t> *bytes) {
@@ -97,27 +98,11 @@ auto Find(OSType type, int16_t id) {
                         [=](const Resource &resource) { return resource.type == type && resource.id == id; });
 }
 
-// Tried once, whatever comes of it.
-void OpenOfferedFile() {
-    FSSpec spec;
-    if (SpecFromPosixPath(*std::exchange(offered, nullptr), &spec) == noErr) {
-        offeredFile = FSpOpenResFile(&spec, fsRdPerm);
-    }
-}
-
-}  // namespace
-
-int16_t FSpOpenResFile(const FSSpec *spec, int8_t permission) {
-    std::vector<uint8_t> bytes;
+// Reads the resources out of the bytes of a file; -1 if that fails, and `lastError` is set.
+int16_t OpenBytes(const std::vector<uint8_t> &bytes) {
     std::vector<ResourceEntry> entries;
-    lastError = ReadWholeFile(spec, permission, &bytes);
-    if (lastError == noErr && !ParseResourceFile(bytes, &entries)) {
-        lastError = mapReadErr;
-    }
     int16_t file = kTestFile;
-    if (lastError == noErr) {
-        lastError = TakeNumber(&file);
-    }
+    lastError = ParseResourceFile(bytes, &entries) ? TakeNumber(&file) : mapReadErr;
     if (lastError != noErr) {
         return -1;
     }
@@ -131,6 +116,26 @@ int16_t FSpOpenResFile(const FSSpec *spec, int8_t permission) {
     return file;
 }
 
+// Tried once, whatever comes of it.
+void OpenOffered() {
+    const std::string *path = std::exchange(offeredPath, nullptr);
+    const std::string_view bytes = std::exchange(offeredBytes, {});
+    FSSpec spec;
+    if (path != nullptr && SpecFromNativePath(*path, &spec) == noErr) {
+        offeredFile = FSpOpenResFile(&spec, fsRdPerm);
+    } else if (!bytes.empty()) {
+        offeredFile = OpenBytes({bytes.begin(), bytes.end()});
+    }
+}
+
+}  // namespace
+
+int16_t FSpOpenResFile(const FSSpec *spec, int8_t permission) {
+    std::vector<uint8_t> bytes;
+    lastError = ReadWholeFile(spec, permission, &bytes);
+    return lastError == noErr ? OpenBytes(bytes) : int16_t{-1};
+}
+
 void CloseResFile(int16_t refNum) {
     RemoveFile(refNum);
     lastError = noErr;
@@ -138,8 +143,8 @@ void CloseResFile(int16_t refNum) {
 
 Handle GetResource(OSType type, int16_t id) {
     auto found = Find(type, id);
-    if (found == resources.end() && offered != nullptr) {
-        OpenOfferedFile();
+    if (found == resources.end() && (offeredPath != nullptr || !offeredBytes.empty())) {
+        OpenOffered();
         found = Find(type, id);
     }
     lastError = found == resources.end() ? resNotFound : noErr;
@@ -155,11 +160,16 @@ OSErr ResError() {
 }
 
 void OfferResourceFile(const std::string *path) {
-    offered = path;
+    offeredPath = path;
 }
 
-void WithdrawResourceFile() {
-    offered = nullptr;
+void OfferResourceBytes(std::string_view bytes) {
+    offeredBytes = bytes;
+}
+
+void WithdrawResources() {
+    offeredPath = nullptr;
+    offeredBytes = {};
     CloseResFile(offeredFile);
     offeredFile = -1;
 }

@@ -6,10 +6,9 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "platform/types.h"
-
-extern "C" {
 
 // Reads a whole resource file. Returns a reference, distinct from the File Manager's, or -1; ResError then
 // gives the reason. A malformed file gives mapReadErr.
@@ -24,9 +23,13 @@ void ReleaseResource(Handle resource);
 
 OSErr ResError();
 
-}  // extern "C"
-
-// Names a file, by its POSIX path, that is opened when a resource is wanted that no open file has. The string
-// must stay until the file is withdrawn, which also closes it.
+// Resources to be opened when one is wanted that no open file has: those of a file, by its path, or those
+// that lie in memory as they would in a file. Path and bytes must stay until the resources are withdrawn,
+// which also closes them.
 void OfferResourceFile(const std::string *path);
-void WithdrawResourceFile();
+void OfferResourceBytes(std::string_view bytes);
+void WithdrawResources();
+
+// Offers those that came with this code, a module: in a file of that name beside it or, on Windows, in
+// itself.
+void OfferOwnResources();

@@ -12,8 +12,6 @@ enum : int16_t {
     inDrag = 4,
 };
 
-extern "C" {
-
 intptr_t GetWRefCon(WindowRef window);
 void SetWRefCon(WindowRef window, intptr_t value);
 
@@ -29,5 +27,3 @@ void DragWindow(WindowRef window, Point start, const Rect *bounds);
 // The desktop.
 RgnHandle GetGrayRgn();
 Rect *GetRegionBounds(RgnHandle region, Rect *bounds);
-
-}  // extern "C"

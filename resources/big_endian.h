@@ -1,4 +1,4 @@
-// Builds a resource's bytes field by field.
+// Builds a resource's bytes field by field. Numbers are big-endian if nothing else is said.
 #pragma once
 
 #include <string_view>
@@ -8,6 +8,12 @@
 
 inline void AppendNumber(std::vector<uint8_t> *bytes, uint64_t number, int width) {
     for (int shift = 8 * (width - 1); shift >= 0; shift -= 8) {
+        bytes->push_back(static_cast<uint8_t>(number >> shift));
+    }
+}
+
+inline void AppendLittleEndian(std::vector<uint8_t> *bytes, uint64_t number, int width) {
+    for (int shift = 0; shift < 8 * width; shift += 8) {
         bytes->push_back(static_cast<uint8_t>(number >> shift));
     }
 }

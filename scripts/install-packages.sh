@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the missing Debian packages of the groups named (build, test, bench, lint, fuzz, coverage, cache, valgrind, arm,
-# python, gegl, gimp), without questions.
+# python, gegl, gimp, windows, windows-test), without questions.
 set -euo pipefail
 
 declare -A packages=(
@@ -15,6 +15,8 @@ declare -A packages=(
     [python]="g++ cmake ninja-build python3-dev python3-venv python3-pip python3-setuptools python3-wheel pybind11-dev python3-numpy python3-pytest python3-tifffile python3-dask python3-distributed python3-zarr"
     [gegl]="g++ cmake ninja-build pkg-config libgegl-dev gegl python3-numpy python3-pytest python3-tifffile"
     [gimp]="g++ cmake ninja-build pkg-config libgegl-dev libgimp2.0-dev gimp python3-numpy python3-pytest python3-tifffile"
+    [windows]="g++ g++-mingw-w64-x86-64-posix cmake ninja-build zip"
+    [windows-test]="wine64 xvfb googletest"
     [arm]="g++-aarch64-linux-gnu qemu-user googletest"
 )
 

@@ -3,7 +3,7 @@
 #include <fstream>
 
 #include "hybridmedian/public.h"
-#include "platform/posix_paths.h"
+#include "platform/native_paths.h"
 
 std::optional<int32_t> LastRadius() {
     std::ifstream file(PreferencesPath() + "/" + kPreferencesFile, std::ios::binary);

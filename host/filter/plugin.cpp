@@ -10,7 +10,7 @@
 #include "photoshop/property_list.h"
 #include "platform/files.h"
 #include "platform/memory.h"
-#include "platform/posix_paths.h"
+#include "platform/native_paths.h"
 #include "platform/resources.h"
 
 namespace fs = std::filesystem;
@@ -25,7 +25,7 @@ constexpr char kResourceName[] = "HybridMedian.rsrc";
 MaybeFailure OpenResources(const std::string &path, int16_t *resources) {
     std::error_code error;
     FSSpec spec;
-    const OSErr err = SpecFromPosixPath(fs::absolute(path, error), &spec);
+    const OSErr err = SpecFromNativePath(fs::absolute(path, error), &spec);
     if (err != noErr) {
         return FileFailure(path, err == fnfErr ? "the plug-in's resource file is not there"
                                                : "the plug-in's resource file has no name that it could be "

@@ -17,7 +17,7 @@
 #include "host/picture/picture_samples.h"
 #include "host/picture/raw_source.h"
 #include "host/picture/unsupported.h"
-#include "platform/posix_paths.h"
+#include "platform/native_paths.h"
 
 namespace {
 
@@ -229,8 +229,8 @@ void CompleteResolution(VipsImage *metadata) {
 std::optional<FSSpec> SpecOf(const std::string &file) {
     std::error_code error;
     FSSpec spec;
-    return SpecFromPosixPath(std::filesystem::absolute(file, error), &spec) == noErr ? std::optional(spec)
-                                                                                     : std::nullopt;
+    return SpecFromNativePath(std::filesystem::absolute(file, error), &spec) == noErr ? std::optional(spec)
+                                                                                      : std::nullopt;
 }
 
 }  // namespace

@@ -79,6 +79,9 @@ ControlRecord *AddControl(DialogRecord *dialog, ControlRecord control);
 // The control's place in the dialog's list; -1 if it is not there.
 int32_t PlaceOf(const DialogRecord &dialog, const ControlRecord *control);
 
+// How long a scroll bar's thumb is, in units of its value. Affects only the display.
+int ThumbLength(const ControlRecord &control);
+
 // Moves the window's contents to a place on the screen.
 void MoveWindowTo(WindowRecord *window, Point place);
 

@@ -1,9 +1,7 @@
-// The descriptors behind file references.
+// The files behind file references.
 #pragma once
 
-#include <cstdint>
+#include "platform/internal/system_files.h"
 
-constexpr int kClosed = -1;
-
-// kClosed if no open file has the reference.
-int DescriptorOf(int16_t refNum);
+// system_files::kClosed if no open file has the reference.
+system_files::File FileOf(int16_t refNum);

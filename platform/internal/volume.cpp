@@ -1,52 +1,62 @@
 // Owns the volumes and the table of directory IDs.
 #include "platform/internal/volume.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <filesystem>
 #include <map>
-#include <utility>
 #include <vector>
 
 #include "platform/faults/fault_injection.h"
-#include "platform/mac_roman.h"
+#include "platform/internal/system_files.h"
+#include "platform/internal/system_folders.h"
 
 namespace {
 
 // What Str63 holds.
 constexpr size_t kMaxNameLength = 63;
-// A colon would become POSIX's separator.
+// A colon ends a name.
 constexpr std::string_view kNotInNames("\0:", 2);
 constexpr int32_t kNoDirectory = 0;
 // IDs below this are reserved, as on a Mac volume; only the root and its parent use theirs here.
 constexpr int32_t kFirstFreeDirectory = 16;
 
-struct Volume {
-    std::string name;
-    std::string root;  // POSIX path
-};
+using system_folders::Volume;
 
-using FileIdentity = std::pair<dev_t, ino_t>;
-
-// Reference -1 is entry 0, -2 entry 1.
-std::vector<Volume> volumes = {{"Macintosh HD", "/"}};
-std::map<FileIdentity, int32_t> directoryIDs;
-std::map<int32_t, std::string> directoryPaths;
-
-// The folder the process was started in may no longer exist.
-std::string StartupFolder() {
-    std::error_code error;
-    const std::filesystem::path folder = std::filesystem::current_path(error);
-    return error ? "/" : folder.string();
+// Reference -1 is entry 0, -2 entry 1. Volumes join as paths on them come up.
+std::vector<Volume> &Volumes() {
+    static std::vector<Volume> volumes = {system_folders::StartupVolume()};
+    return volumes;
 }
 
-const std::string startupFolder = StartupFolder();
+std::map<std::string, int32_t> directoryIDs;  // by the directory's identity
+std::map<int32_t, std::string> directoryPaths;
+
+const std::string startupFolder = system_folders::StartupFolder();
+
+int16_t AddVolume(const Volume &volume) {
+    std::vector<Volume> &volumes = Volumes();
+    const auto known = std::find_if(volumes.begin(), volumes.end(),
+                                    [&](const Volume &candidate) { return candidate.name == volume.name; });
+    const auto index = known - volumes.begin();
+    if (known == volumes.end()) {
+        volumes.push_back(volume);
+    }
+    return static_cast<int16_t>(-1 - index);
+}
 
 const Volume *FindVolume(int16_t vRefNum) {
     const auto index = static_cast<size_t>(-vRefNum - 1);
-    return vRefNum < 0 && index < volumes.size() ? &volumes[index] : nullptr;
+    return vRefNum < 0 && index < Volumes().size() ? &Volumes()[index] : nullptr;
+}
+
+bool FindVolumeNamed(std::string_view name, int16_t *vRefNum) {
+    const std::vector<Volume> &volumes = Volumes();
+    const auto known = std::find_if(volumes.begin(), volumes.end(),
+                                    [name](const Volume &candidate) { return candidate.name == name; });
+    const std::optional<Volume> found = known != volumes.end() ? *known : system_folders::VolumeNamed(name);
+    if (found) {
+        *vRefNum = AddVolume(*found);
+    }
+    return found.has_value();
 }
 
 std::string WithoutTrailingSlashes(std::string path) {
@@ -56,28 +66,19 @@ std::string WithoutTrailingSlashes(std::string path) {
     return path;
 }
 
-void SwapSeparators(std::string *name) {
-    for (char &c : *name) {
-        c = c == '/' ? ':' : c == ':' ? '/' : c;
-    }
-}
-
 OSErr CheckName(std::string_view name) {
     const bool sound = !name.empty() && name.size() <= kMaxNameLength && name != "." && name != ".." &&
                        name.find_first_of(kNotInNames) == std::string_view::npos;
     return sound ? noErr : bdNamErr;
 }
 
-std::string PosixName(std::string_view name) {
-    std::string swapped(name);
-    SwapSeparators(&swapped);
-    return MacRomanToUTF8(swapped);
+// A path's last name, and the path without it.
+std::string LastName(const std::string &path) {
+    return path.substr(path.rfind('/') + 1);
 }
 
-std::string MacName(std::string_view posixName) {
-    std::string name = UTF8ToMacRoman(posixName);
-    SwapSeparators(&name);
-    return name;
+std::string ParentOf(const std::string &path) {
+    return path.substr(0, path.rfind('/') + 1);
 }
 
 void StoreName(std::string_view name, StringPtr stored) {
@@ -101,8 +102,7 @@ OSErr MakeSpec(int16_t vRefNum, const std::string &folder, std::string_view name
         spec->parID = kNoDirectory;
         return err == fnfErr ? dirNFErr : err;
     }
-    struct stat info;
-    return lstat(Joined(folder, PosixName(name)).c_str(), &info) == 0 ? noErr : volume::ErrorFromErrno(errno);
+    return system_files::Find(Joined(folder, system_folders::SystemName(name)));
 }
 
 // Removes the path's next component from its front.
@@ -115,25 +115,26 @@ std::string_view TakeComponent(std::string_view *path) {
 
 }  // namespace
 
+int16_t volume::ReferenceOf(const std::string &path) {
+    return AddVolume(system_folders::VolumeOf(path));
+}
+
 OSErr volume::DirectoryID(int16_t vRefNum, const std::string &path, int32_t *dirID) {
     const Volume *on = FindVolume(vRefNum);
     if (on == nullptr) {
         return nsvErr;
     }
-    struct stat info;
-    if (stat(path.c_str(), &info) != 0) {
-        return ErrorFromErrno(errno);
-    }
-    if (!S_ISDIR(info.st_mode)) {
-        return dirNFErr;
+    std::string identity;
+    if (const OSErr err = system_folders::Identity(path, &identity); err != noErr) {
+        return err;
     }
     const std::string plainPath = WithoutTrailingSlashes(path);
-    if (plainPath == on->root) {
+    if (plainPath == WithoutTrailingSlashes(on->root)) {
         *dirID = kRoot;
         return noErr;
     }
     const auto nextFree = static_cast<int32_t>(directoryIDs.size()) + kFirstFreeDirectory;
-    *dirID = directoryIDs.try_emplace({info.st_dev, info.st_ino}, nextFree).first->second;
+    *dirID = directoryIDs.try_emplace(identity, nextFree).first->second;
     // A renamed directory goes by its latest path.
     directoryPaths[*dirID] = plainPath;
     return noErr;
@@ -163,7 +164,7 @@ OSErr volume::ItemPath(int16_t vRefNum, int32_t dirID, ConstStringPtr name, std:
         err = CheckName(item);
     }
     if (err == noErr) {
-        *path = Joined(*path, PosixName(item));
+        *path = Joined(*path, system_folders::SystemName(item));
     }
     return err;
 }
@@ -179,28 +180,24 @@ OSErr volume::CatalogueEntry(int16_t vRefNum, int32_t dirID, StringPtr name, int
         *parentID = kRootParent;
         return noErr;
     }
-    const std::filesystem::path posixPath = path;
-    const std::string macName = MacName(posixPath.filename().string());
+    const std::string macName = system_folders::MacName(LastName(path));
     if (CheckName(macName) != noErr) {
         return bdNamErr;
     }
     StoreName(macName, name);
-    return DirectoryID(vRefNum, posixPath.parent_path(), parentID);
+    return DirectoryID(vRefNum, ParentOf(path), parentID);
 }
 
 OSErr volume::ResolvePath(std::string_view path, FSSpec *spec) {
-    int16_t vRefNum = kStartup;
+    int16_t vRefNum = ReferenceOf(startupFolder);
     std::string folder = startupFolder;
     if (path.find(':') != std::string_view::npos) {
         const std::string_view name = TakeComponent(&path);
         if (!name.empty()) {
-            const auto on = std::find_if(volumes.begin(), volumes.end(),
-                                         [name](const Volume &candidate) { return candidate.name == name; });
-            if (on == volumes.end()) {
+            if (!FindVolumeNamed(name, &vRefNum)) {
                 return nsvErr;
             }
-            vRefNum = static_cast<int16_t>(-1 - (on - volumes.begin()));
-            folder = on->root;
+            folder = FindVolume(vRefNum)->root;
             if (path.empty()) {
                 spec->vRefNum = vRefNum;
                 spec->parID = kRootParent;
@@ -217,37 +214,20 @@ OSErr volume::ResolvePath(std::string_view path, FSSpec *spec) {
         if (CheckName(component) != noErr) {
             return MakeSpec(vRefNum, folder, {}, spec);
         }
-        folder = Joined(folder, PosixName(component));
+        folder = Joined(folder, system_folders::SystemName(component));
     }
 }
 
-OSErr volume::ResolvePosixPath(const std::string &path, FSSpec *spec) {
-    std::error_code ignored;
-    const std::filesystem::path whole = std::filesystem::absolute(WithoutTrailingSlashes(path), ignored);
-    return MakeSpec(kStartup, whole.parent_path(), MacName(whole.filename().string()), spec);
-}
-
-OSErr volume::ErrorFromErrno(int error) {
-    static constexpr std::pair<int, OSErr> kCodes[] = {
-        {ENOENT, fnfErr},  {ENOTDIR, dirNFErr},   {EEXIST, dupFNErr},       {EACCES, permErr},
-        {EPERM, permErr},  {EROFS, wPrErr},       {ENOSPC, dskFulErr},      {EDQUOT, dskFulErr},
-        {EMFILE, tmfoErr}, {EISDIR, notAFileErr}, {ENAMETOOLONG, bdNamErr}, {EBADF, rfNumErr},
-    };
-    const auto *code = std::find_if(std::begin(kCodes), std::end(kCodes),
-                                    [error](const auto &entry) { return entry.first == error; });
-    return code == std::end(kCodes) ? ioErr : code->second;
+OSErr volume::ResolveNativePath(const std::string &path, FSSpec *spec) {
+    const std::string whole = system_folders::AbsolutePath(WithoutTrailingSlashes(path));
+    return MakeSpec(ReferenceOf(whole), ParentOf(whole), system_folders::MacName(LastName(whole)), spec);
 }
 
 #ifdef HYMEDIAN_FAULT_INJECTION
 
 void faults::MountVolume(const std::string &name, const std::string &root) {
-    const auto mounted = std::find_if(volumes.begin(), volumes.end(),
-                                      [&](const Volume &candidate) { return candidate.name == name; });
-    if (mounted == volumes.end()) {
-        volumes.push_back({name, root});
-    } else {
-        mounted->root = root;
-    }
+    const int16_t mounted = AddVolume({name, root});
+    Volumes()[static_cast<size_t>(-mounted - 1)].root = root;
 }
 
 #endif

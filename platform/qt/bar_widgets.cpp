@@ -25,20 +25,13 @@ TrackedPart PartOf(const QScrollBar &bar, int action) {
     }
 }
 
-// Affects only the display, since the bar never steps by itself. A large range is taken to be in pixels, with
-// the bar's length of them in view.
-int ThumbLength(const ControlRecord &control, int barLength) {
-    const int range = control.maximum - control.minimum;
-    return range < barLength / 8 ? std::max(range / 4, 1) : barLength;
-}
-
 QScrollBar *MakeBar(DialogWindow *shown, const ControlRecord *control) {
     const QRect place = qt::QRectOf(control->bounds);
     const bool across = place.width() >= place.height();
     auto *bar = new QScrollBar(across ? Qt::Horizontal : Qt::Vertical, shown->window.get());
     bar->setGeometry(place);
     bar->setRange(control->minimum, control->maximum);
-    bar->setPageStep(ThumbLength(*control, std::max(place.width(), place.height())));
+    bar->setPageStep(model::ThumbLength(*control));
     bar->setTracking(false);
     bar->setContextMenuPolicy(Qt::NoContextMenu);
     const QString name = qt::AccessibleName(*shown->dialog, control->bounds, {});

@@ -7,8 +7,8 @@
 #include <algorithm>
 
 #include "platform/internal/dialog_model.h"
+#include "platform/native_paths.h"
 #include "platform/packing.h"
-#include "platform/posix_paths.h"
 #include "platform/remote/line.h"
 #include "platform/remote/picture_rows.h"
 #include "platform/remote/protocol.h"

@@ -6,22 +6,30 @@
 // Filters a picture, read from a file of packed samples or made from a seed, and prints one line: the result
 // code, a digest of the document's pixels ("=" if they are as before), the radius recorded, the size of
 // `parameters` (-1: none), and what went wrong. The exit status is 1 if the plug-in touched what is not its.
+#include <pthread.h>
 #include <stddef.h>
 #include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 
+typedef void (*Proc)(void);
+static char entry[64] = "main";
+
 #ifndef _WIN32
 #include <dlfcn.h>
-#include <pthread.h>
 #include <unistd.h>
 
 static void *Load(const char *file, int forAll) {
     return dlopen(file, RTLD_NOW | (forAll ? RTLD_GLOBAL : RTLD_LOCAL));
 }
-#define Find dlsym
 #define Unload dlclose
+
+static Proc Find(void *module, const char *name) {
+    Proc found;
+    *(void **)&found = dlsym(module, name);
+    return found;
+}
 
 static void StandNowhere(void) {
     char name[] = "/tmp/nowhere-XXXXXX";
@@ -30,13 +38,110 @@ static void StandNowhere(void) {
     }
 }
 
+static void *OpenWindow(void) { return NULL; }
+static void TypeLater(int keys) { (void)keys; }
+#else
+#include <windows.h>
+
+static const wchar_t *Wide(const char *text) {
+    static wchar_t wide[1024];
+    MultiByteToWideChar(CP_ACP, 0, text, -1, wide, 1024);
+    return wide;
+}
+
+// A resource of the named type, whatever its number.
+static BOOL CALLBACK TakeFirst(HMODULE file, const wchar_t *type, wchar_t *name, LONG_PTR found) {
+    *(HRSRC *)found = FindResourceW(file, name, type);
+    return FALSE;
+}
+
+// Tells what the property list says, read from the file without loading it, and takes the entry's name from
+// it.
+static int ReadProperties(const char *name) {
+    const HMODULE file = LoadLibraryExW(Wide(name), NULL, LOAD_LIBRARY_AS_DATAFILE);
+    HRSRC found = NULL;
+    EnumResourceNamesW(file, L"PiPL", TakeFirst, (LONG_PTR)&found);
+    const char *list = found == NULL ? NULL : LockResource(LoadResource(file, found));
+    int32_t count;
+    if (list == NULL || *(const int16_t *)list != 1 || memcmp(list + 2, "\0\0\0", 4) != 0) {
+        return 0;
+    }
+    memcpy(&count, list + 6, sizeof count);
+    for (list += 10; count-- > 0;) {
+        int32_t length;
+        memcpy(&length, list + 12, sizeof length);
+        const char *data = list + 16;
+        if (memcmp(list, "MIB8", 4) != 0) {
+            return 0;
+        }
+        printf("%c%c%c%c", list[7], list[6], list[5], list[4]);
+        if (memcmp(list + 4, "4668", 4) == 0) {
+            snprintf(entry, sizeof entry, "%s", data);
+        }
+        if (memcmp(list + 4, "eman", 4) == 0 || memcmp(list + 4, "gtac", 4) == 0) {
+            printf(" '%.*s'\n", data[0], data + 1);
+        } else if (memcmp(list + 4, "4668", 4) == 0 || memcmp(list + 4, "lbne", 4) == 0) {
+            printf(" '%s' %d\n", data, data[length - 1]);
+        } else {
+            for (int i = 0; i < length; ++i) {
+                printf("%s%02x", i % 4 == 0 ? " " : "", (uint8_t)data[i]);
+            }
+            printf("\n");
+        }
+        list = data + (length + 3) / 4 * 4;
+    }
+    FreeLibrary(file);
+    return 1;
+}
+
+static void *Load(const char *file, int forAll) {
+    return !forAll && !ReadProperties(file) ? NULL : (void *)LoadLibraryW(Wide(file));
+}
+
+#define Find(module, name) ((Proc)GetProcAddress(module, name))
+#define Unload(module) FreeLibrary(module)
+
+static void StandNowhere(void) { SetCurrentDirectoryW(L"C:\\"); }
+
+static HWND window;
+
+static void *OpenWindow(void) {
+    window = CreateWindowW(L"STATIC", L"A host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 50, 50, 400, 300, NULL,
+                           NULL, NULL, NULL);
+    return &window;
+}
+
+// The user: types decimal digits of `keys`, two for each key, as soon as there is a dialog.
+static void *Type(void *keys) {
+    HWND dialog = NULL;
+    for (int i = 0; i < 1000 && dialog == NULL; ++i) {
+        Sleep(20);
+        dialog = GetLastActivePopup(window);
+        dialog = dialog == window || !IsWindowVisible(dialog) ? NULL : dialog;
+    }
+    printf("dialog %s, host %s\n", dialog ? "shown" : "not shown",
+           IsWindowEnabled(window) ? "enabled" : "disabled");
+    for (intptr_t left = (intptr_t)keys; dialog != NULL && left > 0; left /= 100) {
+        PostMessageW(dialog, left % 100 < 32 ? WM_KEYDOWN : WM_CHAR, (WPARAM)(left % 100), 0);
+        Sleep(200);
+    }
+    return NULL;
+}
+
+static void TypeLater(int keys) {
+    pthread_t user;
+    if (keys != 0 && pthread_create(&user, NULL, Type, (void *)(intptr_t)keys) == 0) {
+        pthread_detach(user);
+    }
+}
+#endif
+
 static void CallElsewhere(void *(*call)(void *)) {
     pthread_t thread;
     if (pthread_create(&thread, NULL, call, NULL) == 0) {
         pthread_join(thread, NULL);
     }
 }
-#endif
 
 // The switches and their defaults.
 // clang-format off
@@ -58,6 +163,8 @@ static void CallElsewhere(void *(*call)(void *)) {
     S(ask, 0)                  /* how many runs begin with Parameters; the rest repeat the last filter */  \
     S(runs, 1) S(between, 0)   /* a second document is filtered in the middle of the first */              \
     S(nowhere, 0) S(thread, 0) /* in a removed folder; on a second thread */                               \
+    S(window, 0)               /* the host has one, where it can have one */                               \
+    S(keys, 0)                 /* what is typed into the dialog: two digits a key, the last key first */   \
     S(missing, 0) S(unmasked, 0)  /* bytes by which rows, or those of the mask, are too short */           \
     S(fewer, 0)                /* planes left out of rows */                                               \
     S(shift, 0) S(once, 0)     /* how far off rows are delivered; the only delivery that is */
@@ -136,7 +243,6 @@ static char *Lock(Handle handle, uint8_t high) { return high <= 1 ? (*PlaceOf(ha
 
 static void Unlock(Handle handle) { (void)PlaceOf(handle); }
 
-typedef void (*Proc)(void);
 typedef struct Suite {
     int16_t version, count;
     Proc procs[18];
@@ -219,8 +325,8 @@ typedef struct Record {
     int32_t maskRowBytes;
     uint8_t gap136[20];
     int16_t imageMode;
-    uint8_t gap158[66];
-    void *bufferProcs, *gap232[3], *handleProcs;
+    uint8_t gap158[58];
+    void *platformData, *bufferProcs, *gap232[3], *handleProcs;
     uint8_t gap264[4];
     int16_t filterCase;
     uint8_t gap270[10];
@@ -360,6 +466,7 @@ static void FillRecord(void) {
                            .bufferSpace = on.space,
                            .haveMask = on.mask != 0,
                            .imageMode = (int16_t)on.mode,
+                           .platformData = on.window ? OpenWindow() : NULL,
                            .bufferProcs = on.buffers ? &bufferProcs : NULL,
                            .handleProcs = on.handles > 0 ? &handleProcs : NULL,
                            .filterCase = on.mask ? 2 : 1,
@@ -384,6 +491,7 @@ static int16_t RunOnce(int asks) {
     FillRecord();
     memcpy(run->result, run->source, PictureBytes());
     run->requests = 0;
+    TypeLater(on.keys);
     int16_t result = asks ? Call(1) : 0;
     for (int16_t selector = 2; result == 0 && selector <= 3; ++selector) {
         result = Call(selector);
@@ -480,7 +588,7 @@ int main(int count, char **words) {
     if (on.nowhere) {
         StandNowhere();
     }
-    *(void **)&plugIn = module == NULL ? NULL : Find(module, "main");
+    plugIn = module == NULL ? NULL : (void (*)(int16_t, void *, intptr_t *, int16_t *))Find(module, entry);
     handleProcs.count = (int16_t)on.handles;
     readProcs.count = (int16_t)on.reads;
     writeProcs.count = (int16_t)on.writes;

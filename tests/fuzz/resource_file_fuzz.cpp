@@ -7,7 +7,7 @@
 #include "platform/faults/fault_injection.h"
 #include "platform/files.h"
 #include "platform/memory.h"
-#include "platform/posix_paths.h"
+#include "platform/native_paths.h"
 #include "platform/resources.h"
 #include "platform/scripted_dialogs.h"
 #include "settings/key_names.h"
@@ -64,7 +64,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size) {
     // Painting is slow, so windows are kept small.
     faults::SetMemoryLimit(faults::BytesInUse() + (64 << 10));
     FSSpec file;
-    SpecFromPosixPath(folder.path / "test.rsrc", &file);
+    SpecFromNativePath(folder.path / "test.rsrc", &file);
     const int16_t resources = FSpOpenResFile(&file, fsRdPerm);
     ReadPropertyList();
     char name[kKeyNameSize], units[kKeyNameSize];

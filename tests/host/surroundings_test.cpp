@@ -1,5 +1,5 @@
 // The program's environment: missing and new folders, and locks held by others.
-#include "platform/posix_paths.h"
+#include "platform/native_paths.h"
 #include "tests/host/program_fixture.h"
 #include "tests/support/held_lock.h"
 

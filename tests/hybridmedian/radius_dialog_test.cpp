@@ -1,8 +1,5 @@
 // User actions in the radius dialog, and their effects.
-#include <sys/resource.h>
-
 #include <algorithm>
-#include <csignal>
 #include <iterator>
 #include <limits>
 
@@ -29,21 +26,6 @@ Actions Then(Actions actions, const Actions &more) {
     actions.insert(actions.end(), more.begin(), more.end());
     return actions;
 }
-
-// While one exists, no file can grow beyond an image's header.
-class FullDisk {
-  public:
-    FullDisk() {
-        getrlimit(RLIMIT_FSIZE, &usual);
-        const rlimit tight = {16, usual.rlim_max};
-        signal(SIGXFSZ, SIG_IGN);
-        setrlimit(RLIMIT_FSIZE, &tight);
-    }
-    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &usual); }
-
-  private:
-    rlimit usual;
-};
 
 class RadiusDialog : public DialogTest {
   protected:
@@ -268,7 +250,7 @@ TEST_F(RadiusDialog, WithoutItsResourcesNothingOpens) {
 }
 
 TEST_F(RadiusDialog, WorksWithoutAWorkImage) {
-    const FullDisk disk;
+    faults::SetDiskSpace(16);
     refuseTemporaryMemory = true;
     const struct {
         UserAction end;

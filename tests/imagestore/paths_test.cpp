@@ -3,43 +3,42 @@
 #include <cstring>
 #include <fstream>
 
-#include "platform/posix_paths.h"
+#include "platform/native_paths.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {
 
 class Paths : public ScratchFolder {
   protected:
-    void SetUp() override { faults::MountVolume("Disk", folder); }
+    void SetUp() override { faults::MountVolume("Disk", folder.generic_string()); }
 };
 
 constexpr OSType kCode = FourCharCode("ttxt");
 
 TEST_F(Paths, FilesAreReachedByTheirColonPaths) {
-    std::filesystem::create_directories(folder / "Logs" / "M\u00E4rz:1");
+    std::filesystem::create_directories(folder / "Logs");
+    int32_t made;
+    FSSpec within;
+    CStringToFSSpec("Disk:Logs:M\212rz/1", &within);
+    ASSERT_EQ(FSpDirCreate(&within, smSystemScript, &made), noErr);
     const struct {
         const char *path;
         OSErr created;
-        const char *posix;
+        const char *native;  // "" for a name that systems spell differently
     } cases[] = {
-        {"Disk:a.txt", noErr, "a.txt"},
-        {"Disk:Logs:run.txt", noErr, "Logs/run.txt"},
-        {"Disk:Logs:M\212rz/1:x", noErr, "Logs/M\u00E4rz:1/x"},
-        {"Disk:Missing:run.txt", dirNFErr, nullptr},
-        {"Elsewhere:run.txt", nsvErr, nullptr},
-        {"Disk:Logs:..", bdNamErr, nullptr},
-        {"Disk:Logs::x", bdNamErr, nullptr},
-        {"Disk:a.txt", dupFNErr, "a.txt"},
-        {"Disk:a.txt:x", dirNFErr, nullptr},
-        {"", bdNamErr, nullptr},
+        {"Disk:a.txt", noErr, "a.txt"},         {"Disk:Logs:run.txt", noErr, "Logs/run.txt"},
+        {"Disk:Logs:M\212rz/1:x", noErr, ""},   {"Disk:Missing:run.txt", dirNFErr, nullptr},
+        {"Elsewhere:run.txt", nsvErr, nullptr}, {"Disk:Logs:..", bdNamErr, nullptr},
+        {"Disk:Logs::x", bdNamErr, nullptr},    {"Disk:a.txt", dupFNErr, "a.txt"},
+        {"Disk:a.txt:x", dirNFErr, nullptr},    {"", bdNamErr, nullptr},
     };
     for (const auto &c : cases) {
         const OSErr err = FSCreatePath(c.path, kCode, kCode);
         EXPECT_EQ(err, c.created) << c.path;
         int16_t ref;
-        EXPECT_EQ(FSOpenPath(c.path, &ref) == noErr, c.posix != nullptr) << c.path;
-        if (c.posix != nullptr) {
-            EXPECT_TRUE(std::filesystem::exists(folder / c.posix)) << c.path;
+        EXPECT_EQ(FSOpenPath(c.path, &ref) == noErr, c.native != nullptr) << c.path;
+        if (c.native != nullptr) {
+            EXPECT_TRUE(std::filesystem::exists(folder / c.native)) << c.path;
             FSClose(ref);
         }
     }
@@ -124,16 +123,23 @@ TEST_F(Paths, SpecificationsBecomeFullPaths) {
         EXPECT_EQ(path[c.size], c.size == 0 ? '?' : '#') << c.size;
     }
     CStringToFSSpec("Disk:Logs:run.txt", &spec);
-    std::string posix;
-    EXPECT_EQ(PosixPathFromSpec(spec, &posix), noErr);
-    EXPECT_EQ(posix, folder / "Logs/run.txt");
-    EXPECT_EQ(SpecFromPosixPath(posix, &spec), fnfErr);
-    EXPECT_EQ(spec.vRefNum, -1);
+    std::string native;
+    EXPECT_EQ(NativePathFromSpec(spec, &native), noErr);
+    EXPECT_EQ(native, (folder / "Logs/run.txt").generic_string());
+    EXPECT_EQ(SpecFromNativePath(native, &spec), fnfErr);
     char path[514];
     FSSpecToCString(&spec, path, sizeof path);
-    EXPECT_EQ(std::string(path).substr(0, 13), "Macintosh HD:");
+    const std::string root =
+        folder.root_name().empty() ? "Macintosh HD" : folder.root_name().string().substr(0, 1);
+    EXPECT_EQ(std::string(path).substr(0, root.size() + 1), root + ":");
+    CStringToFSSpec((root + ":any").c_str(), &spec);
+    EXPECT_EQ(spec.parID, 2);
+}
 
-    // Longer than the buffers in which a run keeps paths, and cut at every position.
+// Longer than the buffers in which a run keeps paths, and cut at every position.
+TEST_F(Paths, LongerThanBuffersAreCut) {
+    FSSpec spec;
+    char path[514];
     std::filesystem::path longPath = folder;
     std::string whole = "Disk:";
     for (int level = 0; level < 10; ++level) {
@@ -143,7 +149,7 @@ TEST_F(Paths, SpecificationsBecomeFullPaths) {
     std::filesystem::create_directories(longPath);
     FSSpec onDisk;
     CStringToFSSpec("Disk:any", &onDisk);
-    ASSERT_EQ(SpecFromPosixPath(longPath / "name", &spec), fnfErr);
+    ASSERT_EQ(SpecFromNativePath((longPath / "name").string(), &spec), fnfErr);
     spec.vRefNum = onDisk.vRefNum;
     const std::string withName = whole + "name";
     for (size_t size = 2; size < withName.size() + 5; ++size) {

@@ -57,7 +57,7 @@ TEST(NumberText, RealsHaveSixDigits) {
 class Log : public ScratchFolder {
   protected:
     void SetUp() override {
-        faults::MountVolume("Disk", folder);
+        faults::MountVolume("Disk", folder.generic_string());
         std::filesystem::create_directories(folder / "My.Folder");
         context.logBasePath = basePath;
     }

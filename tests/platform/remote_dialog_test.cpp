@@ -45,6 +45,19 @@ size_t OpenDescriptors() {
 
 class RemoteDialog : public DialogTest {
   protected:
+    // With the user at the other end of a line.
+    DialogOutcome RunOverLine(const TestImage &source, float radius, std::vector<UserAction> actions) {
+        std::vector<DialogState> states;
+        const std::unique_ptr<AnsweredDialogs> answered = AnswerDialogs(std::move(actions));
+        answered->session.states = &states;
+        SetDialogBackend(nullptr);
+        UsePlatformData(kAnsweringHost, &answered->forModule);
+        DialogOutcome outcome = RunOnBackend(source, radius);
+        UsePlatformData(0, nullptr);
+        outcome.states = std::move(states);
+        return outcome;
+    }
+
     // Passes packets on between a dialog and its script, but for what `damage` does to the answers. Returns
     // the number of answers.
     int RunDamaged(const std::function<bool(int number, Packet *answer)> &damage, DialogOutcome *outcome) {

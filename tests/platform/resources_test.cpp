@@ -6,7 +6,7 @@
 #include <random>
 
 #include "platform/memory.h"
-#include "platform/posix_paths.h"
+#include "platform/native_paths.h"
 #include "resources/big_endian.h"
 #include "resources/plugin_properties.h"
 #include "resources/resource_file.h"
@@ -25,7 +25,7 @@ class Resources : public ScratchFolder {
         file.write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
         file.close();
         FSSpec spec;
-        EXPECT_EQ(SpecFromPosixPath(folder / "test.rsrc", &spec), noErr);
+        EXPECT_EQ(SpecFromNativePath((folder / "test.rsrc").string(), &spec), noErr);
         return FSpOpenResFile(&spec, 1);
     }
 };
@@ -87,21 +87,21 @@ TEST_F(Resources, AreFoundByTypeAndNumber) {
 TEST_F(Resources, OfferedFilesAreOpenedWhenTheyAreNeeded) {
     CloseResFile(Open(ResourceFileBytes(Sample())));
     const int16_t other = Open(ResourceFileBytes({{kText, 7, Bytes("another file's")}}));
-    const std::string path = folder / "offered.rsrc";
+    const std::string path = Path("offered.rsrc");
     OfferResourceFile(&path);
     std::filesystem::copy(folder / "test.rsrc", path);
     EXPECT_NE(GetResource(kText, 7), nullptr);
     // Not read yet, so what is there now counts.
     CloseResFile(Open(ResourceFileBytes(Sample())));
-    std::filesystem::copy(folder / "test.rsrc", path, std::filesystem::copy_options::overwrite_existing);
+    std::filesystem::rename(folder / "test.rsrc", path);
     EXPECT_NE(GetResource(kItems, 9534), nullptr);
-    WithdrawResourceFile();
+    WithdrawResources();
     EXPECT_EQ(GetResource(kItems, 9534), nullptr);
 
     std::filesystem::remove(path);
     OfferResourceFile(&path);
     EXPECT_EQ(GetResource(kItems, 9534), nullptr);
-    WithdrawResourceFile();
+    WithdrawResources();
     EXPECT_NE(GetResource(kText, 7), nullptr);
     CloseResFile(other);
 }

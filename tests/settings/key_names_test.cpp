@@ -3,7 +3,7 @@
 #include "hybridmedian/public.h"
 #include "imagestore/strings.h"
 #include "platform/files.h"
-#include "platform/posix_paths.h"
+#include "platform/native_paths.h"
 #include "platform/resources.h"
 #include "resources/key_name_table.h"
 #include "settings/setting_dump.h"
@@ -95,7 +95,7 @@ TEST_F(KeyNames, SettingsAreDumpedByKind) {
     AddSPOutputSettingCString(block, FourCharCode("none"), nullptr);
 
     FSSpec spec;
-    SpecFromPosixPath(folder / "dump", &spec);
+    SpecFromNativePath((folder / "dump").string(), &spec);
     int16_t file;
     ASSERT_EQ(FSpCreate(&spec, 0, 0, 0), noErr);
     ASSERT_EQ(FSpOpenDF(&spec, fsRdWrPerm, &file), noErr);

@@ -1,7 +1,5 @@
 #include "tests/support/dialog_session.h"
 
-#include "platform/answered_dialogs.h"
-
 namespace {
 
 int32_t Short(const uint8_t *bytes) {
@@ -44,19 +42,6 @@ DialogOutcome DialogTest::Run(const TestImage &source, float radius, std::vector
     session.states = &states;
     UseScriptedDialogs(&session);
     DialogOutcome outcome = RunOnBackend(source, radius);
-    outcome.states = std::move(states);
-    return outcome;
-}
-
-DialogOutcome DialogTest::RunOverLine(const TestImage &source, float radius,
-                                      std::vector<UserAction> actions) {
-    std::vector<DialogState> states;
-    const std::unique_ptr<AnsweredDialogs> answered = AnswerDialogs(std::move(actions));
-    answered->session.states = &states;
-    SetDialogBackend(nullptr);
-    UsePlatformData(kAnsweringHost, &answered->forModule);
-    DialogOutcome outcome = RunOnBackend(source, radius);
-    UsePlatformData(0, nullptr);
     outcome.states = std::move(states);
     return outcome;
 }

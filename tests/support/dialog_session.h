@@ -50,9 +50,6 @@ class DialogTest : public ScratchFolder {
     // If no action ends the dialog, it is cancelled.
     DialogOutcome Run(const TestImage &source, float radius, std::vector<UserAction> actions);
 
-    // The same with the user at the other end of a line.
-    DialogOutcome RunOverLine(const TestImage &source, float radius, std::vector<UserAction> actions);
-
     // Uses the back end that the caller has chosen.
     DialogOutcome RunOnBackend(const TestImage &source, float radius);
 

@@ -1,8 +1,26 @@
 #include "tests/support/scratch_folder.h"
 
 #include <cstdlib>
+#include <deque>
 #include <fstream>
 #include <iterator>
+#include <random>
+
+// The environment may keep the texts themselves. A name alone removes the variable on POSIX, an empty value
+// on Windows.
+void SetVariable(const std::string &name, const char *value) {
+    static std::deque<std::string> kept;
+    putenv(kept.emplace_back(name + "=" + (value == nullptr ? "" : value)).data());
+    if (value == nullptr) {
+        putenv(kept.emplace_back(name).data());
+    }
+}
+
+bool MakeLink(const std::filesystem::path &target, const std::filesystem::path &link) {
+    std::error_code error;
+    std::filesystem::create_symlink(target, link, error);
+    return !error;
+}
 
 std::string ContentsOf(const std::filesystem::path &path) {
     std::ifstream file(path, std::ios::binary);
@@ -10,9 +28,11 @@ std::string ContentsOf(const std::filesystem::path &path) {
 }
 
 ScratchFolder::ScratchFolder() {
-    std::string name = testing::TempDir() + "hymedian-XXXXXX";
-    folder = mkdtemp(name.data());
-    setenv("HYMEDIAN_PREFERENCES", folder.c_str(), 1);
+    std::random_device random;
+    do {
+        folder = testing::TempDir() + "hymedian-" + std::to_string(random());
+    } while (!std::filesystem::create_directory(folder));
+    SetVariable("HYMEDIAN_PREFERENCES", folder);
     blocksBefore = faults::BlocksInUse();
 }
 
@@ -38,7 +58,7 @@ size_t ScratchFolder::FileCount() const {
 std::set<std::string> ScratchFolder::Names(const std::string &subfolder) const {
     std::set<std::string> names;
     for (const auto &entry : std::filesystem::directory_iterator(folder / subfolder)) {
-        names.insert(entry.path().filename());
+        names.insert(entry.path().filename().string());
     }
     return names;
 }

@@ -11,6 +11,15 @@
 
 #include "platform/faults/fault_injection.h"
 
+// In the environment of this process; null takes the variable away.
+void SetVariable(const std::string &name, const char *value);
+inline void SetVariable(const std::string &name, const std::filesystem::path &value) {
+    SetVariable(name, value.string().c_str());
+}
+
+// False where links are not to be had for everybody.
+bool MakeLink(const std::filesystem::path &target, const std::filesystem::path &link);
+
 std::string ContentsOf(const std::filesystem::path &path);
 
 class ScratchFolder : public testing::Test {

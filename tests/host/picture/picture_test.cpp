@@ -5,7 +5,7 @@
 #include "host/picture/picture_format.h"
 #include "host/picture/picture_mode.h"
 #include "host/picture/picture_writer.h"
-#include "platform/posix_paths.h"
+#include "platform/native_paths.h"
 #include "tests/host/host_fixture.h"
 
 namespace {
@@ -75,7 +75,7 @@ TEST_F(PictureFile, SamplesComeBackAsTheyWere) {
         EXPECT_EQ(read.document.imageMode, test.mode);
         std::string place;
         ASSERT_TRUE(read.document.file.has_value());
-        EXPECT_EQ(PosixPathFromSpec(*read.document.file, &place), noErr);
+        EXPECT_EQ(NativePathFromSpec(*read.document.file, &place), noErr);
         EXPECT_EQ(place, Path(test.file));
         ASSERT_EQ(read.document.planes, test.planes);
         const std::vector<uint8_t> expected = BytesOf(written.document, written.document.destination);

@@ -1,15 +1,14 @@
 // Tests every kernel that this machine can run against the plain implementation of the filter.
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <random>
 #include <vector>
 
 #include "median/kernel/hybrid_kernel.h"
 #include "median/plain/plain_filter.h"
+#include "tests/support/scratch_folder.h"
 
 namespace {
 
@@ -71,8 +70,11 @@ std::vector<uint8_t> FilterInBlocks(const HybridKernel &kernel, const Format &fo
         target.emplace_back(new uint8_t[rowBytes]);
     }
     const size_t scratchBytes = kernel.scratchBytes(format.format, radius);
-    const std::unique_ptr<void, void (*)(void *)> scratch(
-        std::aligned_alloc(kHybridScratchAlignment, scratchBytes), std::free);
+    constexpr std::align_val_t kAlignment{kHybridScratchAlignment};
+    const std::unique_ptr<void, void (*)(void *)> scratch(operator new(scratchBytes, kAlignment),
+                                                          [](void *block) {
+                                                              operator delete(block, kAlignment);
+                                                          });
     std::memset(scratch.get(), 0xFF, scratchBytes);
     for (int y = 0; y < height; y += blocks.lines) {
         const int lines = std::min(blocks.lines, height - y);
@@ -176,12 +178,12 @@ INSTANTIATE_TEST_SUITE_P(EveryRadius, Kernels, testing::Range(1, 7));
 TEST(KernelChoice, EnvironmentNamesAKernelThatRuns) {
     const HybridKernel *fastest = SelectHybridKernel();
     for (auto kernel = UsableHybridKernels(); *kernel != nullptr; ++kernel) {
-        setenv("HYMEDIAN_KERNEL", (*kernel)->name, 1);
+        SetVariable("HYMEDIAN_KERNEL", (*kernel)->name);
         EXPECT_EQ(SelectHybridKernel(), *kernel);
     }
-    setenv("HYMEDIAN_KERNEL", "no such kernel", 1);
+    SetVariable("HYMEDIAN_KERNEL", "no such kernel");
     EXPECT_EQ(SelectHybridKernel(), fastest);
-    unsetenv("HYMEDIAN_KERNEL");
+    SetVariable("HYMEDIAN_KERNEL", nullptr);
 }
 
 }  // namespace

@@ -1,17 +1,17 @@
 // A different kind of filter on the same driver: it measures, and so writes a measurement file and a run log.
 #include "plugin/outputs.h"
 
-#include <sys/xattr.h>
-
 #include <cmath>
 
+#include "imagestore/paths.h"
 #include "imagestore/strings.h"
 #include "log/html_log.h"
 #include "photoshop/image_modes.h"
 #include "platform/files.h"
-#include "platform/posix_paths.h"
+#include "platform/native_paths.h"
 #include "tests/plugin/other_filter/test_filter.h"
 #include "tests/support/dates.h"
+#include "tests/support/file_facts.h"
 #include "tests/support/key_name_table.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/test_host.h"
@@ -47,7 +47,7 @@ void MeasureAPath(NamedImage *, const RunContext *, SPBlock *settings) {
 class Outputs : public ScratchFolder {
   protected:
     void SetUp() override {
-        faults::MountVolume("Disk", folder);
+        faults::MountVolume("Disk", folder.generic_string());
         AddKeyNameTable({{"full", "Full", "none"},
                          {"path", "Path", "none"},
                          {"area", "Area", "cur2"},
@@ -62,8 +62,10 @@ class Outputs : public ScratchFolder {
 
     OSErr Run(const char *documentName, int32_t maxVersion = 1) {
         FSSpec spec;
-        SpecFromPosixPath(folder / documentName, &spec);
-        spec.vRefNum = volume;
+        SpecFromNativePath((folder / documentName).string(), &spec);
+        FSSpec onDisk;
+        CStringToFSSpec("Disk:any", &onDisk);
+        spec.vRefNum = onDisk.vRefNum;
         spec.parID = 2;
         ReadImageDocumentDesc info = {};
         info.maxVersion = maxVersion;
@@ -73,9 +75,6 @@ class Outputs : public ScratchFolder {
         const TestDocument document = {plugInModeGrayScale, 8, 1, {0, 0, 1, 1}, {9}, {}};
         return RunPlugin(document, options).result;
     }
-
-    // The volume "Disk" is the second one.
-    static constexpr int16_t volume = -2;
 };
 
 constexpr char kLine[] = "Full\tTRUE\tPath\ta<b\tArea\t12.5000\t(in^2)\tCount\t42\tpieces\tShape\t2\t";
@@ -96,12 +95,8 @@ TEST_F(Outputs, TwoRunsGiveTwoLinesAndTwoBlocks) {
     const std::string page = File("photo/index.html");
     EXPECT_EQ(page.substr(132), block + block + "</body>\r</html>\r");
     EXPECT_EQ(_FetchHTMLlogfref(), 0);
-
-    // Only if the file system stores such attributes.
-    char finderInfo[32];
-    if (getxattr((folder / "measured.txt").c_str(), "user.com.apple.FinderInfo", finderInfo,
-                 sizeof finderInfo) == sizeof finderInfo) {
-        EXPECT_EQ(std::string(finderInfo, 8), "TEXTttxt");
+    if (const std::string codes = TypeAndCreator(folder / "measured.txt"); !codes.empty()) {
+        EXPECT_EQ(codes, "TEXTttxt");
     }
 }
 

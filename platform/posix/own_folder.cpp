@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "platform/posix_paths.h"
+#include "platform/native_paths.h"
 
 namespace {
 

@@ -1,4 +1,5 @@
-// Converts between FSSpecs and POSIX paths, as users and POSIX hosts give them.
+// Converts between FSSpecs and the system's paths, as users and hosts give them. On Windows they are in
+// UTF-8, too.
 #pragma once
 
 #include <string>
@@ -6,11 +7,12 @@
 #include "platform/types.h"
 
 // fnfErr when nothing has the path's last name; the FSSpec is valid all the same.
-OSErr SpecFromPosixPath(const std::string &path, FSSpec *spec);
-OSErr PosixPathFromSpec(const FSSpec &spec, std::string *path);
+OSErr SpecFromNativePath(const std::string &path, FSSpec *spec);
+OSErr NativePathFromSpec(const FSSpec &spec, std::string *path);
 
 // The folder that FindFolder returns as the Preferences folder: $HYMEDIAN_PREFERENCES, else
-// hymedian/Preferences below $XDG_CONFIG_HOME or ~/.config.
+// hymedian/Preferences below $XDG_CONFIG_HOME or ~/.config; on Windows, below %APPDATA%. Empty if there is
+// nothing that says where.
 std::string PreferencesPath();
 // Creates it, accessible only to its owner. Failures are not reported: without the folder the filter still
 // runs, with default settings and images in memory.

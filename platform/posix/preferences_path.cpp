@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "platform/posix_paths.h"
+#include "platform/native_paths.h"
 
 namespace fs = std::filesystem;
 

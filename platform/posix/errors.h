@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/types.h"
+
+namespace posix {
+
+// The File Manager's error code for an errno value.
+OSErr ErrorFromErrno(int error);
+
+// For the call that has just failed.
+OSErr LastError();
+
+}  // namespace posix

@@ -1,0 +1,111 @@
+// The back end that shows dialogs in windows of the host's process. Owns the windows of open dialogs.
+#include <algorithm>
+#include <cstring>
+
+#include "platform/dialog_backend.h"
+#include "platform/windows/dialog_window.h"
+#include "platform/windows/display.h"
+
+namespace {
+
+using windows::Action;
+using windows::DialogWindow;
+using windows::InOwnDots;
+
+HWND hostsWindow;
+std::vector<std::unique_ptr<DialogWindow>> dialogWindows;
+
+DialogWindow *WindowOf(const DialogRecord *dialog) {
+    const auto found = std::find_if(dialogWindows.begin(), dialogWindows.end(),
+                                    [=](const auto &window) { return window->dialog == dialog; });
+    return found == dialogWindows.end() ? nullptr : found->get();
+}
+
+Rect Screen() {
+    const InOwnDots dots;
+    const windows::Display display = windows::DisplayOf(hostsWindow);
+    const auto length = [&](LONG dotsLong) {
+        return static_cast<int16_t>(std::min(windows::Unscaled(dotsLong, display.resolution), INT16_MAX));
+    };
+    return {0, 0, length(display.area.bottom - display.area.top),
+            length(display.area.right - display.area.left)};
+}
+
+bool Open(DialogRecord *dialog) {
+    const InOwnDots dots;
+    std::unique_ptr<DialogWindow> window = windows::MakeDialogWindow(dialog, hostsWindow);
+    if (window == nullptr) {
+        return false;
+    }
+    dialogWindows.push_back(std::move(window));
+    return true;
+}
+
+void Close(DialogRecord *dialog) {
+    const InOwnDots dots;
+    if (DialogWindow *shown = WindowOf(dialog); shown != nullptr) {
+        windows::CloseDialogWindow(shown);
+        std::erase_if(dialogWindows, [=](const auto &window) { return window.get() == shown; });
+    }
+}
+
+bool NextEvent(DialogRecord *dialog, EventRecord *event) {
+    const InOwnDots dots;
+    DialogWindow *shown = WindowOf(dialog);
+    *event = {};
+    if (shown->actions.empty()) {
+        windows::Refresh(shown);
+        if (!windows::WaitForAction(shown)) {
+            return false;
+        }
+    }
+    if (shown->actions.empty()) {
+        return true;
+    }
+    shown->current = shown->actions.front();
+    shown->actions.pop_front();
+    shown->stale = true;
+    const Action &action = shown->current;
+    if (action.item != 0) {
+        dialog->focusItem = action.item;
+    }
+    *event = action.event;
+    const Point origin = dialog->window.port.origin;
+    event->where = {static_cast<int16_t>(origin.v + action.place.v),
+                    static_cast<int16_t>(origin.h + action.place.h)};
+    return true;
+}
+
+// Only keys change text.
+void Edit(DialogRecord *dialog, int16_t item, const EventRecord &event) {
+    const Action &action = WindowOf(dialog)->current;
+    if (event.what == keyDown) {
+        model::ItemAt(dialog, item)->text = {action.text, action.caret, action.caret};
+    }
+}
+
+constexpr DialogBackend kScreen = {
+    Screen,
+    Open,
+    Close,
+    NextEvent,
+    [](ControlRecord *control) { return WindowOf(control->dialog)->current.tracked; },
+    Edit,
+    // The system moves the window and reports it afterwards.
+    [](DialogRecord *, Point start) { return start; },
+};
+
+}  // namespace
+
+const DialogBackend &SystemDialogBackend() {
+    return kScreen;
+}
+
+// It begins with the window's handle.
+void UsePlatformData(OSType, const void *platformData) {
+    HWND window = nullptr;
+    if (platformData != nullptr) {
+        std::memcpy(&window, platformData, sizeof window);
+    }
+    hostsWindow = window != nullptr && IsWindow(window) != 0 ? GetAncestor(window, GA_ROOT) : nullptr;
+}

@@ -1,0 +1,5 @@
+#include "tests/support/file_facts.h"
+
+std::string TypeAndCreator(const std::filesystem::path &) {
+    return {};
+}
