@@ -230,6 +230,7 @@ template <typename Sample, size_t Planes>
 void FindNearest(const std::vector<PlaceRow<Planes>> &places, Restorer<Sample, Planes> *restorer) {
     static const NearestFiller fill = ChooseFiller();
     std::vector<const uint16_t *> hashes;
+    hashes.reserve(places.size());
     for (const PlaceRow<Planes> &place : places) {
         hashes.push_back(place.hashes);
     }

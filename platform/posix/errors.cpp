@@ -5,7 +5,7 @@
 #include <iterator>
 #include <utility>
 
-OSErr posix::ErrorFromErrno(int error) {
+OSErr posix_errors::ErrorFromErrno(int error) {
     static constexpr std::pair<int, OSErr> kCodes[] = {
         {ENOENT, fnfErr},  {ENOTDIR, dirNFErr},   {EEXIST, dupFNErr},       {EACCES, permErr},
         {EPERM, permErr},  {EROFS, wPrErr},       {ENOSPC, dskFulErr},      {EDQUOT, dskFulErr},
@@ -16,6 +16,6 @@ OSErr posix::ErrorFromErrno(int error) {
     return code == std::end(kCodes) ? ioErr : code->second;
 }
 
-OSErr posix::LastError() {
+OSErr posix_errors::LastError() {
     return ErrorFromErrno(errno);
 }

@@ -2,7 +2,7 @@
 
 #include "platform/types.h"
 
-namespace posix {
+namespace posix_errors {
 
 // The File Manager's error code for an errno value.
 OSErr ErrorFromErrno(int error);
@@ -10,4 +10,4 @@ OSErr ErrorFromErrno(int error);
 // For the call that has just failed.
 OSErr LastError();
 
-}  // namespace posix
+}  // namespace posix_errors

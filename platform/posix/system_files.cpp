@@ -33,14 +33,14 @@ void SetTypeAndCreator(int descriptor, OSType fileType, OSType creator) {
 
 OSErr Transferred(ssize_t result, int64_t *count) {
     *count = result > 0 ? result : 0;
-    return result < 0 ? posix::LastError() : noErr;
+    return result < 0 ? posix_errors::LastError() : noErr;
 }
 
 }  // namespace
 
 OSErr system_files::Find(const std::string &path) {
     struct stat info;
-    return lstat(path.c_str(), &info) == 0 ? noErr : posix::LastError();
+    return lstat(path.c_str(), &info) == 0 ? noErr : posix_errors::LastError();
 }
 
 bool system_files::IsFolder(const std::string &path) {
@@ -51,7 +51,7 @@ bool system_files::IsFolder(const std::string &path) {
 OSErr system_files::Create(const std::string &path, OSType fileType, OSType creator) {
     const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     if (descriptor < 0) {
-        return posix::LastError();
+        return posix_errors::LastError();
     }
     SetTypeAndCreator(descriptor, fileType, creator);
     close(descriptor);
@@ -59,7 +59,7 @@ OSErr system_files::Create(const std::string &path, OSType fileType, OSType crea
 }
 
 OSErr system_files::MakeFolder(const std::string &path) {
-    return mkdir(path.c_str(), 0777) == 0 ? noErr : posix::LastError();
+    return mkdir(path.c_str(), 0777) == 0 ? noErr : posix_errors::LastError();
 }
 
 OSErr system_files::Open(const std::string &path, int8_t permission, File *file) {
@@ -70,11 +70,11 @@ OSErr system_files::Open(const std::string &path, int8_t permission, File *file)
         descriptor = open(path.c_str(), O_RDONLY | kFlags);
     }
     *file = descriptor;
-    return descriptor < 0 ? posix::LastError() : noErr;
+    return descriptor < 0 ? posix_errors::LastError() : noErr;
 }
 
 OSErr system_files::Delete(const std::string &path) {
-    return unlink(path.c_str()) == 0 ? noErr : posix::LastError();
+    return unlink(path.c_str()) == 0 ? noErr : posix_errors::LastError();
 }
 
 OSErr system_files::Read(File file, int64_t wanted, void *buffer, int64_t *count) {
@@ -96,7 +96,7 @@ OSErr system_files::Write(File file, int64_t wanted, const void *buffer, int64_t
 OSErr system_files::Size(File file, int64_t *size) {
     struct stat info;
     if (fstat(DescriptorOf(file), &info) != 0) {
-        return posix::LastError();
+        return posix_errors::LastError();
     }
     *size = info.st_size;
     return noErr;
@@ -106,15 +106,16 @@ OSErr system_files::Seek(File file, int16_t positionMode, int64_t offset, int64_
     static constexpr int kOrigins[] = {SEEK_CUR, SEEK_SET, SEEK_END, SEEK_CUR};
     *position = lseek(DescriptorOf(file), offset, kOrigins[positionMode]);
     if (*position < 0) {
-        return errno == EINVAL ? posErr : posix::LastError();
+        return errno == EINVAL ? posErr : posix_errors::LastError();
     }
     return noErr;
 }
 
 OSErr system_files::Reserve(File file, int64_t size) {
-    return fallocate(DescriptorOf(file), FALLOC_FL_KEEP_SIZE, 0, size) == 0 ? noErr : posix::LastError();
+    return fallocate(DescriptorOf(file), FALLOC_FL_KEEP_SIZE, 0, size) == 0 ? noErr
+                                                                            : posix_errors::LastError();
 }
 
 OSErr system_files::Close(File file) {
-    return close(DescriptorOf(file)) == 0 ? noErr : posix::LastError();
+    return close(DescriptorOf(file)) == 0 ? noErr : posix_errors::LastError();
 }

@@ -45,7 +45,7 @@ std::string system_folders::AbsolutePath(const std::string &path) {
 OSErr system_folders::Identity(const std::string &path, std::string *identity) {
     struct stat info;
     if (stat(path.c_str(), &info) != 0) {
-        return posix::LastError();
+        return posix_errors::LastError();
     }
     if (!S_ISDIR(info.st_mode)) {
         return dirNFErr;

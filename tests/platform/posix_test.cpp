@@ -95,7 +95,7 @@ TEST_F(Platform, SystemErrorsHaveTheirCodes) {
         {EROFS, -44},    {ENOSPC, -34},       {EDQUOT, -34}, {EMFILE, -42}, {EBADF, -51},
         {EISDIR, -1302}, {ENAMETOOLONG, -37}, {EIO, -36},    {ELOOP, -36}};
     for (const auto &[error, code] : codes) {
-        EXPECT_EQ(posix::ErrorFromErrno(error), code) << std::strerror(error);
+        EXPECT_EQ(posix_errors::ErrorFromErrno(error), code) << std::strerror(error);
     }
 }
 
