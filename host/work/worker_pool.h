@@ -36,7 +36,7 @@ struct WorkerCalls {
     // Both end a job; returning false ends all the others.
     std::function<bool(size_t job, const std::string &answer)> answered;
     std::function<bool(size_t job, const std::string &how)> died;  // while it waited: the next job's number
-    std::function<bool()> cancelled;                               // asked at least every 40 ms
+    std::function<bool()> cancelled;                               // asked at least every 20 ms
 };
 
 // What users are told when no worker can be started, and when a worker's answer makes no sense.
