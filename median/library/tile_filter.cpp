@@ -96,7 +96,7 @@ TileMemory MakeTileMemory(const TileFilter &filter) {
                           uint8_t[static_cast<size_t>(bytes)]);
 }
 
-void FilterTile(const TileFilter &filter, const Tile &tile, uint8_t *memory) {
+void FilterTile(const TileFilter &filter, const OutputTile &tile, uint8_t *memory) {
     const hymedian_image &input = *filter.input;
     const int radius = filter.radius;
     const int64_t x = filter.x + tile.x;

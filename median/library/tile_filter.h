@@ -21,8 +21,7 @@ struct TileFilter {
     int64_t tileWidth, tileHeight;  // at most
 };
 
-// In the output.
-struct Tile {
+struct OutputTile {
     int64_t x, y, width, height;
 };
 
@@ -36,4 +35,4 @@ using TileMemory = std::unique_ptr<uint8_t[], AlignedDeleter>;
 void PlanTiles(int threads, TileFilter *filter);
 // Null when memory is short.
 TileMemory MakeTileMemory(const TileFilter &filter);
-void FilterTile(const TileFilter &filter, const Tile &tile, uint8_t *memory);
+void FilterTile(const TileFilter &filter, const OutputTile &tile, uint8_t *memory);
