@@ -27,6 +27,12 @@ class ForeignHost : public Program {
         std::vector<std::string> arguments(std::istream_iterator<std::string>(words), {});
         arguments.insert(arguments.begin(), module);
         executable = FOREIGN_HOST;
+        if (bare) {
+            // Of all variables only the one that keeps the developer's own preferences out of this.
+            const std::string preferences = "HYMEDIAN_PREFERENCES=" + (output / "preferences").string();
+            arguments.insert(arguments.begin(), {"-i", preferences, executable});
+            executable = "/usr/bin/env";
+        }
         const Ended ended = Wait(Start(arguments));
         std::istringstream line(ended.out);
         std::string word, result, digest, rest;
@@ -39,16 +45,24 @@ class ForeignHost : public Program {
         return result + rest;
     }
 
-    // What hymedian makes of a picture of noise at radius 2, which is written as the host's picture, too.
-    std::string MakePicture(int bands, VipsBandFormat format, VipsInterpretation interpretation) {
+    // What hymedian makes of a picture of noise, which is written as the host's picture, too.
+    std::string MakePicture(int bands, VipsBandFormat format, VipsInterpretation interpretation,
+                            const std::string &radius = "2") {
         WriteNoise("in.tif", kWidth, kHeight, bands, format, interpretation);
         executable = HYMEDIAN_PROGRAM;
-        EXPECT_EQ(Wait(Start({"in.tif", "-o", "out.tif", "-f", "-r", "2"})).status, 0);
+        EXPECT_EQ(Wait(Start({"in.tif", "-o", "out.tif", "-f", "-r", radius})).status, 0);
         WriteBytes("in.raw", SamplesOf("in.tif"));
         return SamplesOf("out.tif");
     }
 
+    // Puts another program in the place of the dialog's.
+    void ReplaceDialog(const fs::path &program) const {
+        fs::copy_file(program, module.parent_path() / "hymedian-dialog",
+                      fs::copy_options::overwrite_existing);
+    }
+
     const fs::path module = output / "elsewhere" / "HybridMedian.so";
+    bool bare = false;  // whether the host gets no environment
 
   private:
     // As the filter is given them: 16-bit samples go from 0 to 32768.
@@ -146,6 +160,9 @@ TEST_F(ForeignHost, GetsTheRightAnswer) {
     for (const auto &[switches, line] : cases) {
         EXPECT_EQ(Run(switches, filtered), line) << switches;
     }
+    bare = true;
+    EXPECT_EQ(Run("space=9000", filtered), "0 radius 2 parameters -1");
+    EXPECT_EQ(Run("play=1", filtered), "-128 radius 2 parameters -1");
     // Without its resources, too, the module does what needs no dialog.
     for (const char *contents : {"damaged", ""}) {
         std::ofstream(resources) << contents;
@@ -154,6 +171,32 @@ TEST_F(ForeignHost, GetsTheRightAnswer) {
     }
     fs::remove(resources);
     EXPECT_EQ(Run("play=1", filtered).substr(0, 5), "-128 ");
+}
+
+TEST_F(ForeignHost, ShowsDialogsThroughTheProgramBesideTheModule) {
+    const std::string filtered = MakePicture(3, VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_sRGB, "3");
+    ReplaceDialog(HYMEDIAN_ANSWERING_DIALOG);
+    setenv("HYMEDIAN_ANSWERS", Path("answers").c_str(), 1);
+    const struct {
+        const char *switches, *answers, *line;
+    } cases[] = {
+        {"play=1", "3", "0 radius 3 parameters -1"},
+        {"play=1 runs=3 thread=1 stale=2", "513", "0 radius 3 parameters -1"},
+        {"play=1 handles=6 advance=0 between=1 space=9000", "33", "0 radius 3 parameters -1"},
+        {"play=1", "c", "-128 radius 2 parameters -1"},
+        {"scripting=0 ask=1", "3", "0 radius 2 parameters 4"},
+        {"scripting=0 ask=2 runs=4 handles=0", "63", "0 radius 2 parameters -1"},
+    };
+    for (const auto &[switches, answers, line] : cases) {
+        WriteBytes("answers", answers);
+        EXPECT_EQ(Run(switches, filtered), line) << switches;
+        EXPECT_EQ(ContentsOf(Path("answers")), "") << switches;
+    }
+    // One that dies at once, and one that is none.
+    for (const std::string &program : {std::string("/bin/true"), Path("in.raw")}) {
+        ReplaceDialog(program);
+        EXPECT_EQ(Run("play=1", filtered), "-128 radius 2 parameters -1") << program;
+    }
 }
 
 // Names and applications of the host's own are not the module's. Dialogs are wanted in vain here.
