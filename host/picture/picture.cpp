@@ -133,6 +133,25 @@ int32_t IntegerField(VipsImage *image, const char *name) {
     return value;
 }
 
+// What samples of a kind that is not filtered are, and what becomes of them.
+const char *WordsFor(VipsBandFormat format) {
+    switch (format) {
+        case VIPS_FORMAT_CHAR:
+            return "signed 8-bit integers; convert it to 8 bits without signs first";
+        case VIPS_FORMAT_SHORT:
+            return "signed 16-bit integers; convert it to 16 bits without signs first";
+        case VIPS_FORMAT_INT:
+        case VIPS_FORMAT_UINT:
+            return "32-bit integers; convert it to 16 bits or to 32-bit floats first";
+        case VIPS_FORMAT_FLOAT:
+            return "floats; convert it to 16 bits first";
+        case VIPS_FORMAT_DOUBLE:
+            return "64-bit floats; convert it to 32-bit floats first";
+        default:
+            return "complex numbers, which cannot be filtered";
+    }
+}
+
 MaybeFailure CheckShape(const std::string &file, VipsImage *image, bool pyramid) {
     const VipsInterpretation interpretation = vips_image_get_interpretation(image);
     const int32_t width = vips_image_get_width(image);
@@ -151,9 +170,7 @@ MaybeFailure CheckShape(const std::string &file, VipsImage *image, bool pyramid)
          "its colour mode is " + ColorSpaceName(interpretation) +
              ", and only grey, RGB, Lab and CMYK can be filtered"},
         {ModeOfFile(interpretation, vips_image_get_format(image)) == nullptr,
-         std::string("its samples are of the kind '") +
-             vips_enum_nick(VIPS_TYPE_BAND_FORMAT, vips_image_get_format(image)) +
-             "', and only 8 bits, 16 bits and 32-bit floats can be filtered"},
+         std::string("its samples are ") + WordsFor(vips_image_get_format(image))},
         {vips_image_get_bands(image) > kMaxPlanes,
          "it has more than " + std::to_string(kMaxPlanes) + " channels"},
     };

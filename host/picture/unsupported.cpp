@@ -72,11 +72,11 @@ std::string WhyTiffIsNot(const ByteFile &file) {
     if (IsRaw(directory)) {
         return std::string("this is a camera's raw picture in a TIFF (such as DNG or NEF); ") + kDevelop;
     }
-    constexpr uint64_t kBits[] = {1, 2, 4, 8, 16, 32, 64};
+    constexpr uint64_t kBits[] = {1, 2, 4, 8, 16, 32};
     const uint64_t bits = NumberOf(directory, kTagBitsPerSample, 1);
     if (std::find(std::begin(kBits), std::end(kBits), bits) == std::end(kBits)) {
         return "its samples have " + std::to_string(bits) +
-               " bits; convert it to a TIFF of 8 or 16 bits first";
+               " bits; convert it to 8 bits, 16 bits or 32-bit floats first";
     }
     return {};
 }
