@@ -3,6 +3,7 @@
 # random combinations of its switches, and compares code and pixels with what they must be.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+source scripts/draw.sh
 
 way=${1:-asan} count=${2:-500} RANDOM=${3:-1}
 case $way in
@@ -22,15 +23,6 @@ module=$folder/elsewhere/HybridMedian.so
 cd "$folder"
 unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM
 export HYMEDIAN_PREFERENCES=$folder/preferences
-
-# Sets each variable named to one of the values after its "=".
-draw() {
-    local choice values
-    for choice in "$@"; do
-        read -ra values <<<"${choice#*=}"
-        printf -v "${choice%%=*}" %s "${values[RANDOM % ${#values[@]}]}"
-    done
-}
 
 # What goes wrong in one of four, as CODE:SWITCHES.
 faults=(-128:abortat=1 -128:abortat=60 -30100:missing=1 -30100:unmasked=1,mask=1 -30100:fewer=1 -30100:fewer=-1

@@ -105,7 +105,7 @@ HYMEDIAN_API int hymedian_filter(const hymedian_image *input, const hymedian_ima
 /* A sentence without a full stop, in English; never null, and never to be freed. */
 HYMEDIAN_API const char *hymedian_status_text(int status);
 
-/* The library's version, as "1.0.0". */
+/* The library's version, as "1.1.0". */
 HYMEDIAN_API const char *hymedian_version(void);
 
 #ifdef __cplusplus

@@ -15,6 +15,7 @@
 #include "platform/qt/bar_widgets.h"
 #include "platform/qt/item_widgets.h"
 #include "platform/qt/number_field.h"
+#include "platform/qt/picture_panning.h"
 #include "platform/qt/rectangles.h"
 #include "platform/qt/window_picture.h"
 

@@ -6,8 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/internal/dialog_model.h"
-#include "platform/qt/picture_panning.h"
+#include "platform/internal/dialog_bars.h"
 #include "platform/qt/user_input.h"
 
 namespace qt {
@@ -24,7 +23,7 @@ struct DialogWindow {
     std::vector<QWidget *> items;      // null for items without a widget
     std::vector<BarWidget> bars;
     UserInput input;
-    PictureGrip grip;
+    dialog_bars::Grip grip;
     int32_t selectionCount;   // the model's count when its selection was last shown
     int selectionStart = -1;  // the field's, when it lost the focus; -1 for none
     int selectionLength;

@@ -14,21 +14,14 @@ size_t PlaceOf(const DialogWindow &shown, const QLineEdit &field) {
                                shown.items.begin());
 }
 
-// Null for a field without one.
-const ControlRecord *BarInRow(const DialogWindow &shown, const QLineEdit &field) {
-    const Rect &row = shown.dialog->items[PlaceOf(shown, field)].bounds;
-    const auto &controls = shown.dialog->controls;
-    const auto found = std::find_if(controls.begin(), controls.end(), [&](const auto &control) {
-        return control->definition == scrollBarProc && control->visible && control->bounds.top < row.bottom &&
-               row.top < control->bounds.bottom;
-    });
-    return found == controls.end() ? nullptr : found->get();
+const ControlRecord *BarOf(const DialogWindow &shown, const QLineEdit &field) {
+    return dialog_bars::BarInRow(*shown.dialog, shown.dialog->items[PlaceOf(shown, field)].bounds);
 }
 
 }  // namespace
 
 bool qt::StepNumber(DialogWindow *shown, const QLineEdit &field, int key) {
-    const ControlRecord *bar = BarInRow(*shown, field);
+    const ControlRecord *bar = BarOf(*shown, field);
     if (bar == nullptr || (key != Qt::Key_Up && key != Qt::Key_Down)) {
         return false;
     }
@@ -38,7 +31,7 @@ bool qt::StepNumber(DialogWindow *shown, const QLineEdit &field, int key) {
 }
 
 bool qt::SettleNumber(DialogWindow *shown, const QLineEdit &field) {
-    const ControlRecord *bar = BarInRow(*shown, field);
+    const ControlRecord *bar = BarOf(*shown, field);
     const QString number = bar == nullptr ? field.text() : QString::number(bar->value);
     if (field.text() == number) {
         return false;

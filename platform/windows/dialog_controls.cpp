@@ -175,6 +175,10 @@ void RefreshItem(const DialogItem &item, HWND control) {
     }
     if (TextOf(control) != TitleOf(item)) {
         SetWindowTextW(control, TitleOf(item).c_str());
+        if (model::KindOf(item) == kEditTextDialogItem) {
+            // What is typed next replaces it.
+            SendMessageW(control, EM_SETSEL, 0, -1);
+        }
     }
 }
 
@@ -190,16 +194,44 @@ void RefreshSelection(DialogWindow *shown) {
     SendMessageW(field, EM_SETSEL, text.selectionStart, static_cast<LPARAM>(text.selectionEnd));
 }
 
-void PostEdit(DialogWindow *shown, size_t index) {
-    const HWND field = shown->items[index];
-    DWORD caret = 0;
-    SendMessageW(field, EM_GETSEL, 0, reinterpret_cast<LPARAM>(&caret));
+void PostEdit(DialogWindow *shown, size_t index, const std::wstring &text, size_t caret) {
     windows::Action action = {};
     action.event.what = keyDown;
     action.item = static_cast<int16_t>(index + 1);
-    action.text = UTF8ToMacRoman(windows::UTF8From(TextOf(field)));
-    action.caret = std::min<size_t>(caret, action.text.size());
+    action.text = UTF8ToMacRoman(windows::UTF8From(text));
+    action.caret = std::min(caret, action.text.size());
     shown->actions.push_back(action);
+}
+
+// A field in whose row a scroll bar shows the same number shows what applies when it is left, whatever was
+// typed.
+void SettleNumber(DialogWindow *shown, size_t index) {
+    const ControlRecord *bar = dialog_bars::BarInRow(*shown->dialog, shown->dialog->items[index].bounds);
+    const std::wstring text = TextOf(shown->items[index]);
+    const std::wstring number = bar == nullptr ? text : std::to_wstring(bar->value);
+    if (text != number) {
+        PostEdit(shown, index, number, number.size());
+    }
+}
+
+bool IsBar(const DialogWindow &shown, HWND control) {
+    return std::any_of(shown.bars.begin(), shown.bars.end(),
+                       [=](const auto &made) { return made.bar == control; });
+}
+
+void TakeFieldsCommand(DialogWindow *shown, int code, size_t index) {
+    const HWND field = shown->items[index];
+    if (code == EN_CHANGE) {
+        DWORD caret = 0;
+        SendMessageW(field, EM_GETSEL, 0, reinterpret_cast<LPARAM>(&caret));
+        PostEdit(shown, index, TextOf(field), caret);
+    }
+    // Not for another window, and a button that is clicked gives the focus back.
+    const HWND focus = GetFocus();
+    if (code == EN_KILLFOCUS && IsChild(shown->window, focus) != 0 &&
+        (!shown->clicking || IsBar(*shown, focus))) {
+        SettleNumber(shown, index);
+    }
 }
 
 }  // namespace
@@ -243,9 +275,7 @@ void windows::TakeCommand(DialogWindow *shown, int code, HWND control) {
     const auto index = static_cast<size_t>(found - shown->items.begin());
     const DialogItem &item = shown->dialog->items[index];
     if (model::KindOf(item) == kEditTextDialogItem) {
-        if (code == EN_CHANGE) {
-            PostEdit(shown, index);
-        }
+        TakeFieldsCommand(shown, code, index);
     } else if (code == BN_CLICKED && model::IsControlItem(item)) {
         PostPress(shown, item.bounds, {});
         // A click leaves the focus, and the selection, in the field; only keys move the focus to the button.
@@ -266,7 +296,9 @@ void windows::TakeScroll(DialogWindow *shown, int code, int16_t position, HWND b
                                    [=](const BarWindow &candidate) { return candidate.bar == bar; });
     const auto *part = std::find_if(std::begin(kParts), std::end(kParts),
                                     [=](const auto &candidate) { return candidate.first == code; });
-    if (made == shown->bars.end() || part == std::end(kParts) || !shown->actions.empty()) {
+    const bool pressed = std::any_of(shown->actions.begin(), shown->actions.end(),
+                                     [](const Action &action) { return action.tracked.part != 0; });
+    if (made == shown->bars.end() || part == std::end(kParts) || pressed) {
         return;
     }
     PostPress(shown, made->control->bounds, {part->second, position});

@@ -74,6 +74,17 @@ INT_PTR CALLBACK TakeMessage(HWND window, UINT message, WPARAM first, LPARAM sec
         case WM_PAINT:
             Paint(*shown);
             return TRUE;
+        case WM_LBUTTONDOWN:
+        case WM_LBUTTONDBLCLK:
+        case WM_MOUSEMOVE:
+        case WM_LBUTTONUP:
+            return windows::PanPicture(shown, message, second);
+        case WM_CAPTURECHANGED:
+            shown->grip.held = false;
+            return TRUE;
+        case WM_SETCURSOR:
+            SetWindowLongPtrW(window, DWLP_MSGRESULT, TRUE);
+            return reinterpret_cast<HWND>(first) == window && windows::ShowHand(*shown);
         case WM_MOVE:
             MoveModel(shown);
             return FALSE;
@@ -93,6 +104,10 @@ INT_PTR CALLBACK TakeMessage(HWND window, UINT message, WPARAM first, LPARAM sec
 
 bool IsPressed(int key) {
     return GetKeyState(key) < 0;
+}
+
+bool IsPress(const MSG &message) {
+    return message.message == WM_LBUTTONDOWN || message.message == WM_LBUTTONDBLCLK;
 }
 
 // The character of a key that presses a button wherever the focus is; 0 for others.
@@ -120,21 +135,11 @@ bool EditsText(const MSG &message) {
                                       : message.message == WM_KEYDOWN && message.wParam == VK_DELETE;
 }
 
-// The scroll bar that shows the number of the field in its row; null for a field without one.
-const ControlRecord *BarOfField(const DialogWindow &shown) {
-    const Rect &row = shown.dialog->items[static_cast<size_t>(shown.dialog->focusItem - 1)].bounds;
-    const auto &controls = shown.dialog->controls;
-    const auto found = std::find_if(controls.begin(), controls.end(), [&](const auto &control) {
-        return control->definition == scrollBarProc && control->visible && control->bounds.top < row.bottom &&
-               row.top < control->bounds.bottom;
-    });
-    return found == controls.end() ? nullptr : found->get();
-}
-
 // Up and Down in the field move its number by one.
 bool StepNumber(DialogWindow *shown, const MSG &message) {
     const bool up = message.wParam == VK_UP;
-    const ControlRecord *bar = BarOfField(*shown);
+    const DialogItem &field = *model::ItemAt(shown->dialog, shown->dialog->focusItem);
+    const ControlRecord *bar = dialog_bars::BarInRow(*shown->dialog, field.bounds);
     if (message.message != WM_KEYDOWN || (!up && message.wParam != VK_DOWN) || bar == nullptr) {
         return false;
     }
@@ -157,8 +162,7 @@ bool TakeKey(DialogWindow *shown, MSG *message) {
     if (field != nullptr && message->hwnd == field && StepNumber(shown, *message)) {
         return true;
     }
-    if (message->hwnd == field &&
-        (message->message == WM_LBUTTONDOWN || message->message == WM_LBUTTONDBLCLK)) {
+    if (message->hwnd == field && IsPress(*message)) {
         windows::PostPress(shown, model::ItemAt(shown->dialog, shown->dialog->focusItem)->bounds, {});
     }
     return false;
@@ -170,9 +174,10 @@ void Dispatch(DialogWindow *shown, MSG *message) {
         DispatchMessageW(message);
         return;
     }
-    if (TakeKey(shown, message)) {
+    if (windows::RollPicture(shown, *message) || TakeKey(shown, message)) {
         return;
     }
+    shown->clicking = IsPress(*message);
     // A character that the field gets in place of another control is not one of that control's.
     if (message->message == WM_CHAR && message->hwnd == windows::FieldOf(*shown)) {
         DispatchMessageW(message);
@@ -180,6 +185,7 @@ void Dispatch(DialogWindow *shown, MSG *message) {
         TranslateMessage(message);
         DispatchMessageW(message);
     }
+    shown->clicking = false;
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "platform/dialog_backend.h"
-#include "platform/internal/dialog_model.h"
+#include "platform/internal/dialog_bars.h"
 
 namespace windows {
 
@@ -40,6 +40,8 @@ struct DialogWindow {
     POINT origin;  // of the screen that the plug-in knows, on the desktop
     std::deque<Action> actions;
     Action current;
+    dialog_bars::Grip grip;
+    bool clicking;           // a press of the mouse is being dealt with
     int32_t selectionCount;  // the model's count when its selection was last shown
     bool stale = true;       // the plug-in may have changed the model
     bool refreshing;         // what controls tell now is not the user's doing
@@ -61,6 +63,13 @@ void RefreshControls(DialogWindow *shown);
 // For a message that a control has sent to the window.
 void TakeCommand(DialogWindow *shown, int code, HWND control);
 void TakeScroll(DialogWindow *shown, int code, int16_t position, HWND bar);
+
+// For a message about the mouse in the window; true while the picture is held.
+bool PanPicture(DialogWindow *shown, UINT message, LPARAM place);
+// For any message; true if it is one about the wheel, over the picture.
+bool RollPicture(DialogWindow *shown, const MSG &message);
+// True where the mouse can take hold of the picture.
+bool ShowHand(const DialogWindow &shown);
 
 // Paints the part that the plug-in has drawn.
 void PaintPicture(const DialogWindow &shown, HDC device);

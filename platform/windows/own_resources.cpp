@@ -3,7 +3,7 @@
 
 namespace {
 
-// The whole file, as a resource of Windows' own kind; see plugin/module.rc.in.
+// The whole file, as a resource of Windows' own kind; see resources/module.rc.in.
 constexpr wchar_t kType[] = L"MACRESOURCES";
 constexpr WORD kNumber = 1;
 

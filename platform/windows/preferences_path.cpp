@@ -1,4 +1,6 @@
 // The location of the Preferences folder on Windows.
+#include <algorithm>
+
 #include "platform/internal/system_folders.h"
 #include "platform/native_paths.h"
 #include "platform/windows/handles.h"

@@ -181,6 +181,10 @@ OSErr system_files::Seek(File file, int16_t positionMode, int64_t offset, int64_
 }
 
 OSErr system_files::Reserve(File file, int64_t size) {
+    int64_t end = 0;
+    if (Size(file, &end) == noErr && size <= end) {
+        return noErr;  // less space than that would cut the file off
+    }
     FILE_ALLOCATION_INFO allocation;
     allocation.AllocationSize.QuadPart = size;
     // Where space cannot be reserved, it is found out when it is written that there is none.

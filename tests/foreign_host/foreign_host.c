@@ -1,9 +1,10 @@
 // A host that shares nothing with the plug-in it loads: record, handles and suites are its own, written down
 // from the published interface.
 //
-// Usage: foreign_host MODULE [SWITCH=NUMBER]... [in=FILE] [out=FILE] [library=FILE]...
+// Usage: foreign_host MODULE [SWITCH=NUMBER]... [in=FILE] [out=FILE] [library=FILE]... [-- ...]
 //
-// Filters a picture, read from a file of packed samples or made from a seed, and prints one line: the result
+// Filters a picture, read from a file of packed samples or made from a seed, and one more for what stands
+// behind each "--", as a host does that goes on. Each time it prints one line: the result
 // code, a digest of the document's pixels ("=" if they are as before), the radius recorded, the size of
 // `parameters` (-1: none), and what went wrong. The exit status is 1 if the plug-in touched what is not its.
 #include <pthread.h>
@@ -172,7 +173,8 @@ static void CallElsewhere(void *(*call)(void *)) {
 #define FIELD(name, value) int name;
 #define VALUE(name, value) value,
 #define ENTRY(name, value) {#name "=", &on.name},
-static struct { SWITCHES(FIELD) } on = {SWITCHES(VALUE)};
+static struct Switches { SWITCHES(FIELD) } on;
+static const struct Switches usual = {SWITCHES(VALUE)};
 static const struct {
     const char *name;
     int *value;
@@ -579,22 +581,17 @@ static int Set(const char *word) {
            (strncmp(word, "library=", 8) == 0 && Load(word + 8, 1));
 }
 
-int main(int count, char **words) {
-    int understood = count > 1;
-    for (int i = 2; i < count; ++i) {
-        understood &= Set(words[i]);
-    }
-    void *module = understood ? Load(words[1], 0) : NULL;
+// What is to be exited with.
+static int FilterOne(void *module) {
+    plugIn = (void (*)(int16_t, void *, intptr_t *, int16_t *))Find(module, entry);
     if (on.nowhere) {
         StandNowhere();
     }
-    plugIn = module == NULL ? NULL : (void (*)(int16_t, void *, intptr_t *, int16_t *))Find(module, entry);
     handleProcs.count = (int16_t)on.handles;
     readProcs.count = (int16_t)on.reads;
     writeProcs.count = (int16_t)on.writes;
-    first.source = second.source = MakePicture();
+    first = second = (Run){.source = MakePicture()};
     if (plugIn == NULL) {
-        fprintf(stderr, "foreign_host: no such module or switch\n");
         return 2;
     }
     first.result = malloc(PictureBytes());
@@ -610,6 +607,28 @@ int main(int count, char **words) {
     free(first.source);
     free(first.result);
     free(second.result);
-    Unload(module);
     return trouble != NULL;
+}
+
+int main(int count, char **words) {
+    void *module = NULL;
+    int status = 0;
+    int i = 2;
+    do {
+        int understood = count > 1;
+        on = usual;
+        inFile = outFile = trouble = NULL;
+        for (; i < count && strcmp(words[i], "--") != 0; ++i) {
+            understood &= Set(words[i]);
+        }
+        module = module == NULL && understood ? Load(words[1], 0) : module;
+        const int one = understood && module != NULL ? FilterOne(module) : 2;
+        status = one > status ? one : status;
+    } while (status < 2 && ++i < count);
+    if (status == 2) {
+        fprintf(stderr, "foreign_host: no such module or switch\n");
+    } else {
+        Unload(module);
+    }
+    return status;
 }

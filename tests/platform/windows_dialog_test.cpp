@@ -26,6 +26,7 @@ struct Stepping {
     DWORD lastStep;
 };
 Stepping *stepping;
+int resolution;  // of its window
 
 HWND DialogWindowOf(HWND host) {
     HWND window = nullptr;
@@ -40,7 +41,6 @@ void Put(HWND window, UINT message, WPARAM first, LPARAM second) {
 }
 
 RECT PlaceOf(const Rect &bounds) {
-    static const int resolution = windows::DisplayOf(nullptr).resolution;
     RECT place = {bounds.left, bounds.top, bounds.right, bounds.bottom};
     for (LONG *side : {&place.left, &place.top, &place.right, &place.bottom}) {
         *side = windows::Scaled(static_cast<int>(*side), resolution);
@@ -213,6 +213,7 @@ class WindowsDialog : public DialogTest {
     DialogOutcome RunOnScreen(const TestImage &source, float radius, const std::vector<Step> &steps) {
         const windows::InOwnDots dots;
         Stepping current = {steps, {}, host, GetTickCount()};
+        resolution = windows::DisplayOf(nullptr).resolution;
         stepping = &current;
         DialogBackend stepped = SystemDialogBackend();
         stepped.nextEvent = NextEvent;
@@ -239,22 +240,24 @@ TEST_F(WindowsDialog, GivesWhatTheScriptGives) {
 }
 
 TEST_F(WindowsDialog, KeysMeanTheSameWhereverTheFocusIs) {
-    constexpr int kStops = 9;
-    std::set<HWND> stops;
-    for (int tabs = 0; tabs < kStops; ++tabs) {
+    // Row by row. Bars have no number.
+    constexpr int kStops[] = {kRadiusFieldItem, kMinusItem, 0, kPlusItem,           kCancelItem,
+                              kOKItem,          0,          0, kPreviewCheckBoxItem};
+    for (int tabs = 0; tabs < static_cast<int>(std::size(kStops)); ++tabs) {
         for (const auto &[key, result] :
              {std::pair{kReturn, noErr}, {kEnter, noErr}, {kEscape, userCanceledErr}}) {
             SCOPED_TRACE(testing::Message() << tabs << " tabs, key " << int{key});
-            const Step goOn = [](HWND dialog) {
-                Put(GetFocus() == nullptr ? dialog : GetFocus(), WM_KEYDOWN, VK_TAB, 0);
+            const Step goOn = [=](HWND dialog) {
+                for (int i = 0; i < tabs; ++i) {
+                    Put(GetFocus() == nullptr ? dialog : GetFocus(), WM_KEYDOWN, VK_TAB, 0);
+                }
             };
-            std::vector<Step> steps(static_cast<size_t>(tabs), goOn);
-            steps.push_back([&](HWND dialog) {
-                stops.insert(GetFocus());
-                PressKey(dialog, '5');
-            });
-            steps.insert(steps.end(), static_cast<size_t>(tabs), goOn);
-            steps.push_back([&, end = key](HWND dialog) { PressKey(dialog, end); });
+            const std::vector<Step> steps = {goOn,
+                                             [&](HWND dialog) {
+                                                 EXPECT_EQ(GetDlgCtrlID(GetFocus()), kStops[tabs]);
+                                                 PressKey(dialog, '5');
+                                             },
+                                             goOn, [&, end = key](HWND dialog) { PressKey(dialog, end); }};
             const DialogOutcome outcome = RunOnScreen(image, 3, steps);
             EXPECT_EQ(outcome.Field(), "5");
             EXPECT_EQ(outcome.result, result);
@@ -278,6 +281,79 @@ TEST_F(WindowsDialog, KeysMeanTheSameWhereverTheFocusIs) {
         RunOnScreen(image, 3, {press(VK_TAB), press(VK_TAB), press(VK_RIGHT), StepsOf({Click(kOKItem)})[0]})
             .stored,
         4);
+}
+
+TEST_F(WindowsDialog, TheFieldShowsWhatAppliesWhenItIsLeft) {
+    const Step tab = [](HWND) { Put(GetFocus(), WM_KEYDOWN, VK_TAB, 0); };
+    const Step clickBar = [](HWND dialog) { ClickAt(dialog, kHorizontalBarItem); };
+    for (const auto &[leave, focused] :
+         {std::pair(tab, kMinusItem), std::pair(clickBar, kHorizontalBarItem)}) {
+        for (const LeftField &test : LeftFields()) {
+            SCOPED_TRACE(test.shown);
+            std::vector<Step> steps = StepsOf(test.typed);
+            steps.push_back(leave);
+            steps.emplace_back([&, to = focused](HWND dialog) {
+                EXPECT_EQ(TextOf(ControlAt(dialog, kRadiusFieldItem)), test.shown);
+                EXPECT_EQ(GetFocus(), ControlAt(dialog, to));
+                PressKey(dialog, kReturn);
+            });
+            const DialogOutcome outcome = RunOnScreen(image, 2.5f, steps);
+            // A fraction stays until the number is changed.
+            EXPECT_EQ(outcome.stored, test.typed.empty() ? 2.5f : std::stof(test.shown));
+        }
+    }
+    EXPECT_EQ(RunOnScreen(image, 3,
+                          {StepsOf({Key('9')})[0], tab, StepsOf({Key('2')})[0], StepsOf({Key(kReturn)})[0]})
+                  .stored,
+              2)
+        << "typed over what was shown";
+}
+
+// The wheel's messages go to the control with the focus.
+void Pan(HWND dialog, const Panning &panning) {
+    const POINT middle = MiddleOf(PlaceOf(BoundsOf(kPreviewItem)));
+    POINT onScreen = middle;
+    ClientToScreen(dialog, &onScreen);
+    for (const bool shift : panning.notches) {
+        Put(GetFocus(), WM_MOUSEWHEEL, MAKEWPARAM(shift ? MK_SHIFT : 0, -WHEEL_DELTA),
+            MAKELPARAM(onScreen.x, onScreen.y));
+    }
+    const auto mouse = [&](UINT message, const Point &way) {
+        const RECT gone = PlaceOf({way.v, way.h, way.v, way.h});
+        Put(dialog, message, message == WM_LBUTTONUP ? 0 : MK_LBUTTON,
+            MAKELPARAM(middle.x + gone.left, middle.y + gone.top));
+    };
+    if (!panning.drags.empty()) {
+        mouse(WM_LBUTTONDOWN, {0, 0});
+        for (const Point &way : panning.drags) {
+            mouse(WM_MOUSEMOVE, way);
+        }
+        mouse(WM_LBUTTONUP, panning.drags.back());
+        mouse(WM_MOUSEMOVE, {0, 0});
+    }
+}
+
+TEST_F(WindowsDialog, ThePictureIsPannedByHandAndWheel) {
+    for (const Panning &panning : Pannings()) {
+        SCOPED_TRACE(testing::Message() << panning.drags.size() << " drags");
+        std::vector<UserAction> actions = panning.moves;
+        actions.push_back(Key(kReturn));
+        const DialogOutcome slow = Run(image, 3, actions);
+        const DialogOutcome fast =
+            RunOnScreen(image, 3, {[&](HWND dialog) { Pan(dialog, panning); }, StepsOf({Key(kReturn)})[0]});
+        EXPECT_EQ(fast.Last().values, slow.Last().values);
+        EXPECT_EQ(fast.rebuilds, slow.rebuilds);
+    }
+    // A wheel that is tilted; and one elsewhere.
+    const Step tilt = [](HWND dialog) {
+        POINT place = MiddleOf(PlaceOf(BoundsOf(kPreviewItem)));
+        ClientToScreen(dialog, &place);
+        Put(dialog, WM_MOUSEHWHEEL, MAKEWPARAM(0, WHEEL_DELTA), MAKELPARAM(place.x, place.y));
+        Put(dialog, WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), 0);
+    };
+    const DialogOutcome tilted = RunOnScreen(image, 3, {tilt, StepsOf({Key(kReturn)})[0]});
+    EXPECT_EQ(tilted.Value(kHorizontalBarItem), 88);
+    EXPECT_EQ(tilted.Value(kVerticalBarItem), 50);
 }
 
 // As long as the mouse is down, a bar tells of its arrow again and again; and a thumb goes where it is
@@ -304,7 +380,12 @@ TEST_F(WindowsDialog, BarsFollowTheMouse) {
         hand.join();
         PressKey(dialog, kReturn);
     };
-    EXPECT_EQ(RunOnScreen(image, 1, {press(5, 0), done}).Value(kHorizontalBarItem), 76);
+    // The field that is left settles its number first.
+    for (const char typed : {'2', '9'}) {
+        EXPECT_EQ(
+            RunOnScreen(image, 1, {StepsOf({Key(typed)})[0], press(5, 0), done}).Value(kHorizontalBarItem),
+            76);
+    }
     const DialogOutcome dragged = RunOnScreen(image, 1, {press(50, 25), done});
     EXPECT_GT(dragged.Value(kHorizontalBarItem), 76);
     EXPECT_EQ(dragged.rebuilds, 2);
@@ -325,8 +406,9 @@ TEST_F(WindowsDialog, ClosesWithItsWindowAndWithTheHosts) {
 // one.
 TEST_F(WindowsDialog, FitsEveryResolution) {
     InstallItems(DialogItemList());
-    for (const int resolution : {96, 144, 192}) {
+    for (const int wanted : {96, 144, 192}) {
         const Step look = [=](HWND dialog) {
+            resolution = wanted;
             RECT frame = {0, 0, windows::Scaled(380, resolution), windows::Scaled(452, resolution)};
             AdjustWindowRectEx(&frame, static_cast<DWORD>(GetWindowLongW(dialog, GWL_STYLE)), FALSE,
                                static_cast<DWORD>(GetWindowLongW(dialog, GWL_EXSTYLE)));

@@ -50,6 +50,25 @@ std::vector<DialogSession> WindowSessions() {
     return sessions;
 }
 
+std::vector<LeftField> LeftFields() {
+    return {{{}, "2"},
+            {{Key('4')}, "4"},
+            {{Key('1'), Key('2')}, "6"},
+            {{Key('-'), Key('3')}, "1"},
+            {{Key(kBackspace)}, "1"}};
+}
+
+std::vector<Panning> Pannings() {
+    return {{{{5, -10}, {100, -30}},
+             {},
+             {MoveThumb(kHorizontalBarItem, 85), MoveThumb(kVerticalBarItem, 45),
+              MoveThumb(kHorizontalBarItem, 105), MoveThumb(kVerticalBarItem, 0)}},
+            {{},
+             {false, true, true},
+             {MoveThumb(kVerticalBarItem, 60), MoveThumb(kHorizontalBarItem, 88),
+              MoveThumb(kHorizontalBarItem, 101)}}};
+}
+
 void ExpectSame(const DialogOutcome &shown, const DialogOutcome &scripted) {
     EXPECT_EQ(shown.result, scripted.result);
     EXPECT_EQ(shown.stored, scripted.stored);

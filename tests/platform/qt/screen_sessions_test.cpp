@@ -17,6 +17,31 @@ using user::Press;
 
 int32_t hostNullEvents;
 
+void RollWheel(QDialog *window, int16_t item, Qt::KeyboardModifiers keys) {
+    const QPoint place = CenterOf(item);
+    QWheelEvent notch(place, window->mapToGlobal(place), {}, {0, -120}, {}, keys, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(window->windowHandle(), &notch);
+}
+
+void Pan(QDialog *window, const Panning &panning) {
+    for (const bool shift : panning.notches) {
+        RollWheel(window, kPreviewItem, shift ? Qt::ShiftModifier : Qt::NoModifier);
+    }
+    if (panning.drags.empty()) {
+        return;
+    }
+    const QPoint place = CenterOf(kPreviewItem);
+    const QPoint first(panning.drags[0].h, panning.drags[0].v);
+    const QPoint last(panning.drags[1].h, panning.drags[1].v);
+    QTest::mousePress(window->windowHandle(), Qt::LeftButton, {}, place);
+    // Only the last of the places counts that come while the first one is shown.
+    for (const QPoint way : {first, QPoint(40, 20), last}) {
+        QTest::mouseMove(window->windowHandle(), place + way);
+    }
+    QTest::mouseRelease(window->windowHandle(), Qt::LeftButton, {}, place + last);
+    QTest::mouseMove(window->windowHandle(), place);
+}
+
 TEST_F(ScreenDialog, GivesWhatTheScriptGives) {
     for (const DialogSession &session : WindowSessions()) {
         SCOPED_TRACE(session.name);
@@ -36,30 +61,9 @@ TEST_F(ScreenDialog, FastHandsLoseNothing) {
     const Step wheel = [](QDialog *window) {
         for (const int16_t item :
              {kHorizontalBarItem, kHorizontalBarItem, kHorizontalBarItem, kVerticalBarItem}) {
-            const QPoint place = CenterOf(item);
-            QWheelEvent tick(place, window->mapToGlobal(place), {}, {0, -120}, {}, {}, Qt::NoScrollPhase,
-                             false);
-            QCoreApplication::sendEvent(window->windowHandle(), &tick);
+            RollWheel(window, item, Qt::NoModifier);
         }
         ClickAt(window, CenterOf(kPlusItem));
-    };
-    const Step roll = [](QDialog *window) {
-        for (const Qt::KeyboardModifiers keys : {Qt::NoModifier, Qt::ShiftModifier, Qt::ShiftModifier}) {
-            const QPoint place = CenterOf(kPreviewItem);
-            QWheelEvent notch(place, window->mapToGlobal(place), {}, {0, -120}, {}, keys, Qt::NoScrollPhase,
-                              false);
-            QCoreApplication::sendEvent(window->windowHandle(), &notch);
-        }
-    };
-    // Only the last of the places counts that come while the first one is shown.
-    const Step drag = [](QDialog *window) {
-        const QPoint place = CenterOf(kPreviewItem);
-        QTest::mousePress(window->windowHandle(), Qt::LeftButton, {}, place);
-        for (const QPoint way : {QPoint(-10, 5), QPoint(40, 20), QPoint(-30, 100)}) {
-            QTest::mouseMove(window->windowHandle(), place + way);
-        }
-        QTest::mouseRelease(window->windowHandle(), Qt::LeftButton, {}, place + QPoint(-30, 100));
-        QTest::mouseMove(window->windowHandle(), place);
     };
     const Step arrows = [](QDialog *window) {
         for (const Qt::Key key : {Qt::Key_Up, Qt::Key_Up, Qt::Key_Down, Qt::Key_Up}) {
@@ -82,28 +86,26 @@ TEST_F(ScreenDialog, FastHandsLoseNothing) {
             Perform(window, action);
         }
     };
-    const struct {
+    struct Burst {
         Step burst;
         std::vector<UserAction> actions;  // the equivalent actions
-    } cases[] = {
+    };
+    std::vector<Burst> cases = {
         {allOfThem, various},
         {doubleClickArrow, {Press(kHorizontalBarItem, kDownArrow), Press(kHorizontalBarItem, kDownArrow)}},
         {doubleClickField, {Click(kRadiusFieldItem), user::DoubleClick(kRadiusFieldItem), Key('5')}},
         {wheel,
          {MoveThumb(kHorizontalBarItem, 78), MoveThumb(kHorizontalBarItem, 81),
           MoveThumb(kHorizontalBarItem, 84), MoveThumb(kVerticalBarItem, 53), Click(kPlusItem)}},
-        {roll,
-         {MoveThumb(kVerticalBarItem, 60), MoveThumb(kHorizontalBarItem, 88),
-          MoveThumb(kHorizontalBarItem, 101)}},
-        {drag,
-         {MoveThumb(kHorizontalBarItem, 85), MoveThumb(kVerticalBarItem, 45),
-          MoveThumb(kHorizontalBarItem, 105), MoveThumb(kVerticalBarItem, 0)}},
         {arrows,
          {Press(kRadiusBarItem, kDownArrow), Press(kRadiusBarItem, kDownArrow), Press(kRadiusBarItem, kUp),
           Press(kRadiusBarItem, kDownArrow)}},
     };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(testing::Message() << "case " << &c - cases);
+    for (const Panning &panning : Pannings()) {
+        cases.push_back({[=](QDialog *window) { Pan(window, panning); }, panning.moves});
+    }
+    for (const Burst &c : cases) {
+        SCOPED_TRACE(testing::Message() << "case " << &c - cases.data());
         std::vector<UserAction> actions = c.actions;
         actions.push_back(Key(kReturn));
         const DialogOutcome slow = Run(image, 3, actions);
@@ -116,15 +118,7 @@ TEST_F(ScreenDialog, FastHandsLoseNothing) {
 }
 
 TEST_F(ScreenDialog, TheFieldShowsWhatAppliesWhenItIsLeft) {
-    const struct {
-        std::vector<UserAction> typed;
-        const char *shown;
-    } cases[] = {{{}, "2"},
-                 {{Key('4')}, "4"},
-                 {{Key('1'), Key('2')}, "6"},
-                 {{Key('-'), Key('3')}, "1"},
-                 {{Key(kBackspace)}, "1"}};
-    for (const auto &test : cases) {
+    for (const LeftField &test : LeftFields()) {
         SCOPED_TRACE(test.shown);
         std::vector<Step> steps = StepsOf(test.typed);
         steps.emplace_back([](QDialog *window) { QTest::keyClick(window->windowHandle(), Qt::Key_Tab); });
