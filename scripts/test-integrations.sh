@@ -26,7 +26,7 @@ limited "$work/venv/bin/python" -m pytest -q -p no:cacheprovider integrations/py
 if [ "${1:-}" = valgrind ]; then
     scripts/install-packages.sh valgrind
     # The interpreter has findings of its own; those count in which the compiled part takes part.
-    PYTHONMALLOC=malloc limited valgrind --leak-check=full --num-callers=40 --log-file="$work/valgrind.log" \
+    PYTHONMALLOC=malloc limited valgrind --leak-check=full --show-leak-kinds=definite --num-callers=40 --log-file="$work/valgrind.log" \
         "$work/venv/bin/python" integrations/python/tests/valgrind.py
     ! grep -B 40 -A 40 _native "$work/valgrind.log" || exit 1
 fi
