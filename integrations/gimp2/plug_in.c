@@ -16,12 +16,13 @@ static void query(void) {
         {GIMP_PDB_INT32, "radius", "How far the filter looks, 1 to 6 pixels"},
     };
     gimp_plugin_domain_register(GETTEXT_PACKAGE, LOCALE_FOLDER);
+    /* It is offered for images of all types: a sentence says more than a grey entry. */
     gimp_install_procedure(PROCEDURE, N_("Remove specks and dust, and keep edges, corners and fine lines"),
-                           "Replaces every pixel by the hybrid vector median of the pixels around it: always "
-                           "one of these, never a "
-                           "mixture. What is not selected stays, and does not count.",
-                           "hymedian", "hymedian", "2026", N_("_Hybrid Median..."), "RGB*, GRAY*",
-                           GIMP_PLUGIN, G_N_ELEMENTS(arguments), 0, arguments, NULL);
+                           "Replaces every pixel by the hybrid vector median of the pixels around it: "
+                           "always one of these, never a mixture. What is not selected stays, and does not "
+                           "count.",
+                           "hymedian", "hymedian", "2026", N_("_Hybrid Median..."), "*", GIMP_PLUGIN,
+                           G_N_ELEMENTS(arguments), 0, arguments, NULL);
     gimp_plugin_menu_register(PROCEDURE, "<Image>/Filters/Enhance");
 }
 
@@ -54,8 +55,6 @@ static void run(const gchar *name, gint count, const GimpParam *arguments, gint 
     bindtextdomain(GETTEXT_PACKAGE, LOCALE_FOLDER);
     bind_textdomain_codeset(GETTEXT_PACKAGE, "UTF-8");
     gegl_init(NULL, NULL);
-    /* Without this, GIMP would hand out eight bits of every layer. */
-    gimp_plugin_enable_precision();
 
     const gint32 drawable = arguments[2].data.d_drawable;
     const char *failure = refusal_of(drawable);

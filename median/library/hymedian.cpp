@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <iterator>
 #include <limits>
 #include <new>
@@ -15,6 +16,8 @@
 namespace {
 
 constexpr int kMaxThreads = 256;
+// Rows and columns around the last ones can still be counted.
+constexpr int64_t kMaxSide = std::numeric_limits<int64_t>::max() - HYMEDIAN_MAX_RADIUS;
 // While the range of floats is looked for, the caller is asked each time so many rows are done.
 constexpr int64_t kRowsBetweenQuestions = 64;
 
@@ -28,7 +31,7 @@ constexpr const char *kTexts[] = {
     "the number of threads must not be negative",
     "there must be 1 or 3 components",
     "samples must be of 8 or 16 bits or 32-bit floats",
-    "the image is empty",
+    "the image is empty, or has more rows or columns than can be counted",
     "the strides lead out of memory, or pixels of the output share bytes",
     "input and output differ in components or samples",
     "the output reaches beyond the input",
@@ -45,7 +48,7 @@ int CheckImage(const hymedian_image &image) {
         image.sample != HYMEDIAN_FLOAT32) {
         return HYMEDIAN_SAMPLE;
     }
-    if (image.width < 1 || image.height < 1) {
+    if (std::min(image.width, image.height) < 1 || std::max(image.width, image.height) > kMaxSide) {
         return HYMEDIAN_SIZE;
     }
     ByteRange bytes;
@@ -165,7 +168,8 @@ int Run(const TileFilter &filter, int threads, const hymedian_options &options) 
                     std::min(filter.tileHeight, filter.output.height - y)},
                    memory[worker].get());
     };
-    return DoTasks(columns * rows, workers, work, [&](double done) { return GoOn(options, done); })
+    // By reference, since a copy would take memory, which may be short.
+    return DoTasks(columns * rows, workers, std::cref(work), [&](double done) { return GoOn(options, done); })
                ? HYMEDIAN_OK
                : HYMEDIAN_CANCELLED;
 }

@@ -81,7 +81,7 @@ enum hymedian_status {
     HYMEDIAN_THREADS = 6,    /* threads */
     HYMEDIAN_COMPONENTS = 7, /* number of components */
     HYMEDIAN_SAMPLE = 8,     /* kind of samples */
-    HYMEDIAN_SIZE = 9,       /* an empty image */
+    HYMEDIAN_SIZE = 9,       /* an empty image, or sides beyond counting */
     HYMEDIAN_STRIDE = 10,    /* strides beyond memory, or an output whose pixels share bytes */
     HYMEDIAN_MISMATCH = 11,  /* output of other components or samples than the input */
     HYMEDIAN_REGION = 12,    /* output beyond the input */

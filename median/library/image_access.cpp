@@ -17,10 +17,14 @@ struct Axes {
     Axis at[kAxes];
 };
 
+// Where there is but one, no stride is ever made, so whatever is said of it counts as none.
+Axis AxisOf(int64_t count, int64_t stride) {
+    return {count, count > 1 ? stride : 0};
+}
+
 Axes AxesOf(const hymedian_image &image) {
-    return {{{image.components, image.components > 1 ? image.component_stride : 0},
-             {image.width, image.pixel_stride},
-             {image.height, image.row_stride}}};
+    return {{AxisOf(image.components, image.component_stride), AxisOf(image.width, image.pixel_stride),
+             AxisOf(image.height, image.row_stride)}};
 }
 
 bool IsPacked(const hymedian_image &image) {
@@ -31,8 +35,8 @@ bool IsPacked(const hymedian_image &image) {
 // Calls copy(sample in the image, packed sample) for each sample.
 template <typename Byte, typename Copy>
 void VisitSamples(const hymedian_image &image, int64_t x, int64_t y, int64_t count, Byte *packed, Copy copy) {
-    uint8_t *pixel = PixelAt(image, x, y);
-    for (int64_t i = 0; i < count; ++i, pixel += image.pixel_stride) {
+    for (int64_t i = 0; i < count; ++i) {
+        uint8_t *pixel = PixelAt(image, x + i, y);
         for (int64_t c = 0; c < image.components; ++c, packed += image.sample) {
             copy(pixel + c * image.component_stride, packed);
         }
@@ -66,8 +70,10 @@ bool FindBytes(const hymedian_image &image, ByteRange *range) {
         }
     }
     const auto at = reinterpret_cast<uintptr_t>(image.pixels);
+    int64_t all = 0;
     // `before` is not positive.
-    return !__builtin_sub_overflow(at, uintptr_t{0} - static_cast<uintptr_t>(before), &range->first) &&
+    return !__builtin_sub_overflow(behind, before, &all) &&
+           !__builtin_sub_overflow(at, uintptr_t{0} - static_cast<uintptr_t>(before), &range->first) &&
            !__builtin_add_overflow(at, static_cast<uintptr_t>(behind), &range->end);
 }
 

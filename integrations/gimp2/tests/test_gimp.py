@@ -43,7 +43,7 @@ def gimp(tmp_path_factory):
             capture_output=True,
             text=True,
             errors="replace",
-            timeout=300,
+            timeout=200,
         )
         return finished.stdout + finished.stderr
 
@@ -125,8 +125,10 @@ def test_selections_alpha_masks_channels_and_layers_beyond_the_image(gimp, tmp_p
         np.testing.assert_array_equal(tifffile.imread(tmp_path / f"{name}.tif")[..., 3], program(plane, 2), printed)
 
 
-def test_refuses_in_words(gimp, tmp_path):
+def test_refuses_in_words_what_the_menu_offers_for_every_image(gimp, tmp_path):
     write(tmp_path / "picture.tif", PICTURES["rgb8"])
+    in_menu = """(let ((found (gimp-plugins-query "Hybrid Median")))
+        (gimp-message (string-append (car (list-ref found 1)) " for " (car (list-ref found 7)))))"""
     cases = {
         "cannot filter indexed colours": ('(gimp-image-convert-indexed image 0 0 16 FALSE FALSE "")', 2),
         "cannot filter a layer group": (
@@ -134,9 +136,11 @@ def test_refuses_in_words(gimp, tmp_path):
         "must be from 1 to 6": ("", 7),
         "radius must be": ("", 0),
     }
-    printed = gimp(
-        filter_and_save(tmp_path / "picture.tif", radius, tmp_path / f"refused-{radius}.tif", spoil)
-        for spoil, radius in cases.values()
-    )
+    printed = gimp([
+        in_menu,
+        *(filter_and_save(tmp_path / "picture.tif", radius, tmp_path / f"refused-{radius}.tif", spoil)
+          for spoil, radius in cases.values()),
+    ])
+    assert "<Image>/Filters/Enhance/Hybrid Median... for *\n" in printed, printed
     assert printed.count("execution error") == len(cases) and all(words in printed for words in cases), printed
     assert not list(tmp_path.glob("refused*"))

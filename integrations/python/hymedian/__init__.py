@@ -11,6 +11,7 @@
 hymedian.dask has the same function for arrays that are larger than memory.
 """
 
+import math
 import numbers
 from typing import Any, Optional, Tuple
 
@@ -28,8 +29,9 @@ _KINDS = ("uint8", "uint16", "float32")
 def _whole(value: Any, name: str, least: int, greatest: float) -> int:
     if not isinstance(value, numbers.Real):
         raise TypeError(f"{name} must be a whole number, not {type(value).__name__}")
-    if not least <= float(value) <= greatest or int(value) != value:
-        limits = f"from {least} to {greatest}" if greatest < float("inf") else f"of at least {least}"
+    # NaN and infinity are multiples of nothing.
+    if value % 1 != 0 or not least <= int(value) <= greatest:
+        limits = f"from {least} to {greatest}" if greatest < math.inf else f"of at least {least}"
         raise ValueError(f"{name} must be a whole number {limits}, not {value}")
     return int(value)
 
@@ -53,9 +55,7 @@ def _check_axes(shape: Tuple[int, ...], channel_axis: Optional[int]) -> Optional
         return None
     if len(shape) != 3:
         raise ValueError(f"an image with channel_axis must have 3 axes, not {len(shape)}")
-    axis = channel_axis + 3 if channel_axis < 0 else channel_axis
-    if not 0 <= axis < 3:
-        raise ValueError(f"channel_axis must be one of the image's 3 axes, not {channel_axis}")
+    axis = _whole(channel_axis, "channel_axis", -3, 2) % 3
     if shape[axis] not in (1, 3):
         raise ValueError(f"there must be 1 or 3 channels, not {shape[axis]}")
     return axis
@@ -64,9 +64,14 @@ def _check_axes(shape: Tuple[int, ...], channel_axis: Optional[int]) -> Optional
 def _check_range(value_range: Optional[Tuple[float, float]]) -> Tuple[float, float]:
     if value_range is None:
         return 0, 0
-    least, greatest = (float(np.float32(end)) for end in value_range)
+    sentence = f"value_range must be two finite numbers, the lesser one first, not {value_range}"
+    try:
+        least, greatest = value_range
+        least, greatest = float(np.float32(least)), float(np.float32(greatest))
+    except (TypeError, ValueError):
+        raise TypeError(sentence) from None
     if not (np.isfinite(least) and np.isfinite(greatest) and least < greatest):
-        raise ValueError(f"value_range must be two finite numbers, the lesser one first, not {value_range}")
+        raise ValueError(sentence)
     return least, greatest
 
 
@@ -133,6 +138,8 @@ def hybrid_median(
         raise ValueError(f"out must be of shape {source.shape} and {source.dtype}, not {out.shape} and {out.dtype}")
     elif not out.flags.writeable:
         raise ValueError("out is read-only")
+    elif np.may_share_memory(source, out):
+        raise ValueError("image and out overlap")
 
     swapped = not source.dtype.isnative
     native = source.astype(source.dtype.newbyteorder("=")) if swapped else source

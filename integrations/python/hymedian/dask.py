@@ -47,24 +47,27 @@ def hybrid_median(
     part as the nearest finite one of its row; without `value_range`, it is read once more for its least and
     greatest samples.
     """
+    if not isinstance(array, da.Array):
+        raise TypeError(f"the image must be a Dask array, not {type(array).__name__}")
     radius = _check_radius(radius)
     _check_kind(array.dtype)
     axis = _check_axes(array.shape, channel_axis)
     _check_range(value_range)
     if array.size == 0 or np.isnan(array.size):
         raise ValueError("the image is empty, or its size is not known")
-    if axis is not None:
-        array = array.rechunk({axis: -1})
+    # What is not cut into chunks needs no overlap; Dask refuses overlaps that are wider than the array.
+    depth = {i: radius if i != axis and array.shape[i] > radius else 0 for i in range(array.ndim)}
+    array = array.rechunk({i: -1 for i in depth if depth[i] == 0})
     rows, columns = (i for i in range(array.ndim) if i != axis)
     ends: Any = value_range
     if array.dtype.kind == "f":
-        array = array.rechunk({rows: "auto", columns: -1})
+        array = array.rechunk({rows: "auto" if depth[rows] else -1, columns: -1})
         if ends is None:
             ends = _finite_range(array)
     return da.map_overlap(
         _filter_chunk,
         array,
-        depth={rows: radius, columns: radius},
+        depth=depth,
         boundary="none",
         dtype=array.dtype,
         meta=np.empty((0,) * array.ndim, array.dtype),

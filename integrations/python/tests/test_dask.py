@@ -30,6 +30,12 @@ def test_chunks_give_the_bits_of_the_whole(kind, chunks):
         np.testing.assert_array_equal(result, hybrid_median(image, radius))
 
 
+@pytest.mark.parametrize("shape", [(3, 40), (40, 1), (1, 1), (5, 4)])
+def test_images_smaller_than_the_radius(shape):
+    image = noise("uint8", shape)
+    np.testing.assert_array_equal(hybrid_median_of_chunks(da.from_array(image, 2), 6).compute(), hybrid_median(image, 6))
+
+
 def test_channels_are_kept_together():
     image = noise("uint8", (3, 60, 50))
     chunked = da.from_array(image, (1, 20, 20))
@@ -51,12 +57,13 @@ def test_a_picture_of_one_value_has_a_range_too():
         (TypeError, np.zeros((5, 5)), {}),
         (ValueError, np.zeros((5, 5, 2), "uint8"), {"channel_axis": 2}),
         (ValueError, np.zeros((0, 5), "uint8"), {}),
+        (TypeError, None, {}),
         (ValueError, np.zeros((5, 5), "float32"), {"value_range": (1, 0)}),
     ],
 )
 def test_refuses_before_anything_is_computed(error, array, options):
     with pytest.raises(error):
-        hybrid_median_of_chunks(da.from_array(array), **options)
+        hybrid_median_of_chunks(array if array is None else da.from_array(array), **options)
 
 
 @pytest.mark.filterwarnings("ignore")

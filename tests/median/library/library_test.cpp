@@ -211,6 +211,16 @@ TEST(Library, GivesTheSameHoweverItIsCalled) {
     }
 }
 
+TEST(Library, StridesMeanNothingWhereThereIsButOne) {
+    constexpr ptrdiff_t kFar = std::numeric_limits<ptrdiff_t>::min();
+    uint8_t pixel = 7, result = 0;
+    const hymedian_image input = {&pixel, 1, 1, 1, HYMEDIAN_UINT8, kFar, kFar, kFar};
+    const hymedian_image output = {&result, 1, 1, 1, HYMEDIAN_UINT8, kFar, kFar, kFar};
+    const hymedian_options options = Options(1);
+    EXPECT_EQ(hymedian_filter(&input, &output, &options), HYMEDIAN_OK);
+    EXPECT_EQ(result, 7);
+}
+
 TEST(Library, TakesOneRowForAll) {
     const Kind kind = {3, HYMEDIAN_UINT8};
     Bytes row = Noise(kind, kWidth, 1), result(static_cast<size_t>(kWidth * kHeight * 3)), rows;
@@ -323,6 +333,12 @@ TEST(Library, RefusesWhatIsWrong) {
         {HYMEDIAN_SAMPLE, [](Call &c) { c.input.sample = 8; }},
         {HYMEDIAN_SIZE, [](Call &c) { c.output.width = 0; }},
         {HYMEDIAN_SIZE, [](Call &c) { c.input.height = -1; }},
+        {HYMEDIAN_SIZE,
+         [](Call &c) {
+             c.input.height = kHuge;
+             c.input.row_stride = 0;
+             c.options.y = kHuge - kHeight;
+         }},
         {HYMEDIAN_STRIDE, [](Call &c) { c.output.row_stride = 0; }},
         {HYMEDIAN_STRIDE, [](Call &c) { c.output.pixel_stride = 2; }},
         {HYMEDIAN_STRIDE, [](Call &c) { c.output.row_stride -= 1; }},
