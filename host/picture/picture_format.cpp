@@ -21,6 +21,9 @@ constexpr uint64_t kMaxClassicTiffBytes = 2'000'000'000;
 constexpr int64_t kMaxHeldPixels = 50'000'000;
 constexpr int kZstdLevel = 9;
 constexpr int kTileSide = 256;  // of pyramids out of strips
+// Chosen: small enough for the library's buffer of a strip not to count, large enough to be compressed well.
+constexpr uint64_t kStripBytes = 1'000'000;
+constexpr uint64_t kMaxStripRows = 256;
 
 // Chosen: a level and a row filter that cost about as much as the noise filter at radius 2. A level that the
 // user asks for comes with the choice among all row filters, which gives the smallest files.
@@ -55,20 +58,32 @@ int SaveJpeg(VipsImage *image, const char *path, const Storage &storage, const S
                          TRUE, nullptr);
 }
 
+uint64_t BytesOfRow(VipsImage *image) {
+    return static_cast<uint64_t>(vips_image_get_width(image)) *
+           static_cast<uint64_t>(vips_image_get_bands(image)) *
+           vips_format_sizeof(vips_image_get_format(image));
+}
+
+// Or of a strip.
+int RowsOfTile(VipsImage *image, const Storage &storage) {
+    if (storage.tiled || storage.pyramid) {
+        return storage.tiled ? storage.tileHeight : kTileSide;
+    }
+    return static_cast<int>(std::clamp<uint64_t>(kStripBytes / BytesOfRow(image), 1, kMaxStripRows));
+}
+
 int SaveTiff(VipsImage *image, const char *path, const Storage &storage, const SaveOptions &) {
-    const uint64_t samples = static_cast<uint64_t>(vips_image_get_width(image)) *
-                             static_cast<uint64_t>(vips_image_get_height(image)) *
-                             static_cast<uint64_t>(vips_image_get_bands(image));
-    const bool large = samples * vips_format_sizeof(vips_image_get_format(image)) > kMaxClassicTiffBytes;
+    const bool large =
+        BytesOfRow(image) * static_cast<uint64_t>(vips_image_get_height(image)) > kMaxClassicTiffBytes;
     const bool tiled = storage.tiled || storage.pyramid;
     const int bits = BitsFor(image, storage);
-    return vips_tiffsave(
-        image, path, "compression", storage.compression, "predictor", storage.predictor, "level", kZstdLevel,
-        "tile", static_cast<gboolean>(tiled), "tile_width", storage.tiled ? storage.tileWidth : kTileSide,
-        "tile_height", storage.tiled ? storage.tileHeight : kTileSide, "pyramid",
-        static_cast<gboolean>(storage.pyramid), "subifd", static_cast<gboolean>(storage.subDirectories),
-        "bitdepth", bits, "miniswhite", static_cast<gboolean>(bits > 0 && storage.whiteIsZero), "bigtiff",
-        static_cast<gboolean>(large || storage.bigTiff), "strip", TRUE, nullptr);
+    return vips_tiffsave(image, path, "compression", storage.compression, "predictor", storage.predictor,
+                         "level", kZstdLevel, "tile", static_cast<gboolean>(tiled), "tile_width",
+                         storage.tiled ? storage.tileWidth : kTileSide, "tile_height",
+                         RowsOfTile(image, storage), "pyramid", static_cast<gboolean>(storage.pyramid),
+                         "subifd", static_cast<gboolean>(storage.subDirectories), "bitdepth", bits,
+                         "miniswhite", static_cast<gboolean>(bits > 0 && storage.whiteIsZero), "bigtiff",
+                         static_cast<gboolean>(large || storage.bigTiff), "strip", TRUE, nullptr);
 }
 
 int SaveWebp(VipsImage *image, const char *path, const Storage &storage, const SaveOptions &) {

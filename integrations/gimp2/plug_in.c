@@ -55,6 +55,8 @@ static void run(const gchar *name, gint count, const GimpParam *arguments, gint 
     bindtextdomain(GETTEXT_PACKAGE, LOCALE_FOLDER);
     bind_textdomain_codeset(GETTEXT_PACKAGE, "UTF-8");
     gegl_init(NULL, NULL);
+    /* Otherwise GIMP may hand out eight bits of every layer; versions differ in which calls imply it. */
+    gimp_plugin_enable_precision();
 
     const gint32 drawable = arguments[2].data.d_drawable;
     const char *failure = refusal_of(drawable);

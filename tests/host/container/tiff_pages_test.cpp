@@ -171,7 +171,7 @@ TEST_F(TiffPages, AreFilteredAsPicturesOfTheirOwn) {
     EXPECT_EQ(ContentsOf(folder / "out.png"), ContentsOf(folder / "single.png"));
     WriteNoise("uint.tif", 40, 30, 1, VIPS_FORMAT_UINT, VIPS_INTERPRETATION_B_W);
     ASSERT_TRUE(Join({"0.tif", "uint.tif"}, {}, "odd.tif"));
-    ExpectRefusals({{"odd.tif -o new.tif", 1, "odd.tif, page 2: its samples are of the kind 'uint'"},
+    ExpectRefusals({{"odd.tif -o new.tif", 1, "odd.tif, page 2: its samples are 32-bit integers"},
                     {"stack.tif -o new.tif --select 0,0,41,3", 2, "stack.tif, page 1: the rectangle"},
                     {"stack.tif -o new.tif --select 0,0,40,31 --page 2-6", 2, "stack.tif, page 6: the rec"}});
 }
