@@ -14,6 +14,7 @@ using windows::DialogWindow;
 
 // In pixels; smaller text would be hard to read.
 constexpr int kSmallestFont = 9;
+constexpr int kFieldBorder = 4;  // with what Windows leaves free around the text
 
 constexpr struct {
     int16_t kind;
@@ -93,6 +94,28 @@ std::vector<std::pair<HWND, Rect>> Controls(const DialogWindow &shown) {
         controls.emplace_back(made.bar, made.control->bounds);
     }
     return controls;
+}
+
+int TextHeight(const DialogWindow &shown) {
+    const HDC device = GetDC(shown.window);
+    const HGDIOBJ before = SelectObject(device, shown.font);
+    TEXTMETRICW metrics = {};
+    GetTextMetricsW(device, &metrics);
+    SelectObject(device, before);
+    ReleaseDC(shown.window, device);
+    return static_cast<int>(metrics.tmHeight);
+}
+
+// Fields have their text at the top, so they are as high as it is and stand in the middle of their place.
+RECT PlaceOfControl(const DialogWindow &shown, HWND control, const Rect &bounds) {
+    RECT place = windows::PlaceOf(shown, bounds);
+    const bool isField = (GetWindowLongW(control, GWL_EXSTYLE) & WS_EX_CLIENTEDGE) != 0;
+    const int border = 2 * windows::Scaled(kFieldBorder, shown.resolution);
+    const LONG spare = place.bottom - place.top - TextHeight(shown) - border;
+    if (isField && spare > 0) {
+        InflateRect(&place, 0, static_cast<int>(-spare / 2));
+    }
+    return place;
 }
 
 // Rectangles are fixed, so if any label is too wide in the system's font, the font shrinks for the whole
@@ -249,7 +272,7 @@ void windows::PlaceControls(DialogWindow *shown) {
     const HFONT before = shown->font;
     shown->font = FittingFont(*shown);
     for (const auto &[control, bounds] : Controls(*shown)) {
-        const RECT place = PlaceOf(*shown, bounds);
+        const RECT place = PlaceOfControl(*shown, control, bounds);
         SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(shown->font), FALSE);
         SetWindowPos(control, nullptr, place.left, place.top, place.right - place.left,
                      place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);

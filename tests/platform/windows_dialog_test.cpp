@@ -430,6 +430,18 @@ TEST_F(WindowsDialog, FitsEveryResolution) {
                     EXPECT_FALSE(IntersectRect(&common, &place, &other)) << TextOf(child);
                 }
                 places.push_back(place);
+                if ((GetWindowLongW(child, GWL_EXSTYLE) & WS_EX_CLIENTEDGE) != 0) {
+                    // A field's text stands at its top, so that there is little room below.
+                    const LRESULT text = SendMessageW(child, EM_POSFROMCHAR, 0, 0);
+                    TEXTMETRICW metrics = {};
+                    const HDC device = GetDC(child);
+                    SelectObject(device, reinterpret_cast<HGDIOBJ>(SendMessageW(child, WM_GETFONT, 0, 0)));
+                    GetTextMetricsW(device, &metrics);
+                    ReleaseDC(child, device);
+                    const int below =
+                        static_cast<int>(place.bottom - place.top) - HIWORD(text) - metrics.tmHeight;
+                    EXPECT_NEAR(below, HIWORD(text), windows::Scaled(5, wanted));
+                }
                 if (TextOf(child) != "" && (GetWindowLongW(child, GWL_STYLE) & WS_TABSTOP) == 0) {
                     const HDC device = GetDC(child);
                     SelectObject(device, reinterpret_cast<HGDIOBJ>(SendMessageW(child, WM_GETFONT, 0, 0)));
