@@ -66,7 +66,7 @@ windows_path() {
 windows_module=$(windows_path "$module")
 # The last line that a host says. One that shows a box where it should not is ended.
 run() {
-    timeout 60 "$wine" "$build/foreign_host.exe" "$windows_module" "$@" >told || true
+    timeout 60 "$wine" "$build/foreign_host.exe" "$windows_module" "$@" >told || echo "ended with $?" >>told
     tail -1 told | tr -d '\r'
 }
 on_linux() {
@@ -138,7 +138,7 @@ for ((i = 1; i <= count; ++i)); do
         export HYMEDIAN_KERNEL=${kernels[i / 25 % 4]}
         on_linux "${linux[@]}" >linux
         HYMEDIAN_PREFERENCES= run "${linux[@]/#out=linux/out=windows}" >/dev/null
-        expect "$(grep ^result told | tr -d '\r')" "$(cat linux)"
+        expect "$(grep '^result\|^ended' told | tr -d '\r')" "$(cat linux)"
         linux=()
     fi
 done
