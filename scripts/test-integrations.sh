@@ -8,7 +8,8 @@ cd "$(dirname "$0")/.."
 # Whatever hangs is ended, together with what it has started.
 limited() { timeout --kill-after=10 "${LIMIT:-240}" "$@"; }
 
-LIMIT=600 limited scripts/install-packages.sh build python gegl gimp
+# In the foreground, since it may ask for a password.
+timeout --foreground 600 scripts/install-packages.sh build python gegl gimp "$@"
 limited cmake --preset release >/dev/null
 LIMIT=600 limited cmake --build --preset release --target hymedian HybridMedian resources
 export HYMEDIAN_PROGRAM=$PWD/build/hymedian
@@ -24,7 +25,6 @@ limited "$python" -m venv --system-site-packages --without-pip "$work/venv"
 limited "$work/venv/bin/python" -m pip install --quiet --no-index integrations/python
 limited "$work/venv/bin/python" -m pytest -q -p no:cacheprovider integrations/python/tests
 if [ "${1:-}" = valgrind ]; then
-    scripts/install-packages.sh valgrind
     # The interpreter has findings of its own; those count in which the compiled part takes part.
     PYTHONMALLOC=malloc limited valgrind --leak-check=full --show-leak-kinds=definite --num-callers=40 --log-file="$work/valgrind.log" \
         "$work/venv/bin/python" integrations/python/tests/valgrind.py

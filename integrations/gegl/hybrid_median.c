@@ -16,6 +16,12 @@ property_int(radius, _("Radius"), 1) description(_("How far the filter looks, in
 #define GEGL_OP_C_SOURCE hybrid_median.c
 #include "gegl-op.h"
 
+/* When the module is loaded, since the property is described before the class is initialised. */
+__attribute__((constructor)) static void find_translations(void) {
+    bindtextdomain(GETTEXT_PACKAGE, LOCALE_FOLDER);
+    bind_textdomain_codeset(GETTEXT_PACKAGE, "UTF-8");
+}
+
 static void prepare(GeglOperation *operation) {
     GeglOperationAreaFilter *area = GEGL_OPERATION_AREA_FILTER(operation);
     const gint radius = GEGL_PROPERTIES(operation)->radius;
@@ -59,7 +65,6 @@ static gboolean process(GeglOperation *operation, GeglBuffer *input, GeglBuffer 
 static void gegl_op_class_init(GeglOpClass *klass) {
     GeglOperationClass *operation_class = GEGL_OPERATION_CLASS(klass);
     GeglOperationFilterClass *filter_class = GEGL_OPERATION_FILTER_CLASS(klass);
-    bindtextdomain(GETTEXT_PACKAGE, LOCALE_FOLDER);
     operation_class->prepare = prepare;
     operation_class->get_bounding_box = get_bounding_box;
     operation_class->get_required_for_output = get_required_for_output;

@@ -43,7 +43,7 @@ def gimp(tmp_path_factory):
             capture_output=True,
             text=True,
             errors="replace",
-            timeout=200,
+            timeout=900 if EVERY_RADIUS else 200,
         )
         return finished.stdout + finished.stderr
 

@@ -11,6 +11,8 @@
 hymedian.dask has the same function for arrays that are larger than memory.
 """
 
+from __future__ import annotations
+
 import math
 import numbers
 from typing import Any, Optional, Tuple
@@ -40,7 +42,7 @@ def _check_radius(radius: Any) -> int:
     return _whole(radius, "radius", 1, 6)
 
 
-def _check_kind(dtype: "np.dtype[Any]") -> None:
+def _check_kind(dtype: np.dtype[Any]) -> None:
     if dtype == np.float64:
         raise TypeError("float64 would lose bits as float32; convert with image.astype(numpy.float32) if that is no loss")
     if dtype.newbyteorder("=").name not in _KINDS:
@@ -80,10 +82,10 @@ def hybrid_median(
     radius: int = 2,
     *,
     channel_axis: Optional[int] = None,
-    out: Optional["np.ndarray[Any, Any]"] = None,
+    out: Optional[np.ndarray[Any, Any]] = None,
     workers: int = 1,
     value_range: Optional[Tuple[float, float]] = None,
-) -> "np.ndarray[Any, Any]":
+) -> np.ndarray[Any, Any]:
     """Replace every pixel by the hybrid vector median of the pixels around it.
 
     Each result is one of the image's own pixels, with all its bits: colours are points in space, and nothing
@@ -111,6 +113,11 @@ def hybrid_median(
     array
         `out`, or a new array of the image's shape and dtype. Pixels that are not finite stay as they are and
         are chosen nowhere else.
+
+    Raises
+    ------
+    TypeError, ValueError
+        In words: a dtype, shape or argument that is not taken, or an `out` that overlaps the image.
 
     The interpreter is free for other threads meanwhile. Ctrl-C cancels, and `out` is then as it was.
     To show progress, filter bands of rows with `radius` more rows above and below.
@@ -145,7 +152,7 @@ def hybrid_median(
     native = source.astype(source.dtype.newbyteorder("=")) if swapped else source
     result = np.empty_like(native) if swapped else out
 
-    def rows_first(array: "np.ndarray[Any, Any]") -> "np.ndarray[Any, Any]":
+    def rows_first(array: np.ndarray[Any, Any]) -> np.ndarray[Any, Any]:
         return array if axis is None else np.moveaxis(array, axis, -1)
 
     _native.filter(

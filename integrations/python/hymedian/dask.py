@@ -1,5 +1,7 @@
 """The hybrid vector median of Dask arrays: images that are larger than memory, on many processors or machines."""
 
+from __future__ import annotations
+
 from typing import Any, Optional, Tuple
 
 import dask.array as da
@@ -12,11 +14,11 @@ __all__ = ["hybrid_median"]
 
 
 def _filter_chunk(
-    chunk: "np.ndarray[Any, Any]",
+    chunk: np.ndarray[Any, Any],
     radius: int,
     channel_axis: Optional[int],
     value_range: Any,
-) -> "np.ndarray[Any, Any]":
+) -> np.ndarray[Any, Any]:
     if chunk.size == 0:
         return chunk
     if value_range is not None and not value_range[0] < value_range[1]:
