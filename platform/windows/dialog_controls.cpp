@@ -14,7 +14,7 @@ using windows::DialogWindow;
 
 // In pixels; smaller text would be hard to read.
 constexpr int kSmallestFont = 9;
-constexpr int kFieldBorder = 4;  // with what Windows leaves free around the text
+constexpr int kFieldBorder = 3;  // with what Windows leaves free around the text
 
 constexpr struct {
     int16_t kind;

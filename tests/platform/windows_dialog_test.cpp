@@ -440,7 +440,7 @@ TEST_F(WindowsDialog, FitsEveryResolution) {
                     ReleaseDC(child, device);
                     const int below =
                         static_cast<int>(place.bottom - place.top) - HIWORD(text) - metrics.tmHeight;
-                    EXPECT_NEAR(below, HIWORD(text), windows::Scaled(5, wanted));
+                    EXPECT_NEAR(below, HIWORD(text), windows::Scaled(7, wanted));
                 }
                 if (TextOf(child) != "" && (GetWindowLongW(child, GWL_STYLE) & WS_TABSTOP) == 0) {
                     const HDC device = GetDC(child);
