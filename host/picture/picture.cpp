@@ -66,9 +66,18 @@ bool IsAmong(const std::string_view *begin, const std::string_view *end, std::st
     return std::find(begin, end, name) != end;
 }
 
-void *CopyField(VipsImage *, const char *name, GValue *value, void *to) {
-    if (!IsAmong(std::begin(kNotCopied), std::end(kNotCopied), name)) {
-        vips_image_set(static_cast<VipsImage *>(to), name, value);
+// The EXIF data of a HEIC picture are gone with the image that has them: bytes are copied.
+void *CopyField(VipsImage *, const char *name, GValue *value, void *target) {
+    auto *to = static_cast<VipsImage *>(target);
+    if (IsAmong(std::begin(kNotCopied), std::end(kNotCopied), name)) {
+        return nullptr;
+    }
+    if (G_VALUE_HOLDS(value, VIPS_TYPE_BLOB)) {
+        size_t size = 0;
+        const void *bytes = vips_value_get_blob(value, &size);
+        vips_image_set_blob_copy(to, name, bytes, size);
+    } else {
+        vips_image_set(to, name, value);
     }
     return nullptr;
 }

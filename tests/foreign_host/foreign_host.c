@@ -156,6 +156,7 @@ static void CallElsewhere(void *(*call)(void *)) {
     S(guard, 16)               /* bytes behind blocks that are watched; 0 leaves that to a sanitizer */    \
     S(handles, 8) S(buffers, 1) S(progress, 1) S(abort, 1) S(advance, 1) S(info, 0) S(space, 0x7FFFFFFF)   \
     S(abortat, 0)              /* the question that is answered with yes, from 1 */                        \
+    S(unload, 1)               /* the module, at the end */                                                \
     S(scripting, 1)            /* 2: a record with neither suite */                                        \
     S(version, 0) S(reads, 18) S(writes, 16) S(play, 0)                                                    \
     S(radius, 2)               /* in the descriptor; -1: there is none */                                  \
@@ -627,7 +628,7 @@ int main(int count, char **words) {
     } while (status < 2 && ++i < count);
     if (status == 2) {
         fprintf(stderr, "foreign_host: no such module or switch\n");
-    } else {
+    } else if (on.unload) {
         Unload(module);
     }
     return status;

@@ -189,7 +189,8 @@ TEST_F(ForeignHost, ShowsDialogsThroughTheProgramBesideTheModule) {
     };
     for (const auto &[switches, answers, line] : cases) {
         WriteBytes("answers", answers);
-        EXPECT_EQ(Run(switches, filtered), line) << switches;
+        // Of a module that is still there, sanitizers can tell what the dialog keeps by design.
+        EXPECT_EQ(Run(std::string("unload=0 ") + switches, filtered), line) << switches;
         EXPECT_EQ(ContentsOf(Path("answers")), "") << switches;
     }
     // One that dies at once, and one that is none.
