@@ -54,7 +54,7 @@ for resolution in 96 192; do
     # of more than 260 characters there, to make folders with.
     tests='-Faults.*:HostileHost.*:Paths.LongerThan*'
     [ $resolution = 96 ] || tests='WindowsDialog.GivesWhat*:WindowsDialog.Fits*:WindowsDialog.ThePicture*'
-    timeout 300 "$wine" "$build/system_test.exe" --gtest_brief=1 --gtest_filter="$tests"
+    timeout 600 "$wine" "$build/system_test.exe" --gtest_brief=1 --gtest_filter="$tests"
 done
 timeout 60 "$wine" "$build/other_filter_test.exe" --gtest_brief=1
 
