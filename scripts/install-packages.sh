@@ -5,7 +5,7 @@ set -euo pipefail
 
 declare -A packages=(
     [build]="g++ cmake ninja-build pkg-config libvips-dev libexiv2-dev zlib1g-dev libcli11-dev nlohmann-json3-dev qt6-base-dev"
-    [test]="libgtest-dev xvfb libimage-exiftool-perl libtiff-tools webp"
+    [test]="libgtest-dev xvfb libimage-exiftool-perl libtiff-tools libvips-tools webp"
     [bench]="libbenchmark-dev"
     [lint]="clang-format clang-tidy cppcheck"
     [fuzz]="clang libclang-rt-14-dev"

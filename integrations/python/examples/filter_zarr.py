@@ -8,6 +8,7 @@ on a cluster whose scheduler's address is given.
 import argparse
 
 import dask.array as da
+import zarr
 from dask.diagnostics import ProgressBar
 from hymedian.dask import hybrid_median
 
@@ -24,7 +25,10 @@ def main(arguments=None):
     noisy = da.from_zarr(options.source)
     clean = hybrid_median(noisy, options.radius, channel_axis=options.channel_axis)
     # A store's chunks are all of one size: those of the source.
-    written = clean.rechunk(noisy.chunksize).to_zarr(options.target, overwrite=True, compute=False)
+    try:
+        written = clean.rechunk(noisy.chunksize).to_zarr(options.target, compute=False)
+    except zarr.errors.ContainsArrayError:
+        parser.error(f"{options.target} is there already; remove it, or choose another target")
     if options.cluster is None:
         with ProgressBar():
             written.compute()
@@ -32,7 +36,9 @@ def main(arguments=None):
     from dask.distributed import Client, progress
 
     with Client(options.cluster) as client:
-        progress(client.compute(written), notebook=False)
+        result = client.compute(written)
+        progress(result, notebook=False)
+        result.result()  # raises what went wrong
 
 
 if __name__ == "__main__":

@@ -81,3 +81,7 @@ def test_the_example_filters_a_store(tmp_path, capsys):
     main([str(tmp_path / "noisy.zarr"), str(tmp_path / "clean.zarr"), "--radius", "3"])
     np.testing.assert_array_equal(zarr.open(str(tmp_path / "clean.zarr"))[:], hybrid_median(image, 3))
     assert "Completed" in capsys.readouterr().out
+    with pytest.raises(SystemExit):
+        main([str(tmp_path / "clean.zarr"), str(tmp_path / "noisy.zarr")])
+    assert "noisy.zarr is there already" in capsys.readouterr().err
+    np.testing.assert_array_equal(zarr.open(str(tmp_path / "noisy.zarr"))[:], image)

@@ -11,6 +11,7 @@
 #include "host/container/png_chunks.h"
 #include "host/container/tiff_directory.h"
 #include "host/picture/exiv2_library.h"
+#include "host/picture/picture.h"
 #include "host/picture/vips_library.h"
 #include "tests/host/host_fixture.h"
 
@@ -252,6 +253,13 @@ TEST_F(MetadataFile, HeifTakesAllBlocksAndGivesThemBack) {
         EXPECT_NE(ContentsOf(folder / name).find("irot\3"s), std::string::npos)
             << "three quarters to the left";
         EXPECT_EQ(size, 24u * 18 * 3) << TakeVipsError();
+        // What an opened picture tells stays when its file is closed.
+        Picture picture;
+        EXPECT_FALSE(OpenPicture(Path(name), &picture));
+        picture.unread.reset();
+        const void *told = nullptr;
+        ASSERT_EQ(vips_image_get_blob(picture.metadata.get(), VIPS_META_EXIF_NAME, &told, &size), 0);
+        EXPECT_TRUE(std::string_view(static_cast<const char *>(told), size).ends_with(exif));
         // What is read turned already does not say so again.
         fs::remove(folder / "c.tif");
         EXPECT_EQ(Carry(name, "c.tif"), "");
