@@ -24,7 +24,7 @@ missing=()
 for group in "$@"; do
     for package in ${packages[$group]}; do
         state=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null || true)
-        [ "$state" = installed ] || missing+=("$package")
+        [ "$state" = installed ] || [[ " ${missing[*]} " == *" $package "* ]] || missing+=("$package")
     done
 done
 [ ${#missing[@]} -gt 0 ] || exit 0

@@ -40,7 +40,7 @@ QScrollBar *MakeBar(DialogWindow *shown, const ControlRecord *control) {
     QObject::connect(bar, &QScrollBar::actionTriggered, [=](int action) {
         const TrackedPart part = PartOf(*bar, action);
         bar->setSliderPosition(bar->value());
-        qt::PostPress(&shown->input, control->bounds, part);
+        user_actions::PostPress(&shown->input.actions, control->bounds, part);
     });
     bar->show();
     return bar;

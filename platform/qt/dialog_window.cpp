@@ -53,7 +53,7 @@ bool PressButtonKey(DialogWindow *shown, const QKeyEvent &event) {
     if (found == std::end(kButtonKeys)) {
         return false;
     }
-    qt::PostKey(&shown->input, found->character);
+    user_actions::PostKey(&shown->input.actions, found->character);
     return true;
 }
 
@@ -94,7 +94,7 @@ bool WatchWindow(DialogWindow *shown, QEvent *event) {
             return false;
         }
         case QEvent::Close:
-            qt::PostKey(&shown->input, kEscapeCharCode);
+            user_actions::PostKey(&shown->input.actions, kEscapeCharCode);
             event->ignore();
             return true;
         default:
@@ -108,7 +108,7 @@ void WatchField(DialogWindow *shown, QLineEdit *field, const QEvent &event) {
         case QEvent::MouseButtonDblClick: {
             const auto found = std::find(shown->items.begin(), shown->items.end(), field);
             const auto index = static_cast<size_t>(found - shown->items.begin());
-            qt::PostPress(&shown->input, shown->dialog->items[index].bounds, {});
+            user_actions::PostPress(&shown->input.actions, shown->dialog->items[index].bounds, {});
             break;
         }
         // The field forgets its selection when it loses the focus.
@@ -208,7 +208,7 @@ void qt::Refresh(DialogWindow *shown) {
 
 void qt::WaitForAction(DialogWindow *shown) {
     ReleaseHeld(&shown->input, shown->window->windowHandle());
-    if (!shown->input.actions.empty()) {
+    if (!shown->input.actions.waiting.empty()) {
         return;
     }
     bool idle = false;
@@ -216,7 +216,7 @@ void qt::WaitForAction(DialogWindow *shown) {
     timer.setSingleShot(true);
     QObject::connect(&timer, &QTimer::timeout, [&] { idle = true; });
     timer.start(kIdleMilliseconds);
-    while (!idle && shown->input.actions.empty()) {
+    while (!idle && shown->input.actions.waiting.empty()) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
 }

@@ -23,8 +23,9 @@ QWidget *MakeButton(DialogWindow *shown, size_t index, const QString &title) {
     auto *button = new QPushButton(title, shown->window.get());
     button->setAutoDefault(false);
     button->setFocusPolicy(kNoClickFocus);
-    QObject::connect(button, &QPushButton::clicked,
-                     [=] { qt::PostPress(&shown->input, shown->dialog->items[index].bounds, {}); });
+    QObject::connect(button, &QPushButton::clicked, [=] {
+        user_actions::PostPress(&shown->input.actions, shown->dialog->items[index].bounds, {});
+    });
     return button;
 }
 
@@ -34,7 +35,7 @@ QWidget *MakeCheckBox(DialogWindow *shown, size_t index, const QString &title) {
     box->setFocusPolicy(kNoClickFocus);
     QObject::connect(box, &QCheckBox::clicked, [=](bool checked) {
         box->setChecked(!checked);
-        qt::PostPress(&shown->input, shown->dialog->items[index].bounds, {});
+        user_actions::PostPress(&shown->input.actions, shown->dialog->items[index].bounds, {});
     });
     return box;
 }
@@ -47,7 +48,8 @@ QWidget *MakeField(DialogWindow *shown, size_t index, const QString &text) {
     auto *field = new QLineEdit(text, shown->window.get());
     field->setMaxLength(static_cast<int>(model::kLongestText));
     QObject::connect(field, &QLineEdit::textEdited, [=] {
-        qt::PostEdit(&shown->input, static_cast<int16_t>(index + 1), field->text(), field->cursorPosition());
+        user_actions::PostEdit(&shown->input.actions, static_cast<int16_t>(index + 1),
+                               field->text().toStdString(), static_cast<size_t>(field->cursorPosition()));
     });
     return field;
 }

@@ -26,7 +26,7 @@ bool qt::StepNumber(DialogWindow *shown, const QLineEdit &field, int key) {
         return false;
     }
     const int16_t part = key == Qt::Key_Up ? kControlDownButtonPart : kControlUpButtonPart;
-    PostPress(&shown->input, bar->bounds, {part, 0});
+    user_actions::PostPress(&shown->input.actions, bar->bounds, {part, 0});
     return true;
 }
 
@@ -36,7 +36,7 @@ bool qt::SettleNumber(DialogWindow *shown, const QLineEdit &field) {
     if (field.text() == number) {
         return false;
     }
-    PostEdit(&shown->input, static_cast<int16_t>(PlaceOf(*shown, field) + 1), number,
-             static_cast<int>(number.size()));
+    user_actions::PostEdit(&shown->input.actions, static_cast<int16_t>(PlaceOf(*shown, field) + 1),
+                           number.toStdString(), static_cast<size_t>(number.size()));
     return true;
 }

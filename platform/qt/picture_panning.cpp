@@ -17,12 +17,6 @@ Point PointOf(const QPointF &position) {
     return {static_cast<int16_t>(place.y()), static_cast<int16_t>(place.x())};
 }
 
-void Post(DialogWindow *shown, const dialog_bars::Moves &moves) {
-    for (const dialog_bars::Move &move : moves) {
-        qt::PostPress(&shown->input, move.bar->bounds, {kControlIndicatorPart, move.value});
-    }
-}
-
 bool Take(DialogWindow *shown, const PannedPicture &picture, const QMouseEvent &event) {
     if (event.button() != Qt::LeftButton) {
         return false;
@@ -33,7 +27,8 @@ bool Take(DialogWindow *shown, const PannedPicture &picture, const QMouseEvent &
 
 bool Drag(DialogWindow *shown, const PannedPicture &picture, const QMouseEvent &event) {
     if (shown->grip.held) {
-        Post(shown, dialog_bars::Drag(picture, shown->grip, PointOf(event.position())));
+        user_actions::PostMoves(&shown->input.actions,
+                                dialog_bars::Drag(picture, shown->grip, PointOf(event.position())));
     }
     return shown->grip.held;
 }
@@ -46,8 +41,8 @@ bool Roll(DialogWindow *shown, const PannedPicture &picture, const QWheelEvent &
     const bool exact = !event.pixelDelta().isNull();
     const QPointF turned = exact ? QPointF(event.pixelDelta()) : QPointF(event.angleDelta()) / kNotch;
     const QPointF way = (event.modifiers() & Qt::ShiftModifier) != 0 ? turned.transposed() : turned;
-    Post(shown, exact ? dialog_bars::Scroll(picture, -way.x(), -way.y())
-                      : dialog_bars::Roll(picture, -way.x(), -way.y()));
+    user_actions::PostMoves(&shown->input.actions, exact ? dialog_bars::Scroll(picture, -way.x(), -way.y())
+                                                         : dialog_bars::Roll(picture, -way.x(), -way.y()));
     return true;
 }
 

@@ -5,7 +5,6 @@
 #include <QScreen>
 #include <algorithm>
 
-#include "platform/mac_roman.h"
 #include "platform/qt/dialog_window.h"
 
 namespace {
@@ -51,35 +50,22 @@ void Close(DialogRecord *dialog) {
 
 bool NextEvent(DialogRecord *dialog, EventRecord *event) {
     qt::DialogWindow *shown = WindowOf(dialog);
-    qt::UserInput &input = shown->input;
+    user_actions::Queue &actions = shown->input.actions;
     *event = {};
-    if (input.actions.empty()) {
+    if (actions.waiting.empty()) {
         qt::Refresh(shown);
         qt::WaitForAction(shown);
     }
-    if (input.actions.empty()) {
+    if (actions.waiting.empty()) {
         return true;
     }
-    input.current = input.actions.front();
-    input.actions.pop_front();
     shown->stale = true;
-    if (input.current.item != 0) {
-        dialog->focusItem = input.current.item;
-    }
-    *event = input.current.event;
-    const Point origin = dialog->window.port.origin;
-    event->where = {static_cast<int16_t>(origin.v + input.current.place.v),
-                    static_cast<int16_t>(origin.h + input.current.place.h)};
+    user_actions::Take(&actions, dialog, event);
     return true;
 }
 
-// Only keys change text.
 void Edit(DialogRecord *dialog, int16_t item, const EventRecord &event) {
-    const qt::Action &action = WindowOf(dialog)->input.current;
-    if (event.what == keyDown) {
-        const auto caret = static_cast<size_t>(action.caret);
-        model::ItemAt(dialog, item)->text = {UTF8ToMacRoman(action.text.toStdString()), caret, caret};
-    }
+    user_actions::Edit(WindowOf(dialog)->input.actions, dialog, item, event);
 }
 
 constexpr DialogBackend kScreen = {
@@ -87,7 +73,7 @@ constexpr DialogBackend kScreen = {
     Open,
     Close,
     NextEvent,
-    [](ControlRecord *control) { return WindowOf(control->dialog)->input.current.tracked; },
+    [](ControlRecord *control) { return WindowOf(control->dialog)->input.actions.current.tracked; },
     Edit,
     // The window manager moves the window; Qt reports it afterwards.
     [](DialogRecord *, Point start) { return start; },

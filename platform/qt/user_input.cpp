@@ -29,33 +29,8 @@ std::function<void(QObject *)> DeliveryOf(const QEvent &event) {
 
 }  // namespace
 
-void qt::PostPress(UserInput *input, const Rect &bounds, TrackedPart tracked) {
-    Action action = {};
-    action.event.what = mouseDown;
-    action.place = {static_cast<int16_t>((bounds.top + bounds.bottom) / 2),
-                    static_cast<int16_t>((bounds.left + bounds.right) / 2)};
-    action.tracked = tracked;
-    input->actions.push_back(action);
-}
-
-void qt::PostEdit(UserInput *input, int16_t item, const QString &text, int caret) {
-    Action action = {};
-    action.event.what = keyDown;
-    action.item = item;
-    action.text = text;
-    action.caret = caret;
-    input->actions.push_back(action);
-}
-
-void qt::PostKey(UserInput *input, uint8_t character) {
-    Action action = {};
-    action.event.what = keyDown;
-    action.event.message = character;
-    input->actions.push_back(action);
-}
-
 bool qt::HoldBack(UserInput *input, const QEvent &event) {
-    const bool busy = !input->actions.empty() || (!input->held.empty() && !input->releasing);
+    const bool busy = !input->actions.waiting.empty() || (!input->held.empty() && !input->releasing);
     if (!busy ||
         std::find(std::begin(kInputEvents), std::end(kInputEvents), event.type()) == std::end(kInputEvents)) {
         return false;
@@ -77,7 +52,7 @@ bool qt::HoldBack(UserInput *input, const QEvent &event) {
 
 void qt::ReleaseHeld(UserInput *input, QObject *window) {
     input->releasing = true;
-    while (input->actions.empty() && !input->held.empty()) {
+    while (input->actions.waiting.empty() && !input->held.empty()) {
         const HeldEvent event = std::move(input->held.front());
         input->held.pop_front();
         event.deliver(window);

@@ -218,12 +218,7 @@ void RefreshSelection(DialogWindow *shown) {
 }
 
 void PostEdit(DialogWindow *shown, size_t index, const std::wstring &text, size_t caret) {
-    windows::Action action = {};
-    action.event.what = keyDown;
-    action.item = static_cast<int16_t>(index + 1);
-    action.text = UTF8ToMacRoman(windows::UTF8From(text));
-    action.caret = std::min(caret, action.text.size());
-    shown->actions.push_back(action);
+    user_actions::PostEdit(&shown->actions, static_cast<int16_t>(index + 1), windows::UTF8From(text), caret);
 }
 
 // A field in whose row a scroll bar shows the same number shows what applies when it is left, whatever was
@@ -300,7 +295,7 @@ void windows::TakeCommand(DialogWindow *shown, int code, HWND control) {
     if (model::KindOf(item) == kEditTextDialogItem) {
         TakeFieldsCommand(shown, code, index);
     } else if (code == BN_CLICKED && model::IsControlItem(item)) {
-        PostPress(shown, item.bounds, {});
+        user_actions::PostPress(&shown->actions, item.bounds, {});
         // A click leaves the focus, and the selection, in the field; only keys move the focus to the button.
         if (GetKeyState(VK_SPACE) >= 0 && GetFocus() == control) {
             SetFocus(FieldOf(*shown));
@@ -319,10 +314,11 @@ void windows::TakeScroll(DialogWindow *shown, int code, int16_t position, HWND b
                                    [=](const BarWindow &candidate) { return candidate.bar == bar; });
     const auto *part = std::find_if(std::begin(kParts), std::end(kParts),
                                     [=](const auto &candidate) { return candidate.first == code; });
-    const bool pressed = std::any_of(shown->actions.begin(), shown->actions.end(),
-                                     [](const Action &action) { return action.tracked.part != 0; });
+    const bool pressed =
+        std::any_of(shown->actions.waiting.begin(), shown->actions.waiting.end(),
+                    [](const user_actions::Action &action) { return action.tracked.part != 0; });
     if (made == shown->bars.end() || part == std::end(kParts) || pressed) {
         return;
     }
-    PostPress(shown, made->control->bounds, {part->second, position});
+    user_actions::PostPress(&shown->actions, made->control->bounds, {part->second, position});
 }

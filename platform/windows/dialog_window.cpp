@@ -92,7 +92,7 @@ INT_PTR CALLBACK TakeMessage(HWND window, UINT message, WPARAM first, LPARAM sec
             ChangeResolution(shown, LOWORD(first), *reinterpret_cast<const RECT *>(second));
             return TRUE;
         case WM_CLOSE:
-            windows::PostKey(shown, kEscapeCharCode);
+            user_actions::PostKey(&shown->actions, kEscapeCharCode);
             return TRUE;
         case WM_NCDESTROY:
             shown->window = nullptr;
@@ -143,7 +143,8 @@ bool StepNumber(DialogWindow *shown, const MSG &message) {
     if (message.message != WM_KEYDOWN || (!up && message.wParam != VK_DOWN) || bar == nullptr) {
         return false;
     }
-    windows::PostPress(shown, bar->bounds, {up ? kControlDownButtonPart : kControlUpButtonPart, 0});
+    user_actions::PostPress(&shown->actions, bar->bounds,
+                            {up ? kControlDownButtonPart : kControlUpButtonPart, 0});
     return true;
 }
 
@@ -151,7 +152,7 @@ bool StepNumber(DialogWindow *shown, const MSG &message) {
 // too.
 bool TakeKey(DialogWindow *shown, MSG *message) {
     if (const uint8_t character = ButtonKey(*message); character != 0) {
-        windows::PostKey(shown, character);
+        user_actions::PostKey(&shown->actions, character);
         return true;
     }
     const HWND field = windows::FieldOf(*shown);
@@ -163,7 +164,8 @@ bool TakeKey(DialogWindow *shown, MSG *message) {
         return true;
     }
     if (message->hwnd == field && IsPress(*message)) {
-        windows::PostPress(shown, model::ItemAt(shown->dialog, shown->dialog->focusItem)->bounds, {});
+        user_actions::PostPress(&shown->actions,
+                                model::ItemAt(shown->dialog, shown->dialog->focusItem)->bounds, {});
     }
     return false;
 }
@@ -198,22 +200,6 @@ RECT windows::PlaceOf(const DialogWindow &shown, const Rect &bounds) {
 HWND windows::FieldOf(const DialogWindow &shown) {
     const int16_t item = shown.dialog->focusItem;
     return item == 0 ? nullptr : shown.items[static_cast<size_t>(item - 1)];
-}
-
-void windows::PostKey(DialogWindow *shown, uint8_t character) {
-    Action action = {};
-    action.event.what = keyDown;
-    action.event.message = character;
-    shown->actions.push_back(action);
-}
-
-void windows::PostPress(DialogWindow *shown, const Rect &bounds, TrackedPart tracked) {
-    Action action = {};
-    action.event.what = mouseDown;
-    action.place = {static_cast<int16_t>((bounds.top + bounds.bottom) / 2),
-                    static_cast<int16_t>((bounds.left + bounds.right) / 2)};
-    action.tracked = tracked;
-    shown->actions.push_back(action);
 }
 
 std::unique_ptr<DialogWindow> windows::MakeDialogWindow(DialogRecord *dialog, HWND owner) {
@@ -275,7 +261,7 @@ void windows::Refresh(DialogWindow *shown) {
 bool windows::WaitForAction(DialogWindow *shown) {
     const DWORD start = GetTickCount();
     MSG message;
-    while (shown->actions.empty() && shown->window != nullptr) {
+    while (shown->actions.waiting.empty() && shown->window != nullptr) {
         const DWORD waited = GetTickCount() - start;
         if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
             if (message.message == WM_QUIT) {

@@ -4,25 +4,12 @@
 
 #include <windows.h>
 
-#include <deque>
 #include <memory>
 #include <vector>
 
-#include "platform/dialog_backend.h"
-#include "platform/internal/dialog_bars.h"
+#include "platform/internal/user_actions.h"
 
 namespace windows {
-
-// What the user did. Input waits in the system's queue while one is pending, because the plug-in may change
-// what a later key or click means.
-struct Action {
-    EventRecord event;
-    Point place;   // the mouse, in window coordinates
-    int16_t item;  // the edited text field
-    TrackedPart tracked;
-    std::string text;  // the field's text after the user's edit
-    size_t caret;
-};
 
 struct BarWindow {
     const ControlRecord *control;
@@ -38,8 +25,9 @@ struct DialogWindow {
     HFONT font;
     int resolution;
     POINT origin;  // of the screen that the plug-in knows, on the desktop
-    std::deque<Action> actions;
-    Action current;
+    // Input waits in the system's queue while one is pending, because the plug-in may change what a later key
+    // or click means.
+    user_actions::Queue actions;
     dialog_bars::Grip grip;
     bool clicking;           // a press of the mouse is being dealt with
     int32_t selectionCount;  // the model's count when its selection was last shown
@@ -78,9 +66,5 @@ void PaintPicture(const DialogWindow &shown, HDC device);
 RECT PlaceOf(const DialogWindow &shown, const Rect &bounds);
 // The text field that takes keys; null if there is none.
 HWND FieldOf(const DialogWindow &shown);
-
-void PostKey(DialogWindow *shown, uint8_t character);
-// A press in the middle of `bounds` and its outcome.
-void PostPress(DialogWindow *shown, const Rect &bounds, TrackedPart tracked);
 
 }  // namespace windows

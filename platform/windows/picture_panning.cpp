@@ -17,12 +17,6 @@ POINT PlaceFrom(LPARAM packed) {
     return {static_cast<int16_t>(LOWORD(packed)), static_cast<int16_t>(HIWORD(packed))};
 }
 
-void Post(DialogWindow *shown, const dialog_bars::Moves &moves) {
-    for (const dialog_bars::Move &move : moves) {
-        windows::PostPress(shown, move.bar->bounds, {kControlIndicatorPart, move.value});
-    }
-}
-
 }  // namespace
 
 bool windows::PanPicture(DialogWindow *shown, UINT message, LPARAM place) {
@@ -34,7 +28,7 @@ bool windows::PanPicture(DialogWindow *shown, UINT message, LPARAM place) {
             SetCapture(shown->window);
         }
     } else if (shown->grip.held) {
-        Post(shown, dialog_bars::Drag(picture, shown->grip, mouse));
+        user_actions::PostMoves(&shown->actions, dialog_bars::Drag(picture, shown->grip, mouse));
     }
     const bool held = shown->grip.held;
     if (held && message == WM_LBUTTONUP) {
@@ -59,7 +53,7 @@ bool windows::RollPicture(DialogWindow *shown, const MSG &message) {
     const double turned = GET_WHEEL_DELTA_WPARAM(message.wParam) / double{WHEEL_DELTA};
     const double way = sideways ? turned : -turned;
     const bool across = sideways || (LOWORD(message.wParam) & MK_SHIFT) != 0;
-    Post(shown, dialog_bars::Roll(picture, across ? way : 0, across ? 0 : way));
+    user_actions::PostMoves(&shown->actions, dialog_bars::Roll(picture, across ? way : 0, across ? 0 : way));
     return true;
 }
 

@@ -8,7 +8,6 @@
 
 namespace {
 
-using windows::Action;
 using windows::DialogWindow;
 using windows::InOwnDots;
 
@@ -53,35 +52,22 @@ bool NextEvent(DialogRecord *dialog, EventRecord *event) {
     const InOwnDots dots;
     DialogWindow *shown = WindowOf(dialog);
     *event = {};
-    if (shown->actions.empty()) {
+    if (shown->actions.waiting.empty()) {
         windows::Refresh(shown);
         if (!windows::WaitForAction(shown)) {
             return false;
         }
     }
-    if (shown->actions.empty()) {
+    if (shown->actions.waiting.empty()) {
         return true;
     }
-    shown->current = shown->actions.front();
-    shown->actions.pop_front();
     shown->stale = true;
-    const Action &action = shown->current;
-    if (action.item != 0) {
-        dialog->focusItem = action.item;
-    }
-    *event = action.event;
-    const Point origin = dialog->window.port.origin;
-    event->where = {static_cast<int16_t>(origin.v + action.place.v),
-                    static_cast<int16_t>(origin.h + action.place.h)};
+    user_actions::Take(&shown->actions, dialog, event);
     return true;
 }
 
-// Only keys change text.
 void Edit(DialogRecord *dialog, int16_t item, const EventRecord &event) {
-    const Action &action = WindowOf(dialog)->current;
-    if (event.what == keyDown) {
-        model::ItemAt(dialog, item)->text = {action.text, action.caret, action.caret};
-    }
+    user_actions::Edit(WindowOf(dialog)->actions, dialog, item, event);
 }
 
 constexpr DialogBackend kScreen = {
@@ -89,7 +75,7 @@ constexpr DialogBackend kScreen = {
     Open,
     Close,
     NextEvent,
-    [](ControlRecord *control) { return WindowOf(control->dialog)->current.tracked; },
+    [](ControlRecord *control) { return WindowOf(control->dialog)->actions.current.tracked; },
     Edit,
     // The system moves the window and reports it afterwards.
     [](DialogRecord *, Point start) { return start; },

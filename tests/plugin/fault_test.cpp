@@ -25,10 +25,6 @@ constexpr RunCase kRuns[] = {
     {"Lab48WithAlphaMaskAndDialog", plugInModeLab48, 16, 4, true, true},
 };
 
-void PrintTo(const RunCase &c, std::ostream *out) {
-    *out << c.name;
-}
-
 constexpr int kWidth = 7;
 constexpr int kHeight = 5;
 constexpr std::pair<int32_t, int32_t> kLastRowWritten = {6 * kHeight - 1, 6 * kHeight};
