@@ -5,6 +5,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+scripts/install-packages.sh build test
 cmake --preset test >/dev/null
 cmake --build --preset test --target hymedian HybridMedian resources chart foreign_host >/dev/null
 build=$PWD/build/test

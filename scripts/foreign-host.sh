@@ -7,11 +7,11 @@ source scripts/draw.sh
 
 way=${1:-asan} count=${2:-500} RANDOM=${3:-1}
 case $way in
-asan) preset=asan watched=() ;;
-valgrind) preset=test watched=(valgrind -q --error-exitcode=9 --leak-check=full --errors-for-leak-kinds=definite) ;;
+asan) preset=asan packages="build test" watched=() ;;
+valgrind) preset=test packages="build test valgrind" watched=(valgrind -q --error-exitcode=9 --leak-check=full --errors-for-leak-kinds=definite) ;;
 *) sed -n '2,3s/^# //p' "$0" >&2; exit 2 ;;
 esac
-[ "$way" = asan ] || scripts/install-packages.sh valgrind
+scripts/install-packages.sh $packages
 cmake --preset "$preset" >/dev/null
 cmake --build --preset "$preset" --target foreign_host HybridMedian resources >/dev/null
 build=build/$preset

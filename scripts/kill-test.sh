@@ -5,6 +5,10 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+scripts/install-packages.sh build
+cmake --preset release >/dev/null
+cmake --build --preset release >/dev/null
+
 build=$PWD/build
 runs=${RUNS:-1000}
 work=$(mktemp -d)

@@ -6,6 +6,10 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+scripts/install-packages.sh build
+cmake --preset release >/dev/null
+cmake --build --preset release >/dev/null
+
 build=$PWD/build
 pictures=${PICTURES:-500}
 margin=${MARGIN_KB:-4096}

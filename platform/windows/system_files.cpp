@@ -199,7 +199,12 @@ OSErr system_files::Close(File file) {
 }
 
 std::wstring windows::FinalPath(HANDLE handle) {
-    std::wstring path(GetFinalPathNameByHandleW(handle, nullptr, 0, 0), L'\0');
-    path.resize(GetFinalPathNameByHandleW(handle, path.data(), static_cast<DWORD>(path.size()), 0));
+    std::wstring path(MAX_PATH, L'\0');
+    DWORD length = GetFinalPathNameByHandleW(handle, path.data(), MAX_PATH, 0);
+    if (length > MAX_PATH) {
+        path.resize(length);
+        length = GetFinalPathNameByHandleW(handle, path.data(), length, 0);
+    }
+    path.resize(length);
     return path;
 }

@@ -24,6 +24,20 @@ TEST_F(Platform, SystemErrorsHaveTheirCodes) {
     }
 }
 
+// Without a limit to their length, and with names that mean nothing else: no device, and no point is dropped.
+TEST(NativePaths, AreTakenLiterally) {
+    const std::pair<std::string, std::wstring> paths[] = {
+        {"C:/a b/con", L"\\\\?\\C:\\a b\\con"},
+        {"C:/", L"\\\\?\\C:\\"},
+        {"//server/share/\u00e4.", L"\\\\?\\UNC\\server\\share\\\u00e4."},
+    };
+    for (const auto &[path, literal] : paths) {
+        EXPECT_EQ(windows::SystemPath(path), literal) << path;
+        EXPECT_EQ(windows::PathFromSystem(literal), path);
+    }
+    EXPECT_EQ(windows::PathFromSystem(L"\\\\server\\share"), "//server/share");
+}
+
 // Every name of a Mac can be had, and means one file, whatever Windows makes of such names elsewhere.
 TEST_F(Platform, NamesThatWindowsDoesNotHaveComeBackTheSame) {
     const Name names[] = {Name("a/b\212"), Name("\"*<>?\\|"), Name("space "),
