@@ -55,7 +55,7 @@ for resolution in 96 192; do
     [ $resolution = 96 ] || tests='WindowsDialog.GivesWhat*:WindowsDialog.Fits*:WindowsDialog.ThePicture*'
     timeout 600 "$wine" "$build/system_test.exe" --gtest_brief=1 --gtest_filter="$tests"
 done
-# A run locks the folder of its files a few times, and Wine takes a millisecond for each; all of these would be 25 minutes.
+# A run locks the folder of its files a few times, and Wine takes a millisecond for each; all of these take ten minutes.
 timeout 120 "$wine" "$build/system_test.exe" --gtest_brief=1 --gtest_filter='*DiskFaults.*/RGBOnDisk:*HostileHost.*/0'
 timeout 60 "$wine" "$build/other_filter_test.exe" --gtest_brief=1
 
