@@ -77,7 +77,9 @@ void ExpectSame(const DialogOutcome &shown, const DialogOutcome &scripted) {
     for (size_t i = 0; i < shown.states.size(); ++i) {
         EXPECT_EQ(shown.states[i].values, scripted.states[i].values) << "before action " << i;
         EXPECT_EQ(shown.states[i].picture, scripted.states[i].picture) << "before action " << i;
-        EXPECT_EQ(shown.states[i].texts[kRadiusFieldItem - 1].characters,
-                  scripted.states[i].texts[kRadiusFieldItem - 1].characters);
+        const EditedText &field = shown.states[i].texts[kRadiusFieldItem - 1];
+        const EditedText &expected = scripted.states[i].texts[kRadiusFieldItem - 1];
+        EXPECT_EQ(field.characters, expected.characters) << "before action " << i;
+        EXPECT_EQ(field.selectionEnd, expected.selectionEnd) << "before action " << i;
     }
 }
