@@ -89,9 +89,10 @@ const DialogBackend &SystemDialogBackend() {
 
 // It begins with the window's handle.
 void UsePlatformData(OSType, const void *platformData) {
-    HWND window = nullptr;
+    uintptr_t handle = 0;
     if (platformData != nullptr) {
-        std::memcpy(&window, platformData, sizeof window);
+        std::memcpy(&handle, platformData, sizeof handle);
     }
+    const HWND window = reinterpret_cast<HWND>(handle);
     hostsWindow = window != nullptr && IsWindow(window) != 0 ? GetAncestor(window, GA_ROOT) : nullptr;
 }

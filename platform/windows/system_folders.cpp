@@ -12,11 +12,11 @@ namespace {
 
 // What Windows does not have in names, and what Macs write to Windows shares instead.
 constexpr struct {
-    char mac;
+    wchar_t mac;
     wchar_t system;
 } kReplacements[] = {
-    {'"', 0xF020}, {'*', 0xF021}, {'/', 0xF022},  {'<', 0xF023},
-    {'>', 0xF024}, {'?', 0xF025}, {'\\', 0xF026}, {'|', 0xF027},
+    {L'"', 0xF020}, {L'*', 0xF021}, {L'/', 0xF022},  {L'<', 0xF023},
+    {L'>', 0xF024}, {L'?', 0xF025}, {L'\\', 0xF026}, {L'|', 0xF027},
 };
 constexpr wchar_t kControlReplacements = 0xF000;  // of the characters 1 to 31
 constexpr wchar_t kLastSpace = 0xF028;
@@ -36,7 +36,7 @@ wchar_t ReplacedBy(wchar_t character) {
     }
     const auto *found = std::find_if(std::begin(kReplacements), std::end(kReplacements),
                                      [=](const auto &entry) { return entry.system == character; });
-    return found != std::end(kReplacements) ? static_cast<wchar_t>(found->mac)
+    return found != std::end(kReplacements) ? found->mac
            : character > kControlReplacements && character < kControlReplacements + 0x20
                ? static_cast<wchar_t>(character - kControlReplacements)
                : character;
