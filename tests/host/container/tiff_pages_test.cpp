@@ -2,6 +2,7 @@
 #include "host/container/tiff_pages.h"
 
 #include "host/picture/file_probe.h"
+#include "tests/host/image_bytes.h"
 #include "tests/host/program_fixture.h"
 
 namespace {
@@ -11,11 +12,7 @@ class TiffPages : public Program {
     std::string PixelsOf(const std::string &name, int page) {
         const OwnedObject<VipsImage> image(
             vips_image_new_from_file((Path(name) + "[page=" + std::to_string(page) + "]").c_str(), nullptr));
-        size_t size = 0;
-        void *pixels = image == nullptr ? nullptr : vips_image_write_to_memory(image.get(), &size);
-        std::string bytes(static_cast<const char *>(pixels), size);
-        g_free(pixels);
-        return bytes;
+        return BytesOf(image.get());
     }
 
     // Appends all pages of the files to a new one.
@@ -65,7 +62,7 @@ TEST_F(TiffPages, AreJoinedAndTakenApartAsTheyAre) {
             vips_image_new_from_file((Path("more.tif") + "[page=3,subifd=0]").c_str(), nullptr));
         ASSERT_NE(level, nullptr);
         EXPECT_EQ(vips_image_get_width(level.get()), 150);
-        EXPECT_EQ(vips_image_write_to_memory(level.get(), nullptr) == nullptr, false);
+        EXPECT_FALSE(BytesOf(level.get()).empty());
     }
     // Bytes of whole samples go into either order, those of larger ones do not.
     EXPECT_TRUE(Join({"grey.tif", "fax.tif"}, {true, false}, "mixed.tif"));

@@ -6,6 +6,7 @@
 
 #include "host/container/tiff_directory.h"
 #include "host/picture/file_probe.h"
+#include "tests/host/image_bytes.h"
 #include "tests/host/program_fixture.h"
 
 namespace {
@@ -195,13 +196,7 @@ class RoundTrip : public Program {
         const OwnedObject<VipsImage> images[] = {Opened(in), Opened(out)};
         ASSERT_EQ(vips_image_get_format(images[0].get()), vips_image_get_format(images[1].get()));
         ASSERT_EQ(vips_image_get_bands(images[0].get()), vips_image_get_bands(images[1].get()));
-        std::string pixels[2];
-        for (const int i : {0, 1}) {
-            size_t size = 0;
-            void *bytes = vips_image_write_to_memory(images[i].get(), &size);
-            pixels[i].assign(static_cast<const char *>(bytes), size);
-            g_free(bytes);
-        }
+        const std::string pixels[] = {BytesOf(images[0].get()), BytesOf(images[1].get())};
         ASSERT_EQ(pixels[0].size(), pixels[1].size());
         if (test.tolerance > 0) {
             double sum = 0;

@@ -5,6 +5,7 @@
 #include "host/picture/picture.h"
 #include "host/picture/picture_format.h"
 #include "host/picture/picture_writer.h"
+#include "tests/host/image_bytes.h"
 #include "tests/host/program_fixture.h"
 
 namespace {
@@ -18,14 +19,7 @@ class StoredPicture : public Program {
             vips_image_new_from_file(Path(name).c_str(), "access", VIPS_ACCESS_SEQUENTIAL, nullptr));
     }
 
-    std::string PixelsOf(const std::string &name) {
-        size_t size = 0;
-        const OwnedObject<VipsImage> image = Opened(name);
-        void *pixels = image == nullptr ? nullptr : vips_image_write_to_memory(image.get(), &size);
-        std::string bytes(static_cast<const char *>(pixels), size);
-        g_free(pixels);
-        return bytes;
-    }
+    std::string PixelsOf(const std::string &name) { return BytesOf(Opened(name).get()); }
 
     // Reads and writes without filtering.
     std::string Pass(const std::string &from, const std::string &to, const StorageChoice &choice = {}) {
