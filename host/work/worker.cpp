@@ -104,9 +104,6 @@ bool ParentIsDead() {
 }  // namespace
 
 int RunWorker() {
-    // Ctrl-C goes to the whole process group, and the parent handles it.
-    std::signal(SIGINT, SIG_IGN);
-    std::signal(SIGHUP, SIG_IGN);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     // The parent may have died before that. A job still in the line must not be done: its files would be
     // nobody's.

@@ -51,11 +51,25 @@ struct Worker {
     }
 };
 
+// Ctrl-C and its relatives go to the whole process group, and the parent answers them. Workers are born with
+// them blocked: by the time that they could ignore them it may be too late.
+bool BlockInterrupts(posix_spawnattr_t *attributes) {
+    sigset_t interrupts;
+    sigemptyset(&interrupts);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        sigaddset(&interrupts, signal);
+    }
+    return posix_spawnattr_setflags(attributes, POSIX_SPAWN_SETSIGMASK) == 0 &&
+           posix_spawnattr_setsigmask(attributes, &interrupts) == 0;
+}
+
 bool Spawn(const std::vector<int> &descriptors, pid_t *process) {
     posix_spawn_file_actions_t actions;
+    posix_spawnattr_t attributes;
     posix_spawn_file_actions_init(&actions);
+    posix_spawnattr_init(&attributes);
     std::vector<int> moved;
-    bool sound = true;
+    bool sound = BlockInterrupts(&attributes);
     for (size_t i = 0; i < descriptors.size(); ++i) {
         moved.push_back(fcntl(descriptors[i], F_DUPFD_CLOEXEC, kOutOfTheWay));
         sound =
@@ -65,7 +79,8 @@ bool Spawn(const std::vector<int> &descriptors, pid_t *process) {
     char program[] = "hymedian";
     std::string argument = kWorkerArgument;
     char *arguments[] = {program, argument.data(), nullptr};
-    sound = sound && posix_spawn(process, "/proc/self/exe", &actions, nullptr, arguments, environ) == 0;
+    sound = sound && posix_spawn(process, "/proc/self/exe", &actions, &attributes, arguments, environ) == 0;
+    posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     for (const int descriptor : moved) {
         close(descriptor);

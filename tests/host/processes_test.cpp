@@ -111,9 +111,10 @@ TEST_F(Program, KilledRunsAreClearedUpAfterAndLivingOnesLeftAlone) {
     EXPECT_EQ(Names(), after);
 }
 
-// Kills a worker of the program's, if it has one: the process table lists children under the first thread. A
-// child that runs the program's own command is none (a leak checker's, at the end, which must not die).
-bool KillWorkerOf(pid_t program) {
+// Sends a signal to a worker of the program's, if it has one: the process table lists children under the
+// first thread. A child that runs the program's own command is none (a leak checker's, at the end, which must
+// not die).
+bool SignalWorkerOf(pid_t program, int signal) {
     const std::string number = std::to_string(program);
     std::ifstream children("/proc/" + number + "/task/" + number + "/children");
     for (pid_t child; children >> child;) {
@@ -121,7 +122,7 @@ bool KillWorkerOf(pid_t program) {
         std::string command;
         std::getline(file, command);
         if (command.find(kWorkerArgument) != std::string::npos) {
-            return kill(child, SIGKILL) == 0;
+            return kill(child, signal) == 0;
         }
     }
     return false;
@@ -149,7 +150,7 @@ TEST_F(Program, DeadWorkersAreToldAndLeaveNothing) {
     for (const auto &[command, kills] : cases) {
         const pid_t program = Start(command);
         for (int killed = 0; killed < kills && !HasEnded(program);) {
-            killed += KillWorkerOf(program) ? 1 : 0;
+            killed += SignalWorkerOf(program, SIGKILL) ? 1 : 0;
         }
         const Ended ended = Wait(program);
         EXPECT_EQ(ended.status, 1);
@@ -159,6 +160,23 @@ TEST_F(Program, DeadWorkersAreToldAndLeaveNothing) {
         EXPECT_EQ(kill(-program, 0), -1);
     }
     EXPECT_EQ(Names("out").size(), 1u) << "the other picture was done";
+}
+
+// What goes to the whole process group is the parent's to answer, however early it comes.
+TEST_F(Program, WorkersOutliveInterrupts) {
+    WriteNoise("a.png", 300, 250, 3);
+    WriteNoise("b.png", 300, 250, 3);
+    fs::create_directory(folder / "out");
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        const pid_t program = Start({"a.png", "b.png", "-o", "out", "-f", "-r", "4", "-j", "2"});
+        int sent = 0;
+        while (!HasEnded(program)) {
+            sent += SignalWorkerOf(program, signal) ? 1 : 0;
+        }
+        const Ended ended = Wait(program);
+        EXPECT_EQ(ended.status, 0) << ended.err;
+        EXPECT_GT(sent, 0);
+    }
 }
 
 // The workers are on the first bands by the time the file turns out to be truncated.
