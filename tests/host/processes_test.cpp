@@ -15,6 +15,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
+bool HasEnded(pid_t process) {
+    siginfo_t info = {};
+    return waitid(P_PID, static_cast<id_t>(process), &info, WEXITED | WNOHANG | WNOWAIT) != 0 ||
+           info.si_pid == process;
+}
+
 TEST_F(Program, OneFailureDoesNotStopABatch) {
     fs::create_directory(folder / "out");
     for (const char *name : {"a.png", "b.tif", "c.webp"}) {
@@ -82,6 +88,23 @@ TEST_F(Program, InterruptLeavesNothing) {
     }
 }
 
+// As nohup and background jobs of shells expect.
+TEST_F(Program, InterruptsThatWereIgnoredStayIgnored) {
+    WriteNoise("in.png", 900, 700, 3);
+    const std::set<std::string> before = Names();
+    ignored = {SIGINT, SIGTERM, SIGHUP};
+    const pid_t child = Start({"in.png", "-o", "out.png", "-r", "4"});
+    while (Names() == before && !HasEnded(child)) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    for (const int signal : ignored) {
+        kill(-child, signal);
+    }
+    const Ended ended = Wait(child);
+    EXPECT_EQ(ended.status, 0) << ended.err;
+    EXPECT_EQ(ended.err, "");
+}
+
 TEST_F(Program, KilledRunsAreClearedUpAfterAndLivingOnesLeftAlone) {
     WriteNoise("in.png", 2000, 2000, 3);
     WriteNoise("small.png", 20, 20, 3);
@@ -126,12 +149,6 @@ bool SignalWorkerOf(pid_t program, int signal) {
         }
     }
     return false;
-}
-
-bool HasEnded(pid_t process) {
-    siginfo_t info = {};
-    return waitid(P_PID, static_cast<id_t>(process), &info, WEXITED | WNOHANG | WNOWAIT) != 0 ||
-           info.si_pid == process;
 }
 
 TEST_F(Program, DeadWorkersAreToldAndLeaveNothing) {

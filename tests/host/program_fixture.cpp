@@ -40,6 +40,13 @@ void Program::ChooseDisplay() const {
     }
 }
 
+// Whatever the tests themselves were started to ignore.
+void Program::ResetInterrupts() const {
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        signal(number, std::ranges::find(ignored, number) == ignored.end() ? SIG_DFL : SIG_IGN);
+    }
+}
+
 void Program::Limit() const {
     if (fileSizeLimit != 0) {
         // Writing beyond the limit fails, as on a full disk.
@@ -81,6 +88,7 @@ pid_t Program::Start(std::vector<std::string> arguments) {
     if (child == 0) {
         setpgid(0, 0);
         ChooseDisplay();
+        ResetInterrupts();
         Limit();
         PlaceDescriptors();
         if (chdir(folder.c_str()) == 0) {

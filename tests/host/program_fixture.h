@@ -51,6 +51,7 @@ class Program : public ScratchFolder {
                     VipsInterpretation interpretation = VIPS_INTERPRETATION_sRGB);
 
     std::string executable = HYMEDIAN_PROGRAM;  // the program to start next
+    std::vector<int> ignored;  // which of SIGINT, SIGTERM and SIGHUP the next program is started to ignore
     std::vector<int> descriptors;  // descriptors that the next program inherits besides the standard ones
     std::string display;           // the next program's; empty for none
     rlim_t fileSizeLimit = 0;      // the next program's; 0 for none
@@ -60,6 +61,7 @@ class Program : public ScratchFolder {
 
   private:
     void ChooseDisplay() const;
+    void ResetInterrupts() const;
     void Limit() const;
     void PlaceDescriptors();
 };
