@@ -6,6 +6,7 @@
 #include <climits>
 #include <csignal>
 #include <fstream>
+#include <functional>
 #include <thread>
 
 #include "host/work/worker_pool.h"
@@ -19,6 +20,13 @@ bool HasEnded(pid_t process) {
     siginfo_t info = {};
     return waitid(P_PID, static_cast<id_t>(process), &info, WEXITED | WNOHANG | WNOWAIT) != 0 ||
            info.si_pid == process;
+}
+
+// The temporary file shows that work has begun.
+void WaitForWork(pid_t process, const std::function<bool()> &hasTemporary) {
+    while (!hasTemporary() && !HasEnded(process)) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
 }
 
 TEST_F(Program, OneFailureDoesNotStopABatch) {
@@ -74,10 +82,7 @@ TEST_F(Program, InterruptLeavesNothing) {
     };
     for (const auto &[signal, arguments, out] : cases) {
         const pid_t child = Start(arguments);
-        // The temporary file shows that work has begun.
-        while (Names() == before && waitpid(child, nullptr, WNOHANG) == 0) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
+        WaitForWork(child, [&] { return Names() != before; });
         kill(-child, signal);
         const Ended ended = Wait(child);
         EXPECT_EQ(ended.status, 130) << ended.err;
@@ -94,9 +99,7 @@ TEST_F(Program, InterruptsThatWereIgnoredStayIgnored) {
     const std::set<std::string> before = Names();
     ignored = {SIGINT, SIGTERM, SIGHUP};
     const pid_t child = Start({"in.png", "-o", "out.png", "-r", "4"});
-    while (Names() == before && !HasEnded(child)) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
+    WaitForWork(child, [&] { return Names() != before; });
     for (const int signal : ignored) {
         kill(-child, signal);
     }
